@@ -1,0 +1,36 @@
+#pragma once
+
+#include "memory/IntelHexFileRecordType.h"
+#include "memory/zarnBLOB.h"
+
+#include <QByteArray>
+
+class QFile;
+
+/// A blob placed in the device's address space: byte 0 lies at `address`.
+class AddressedBLOB : public zarnBLOB
+{
+public:
+    explicit AddressedBLOB(unsigned int chunk_size);
+    ~AddressedBLOB() override;
+
+    /// Frees the bytes and goes back to address 0.
+    void clear() override;
+
+    /// Strict order by ascending address; equal addresses have no order.
+    static bool address_sort_compare(const AddressedBLOB* a, const AddressedBLOB* b);
+
+    // Intel HEX out. `file` must be open for writing; record addresses are the low 16 bits of
+    // byte addresses.
+    void write_record_to_file(QFile& file, IntelHexFileRecordType type, unsigned short address,
+                              QByteArray data) const;
+    void write_data_record_to_file(QFile& file, unsigned short address, QByteArray data) const;
+    /// The record that puts the upper half of byte address `address` in force.
+    void write_extended_linear_address_record_to_file(QFile& file, unsigned int address) const;
+    void write_eof_to_file(QFile& file) const;
+    /// The whole blob in records of 16 bytes; `upper` is the upper address half in force before it.
+    void write_content_to_file(QFile& file, unsigned short upper) const;
+
+    /// Byte address of byte 0; whoever makes a blob sets it.
+    unsigned int address = 0;
+};

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "memory/AddressedBLOB.h"
+
+#include <QByteArray>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class QFile;
+
+/// A sparse image of device memory: blobs in the order in which they came. Where blobs overlap,
+/// the later one wins. Addresses are 32-bit byte addresses and wrap.
+class MemoryMap
+{
+public:
+    using Blobs = std::vector<std::unique_ptr<AddressedBLOB>>;
+
+    /// An empty map. `chunk_size`, in bytes and not 0, is both the chunk size of the blobs that the
+    /// map makes and the length of the pieces into which write() cuts data.
+    explicit MemoryMap(unsigned int chunk_size);
+
+    /// Index of the first blob that holds `address`, or -1.
+    int get_blob_index(unsigned int address) const;
+    /// The blobs in list order, owned by the map.
+    const Blobs& blobs() const;
+
+    /// Copies the image's bytes of [address, address + count) to `dst`, which must have room for
+    /// `count`; bytes that no blob covers stay as they are. True when any byte was copied.
+    bool read(unsigned int address, unsigned int count, char* dst) const;
+    /// The same into `dst`, resized to `count` first.
+    bool read(unsigned int address, unsigned int count, QByteArray& dst) const;
+
+    /// Appends the data as new blobs of at most chunk_size bytes; existing blobs are never changed.
+    void write(unsigned int address, unsigned int count, const char* src);
+    void write(unsigned int address, QByteArray data);
+
+    /// Sum of all blobs' sizes; overlapping bytes count once per blob.
+    unsigned int size() const;
+    /// Destroys every blob; the chunk size stays.
+    void clear();
+    /// Sorts the blobs by address and tells the first overlap on the debug channel.
+    bool has_overlaps();
+
+    // Intel HEX in. Each reads from the file's current position and returns false at the end of
+    // the file or at a character that does not fit. Checksums are running sums modulo 256.
+    bool read_hex_digit_from_file(QFile& file, unsigned char& value) const;
+    bool read_hex_byte_from_file(QFile& file, unsigned char& value, unsigned char& checksum) const;
+    bool read_hex_bytes_from_file(QFile& file, unsigned char count, QByteArray& data,
+                                  unsigned char& checksum) const;
+    bool read_record_from_file(QFile& file, IntelHexFileRecordType& type, unsigned short& address,
+                               QByteArray& data) const;
+
+    /// Adds the content of an Intel HEX file to the map; a data record that begins on one of the
+    /// `boundaries` (byte addresses) begins a new blob. Failures are told on the debug channel and
+    /// may leave the blobs read so far in the map. The map is left sorted by address.
+    bool load_from_hex_file(QString path, QSet<unsigned int> boundaries);
+    /// Writes all blobs in list order as an Intel HEX file.
+    bool save_to_hex_file(QString path) const;
+};

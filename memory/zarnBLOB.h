@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+/// A growable byte buffer kept as a list of equal chunks: growing never moves a byte that is
+/// already stored, and a write beyond the end leaves zeros in the gap. Offsets and counts are bytes.
+class zarnBLOB
+{
+public:
+    /// An empty blob; `chunk_size` (bytes per chunk) must not be 0.
+    explicit zarnBLOB(unsigned int chunk_size);
+    virtual ~zarnBLOB();
+    zarnBLOB(const zarnBLOB&) = delete;
+    zarnBLOB& operator=(const zarnBLOB&) = delete;
+
+    /// Frees all chunks; the chunk size stays.
+    virtual void clear();
+
+    /// Bytes that the chunks held now can take.
+    unsigned int capacity() const;
+    /// One past the highest byte ever written.
+    unsigned int size() const;
+    unsigned int chunk_size() const;
+
+    /// Copies up to `count` bytes from `offset` on into `dst`, which must have room for `count`;
+    /// returns the number copied (0 when `offset` is at or beyond the end).
+    unsigned int read(unsigned int offset, unsigned int count, char* dst) const;
+    /// The same into `dst`, which ends up exactly as long as what was read.
+    unsigned int read(unsigned int offset, unsigned int count, QByteArray& dst) const;
+
+    /// Stores `count` bytes at `offset`, growing as needed. A range that would run past the end of
+    /// the 32-bit offsets is not stored at all.
+    void write(unsigned int offset, unsigned int count, const char* src);
+    void write(unsigned int offset, QByteArray data);
+
+    /// Replaces the content by the raw bytes of a file; returns the file's size. A file that
+    /// cannot be opened reads as empty.
+    unsigned int load_from_file(QString path);
+    /// Writes the content to a file and returns size(). When the size is an exact multiple of the
+    /// chunk size the last chunk is left out; readers of such files count on it. A file that
+    /// cannot be opened is not written.
+    unsigned int save_to_file(QString path) const;
+
+    /// A listing for diagnostics: one line of hexadecimal bytes per chunk.
+    QString to_hex_string() const;
+};
