@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <memory>
+
 /// The one registry of device profiles, from 16-bit bootloader version to Profile. The first
 /// question to it reads ./device.txt; whatever is wrong with that file is told on the debug
 /// channel and leaves that first call as a thrown `QException*`.
@@ -27,6 +29,9 @@ public:
 
 private:
     Profiles();
+    /// Takes the profile in under its version, in place of an earlier one.
+    void enter(std::unique_ptr<Profile> profile);
 
+    /// The profiles are children of the registry.
     QMap<unsigned short, Profile*> m_profiles;
 };

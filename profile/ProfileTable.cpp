@@ -1,0 +1,66 @@
+#include "profile/ProfileTable.h"
+
+#include "profile/Profile.h"
+
+#include <QByteArray>
+#include <QIODevice>
+
+namespace
+{
+
+QStringList split_fields(QString line)
+{
+    // Columns are lined up with as many tabs as it takes.
+    while (line.contains(QLatin1String("\t\t"))) {
+        line.replace(QLatin1String("\t\t"), QLatin1String("\t"));
+    }
+    QStringList fields = line.split(QLatin1Char('\t'));
+    if (fields.last().isEmpty()) {
+        fields.removeLast();
+    }
+    return fields;
+}
+
+/// Whether the four characters between are digits shows when the profile converts the field.
+bool is_version_field(const QString& field)
+{
+    return field.size() == 6 && field.startsWith(QLatin1Char('v')) &&
+           field.endsWith(QLatin1Char(':'));
+}
+
+QByteArray without_line_end(QByteArray line)
+{
+    if (line.endsWith('\n')) {
+        line.chop(line.endsWith("\r\n") ? 2 : 1);
+    }
+    return line;
+}
+
+} // namespace
+
+ProfileTableLine parse_profile_table_line(QString line)
+{
+    QStringList fields = split_fields(line);
+    if (fields.size() != Profile::_enum_size) {
+        return {ProfileTableLine::Kind::Remark, fields};
+    }
+    if (fields.first() == QLatin1String("Version")) {
+        return {ProfileTableLine::Kind::Header, fields};
+    }
+    if (!is_version_field(fields.first())) {
+        return {ProfileTableLine::Kind::Unparsable, fields};
+    }
+    fields.first() = QStringLiteral("0x") + fields.first().mid(1, 4);
+    return {ProfileTableLine::Kind::Row, fields};
+}
+
+std::optional<ProfileTableLine> read_profile_table_line(QIODevice& device)
+{
+    const QByteArray line = device.readLine();
+    if (line.isEmpty()) {
+        return std::nullopt;
+    }
+    const QByteArray text = without_line_end(line);
+    // With its length given, a NUL is one more character that fits nowhere, not the line's end.
+    return parse_profile_table_line(QString::fromUtf8(text.constData(), text.size()));
+}
