@@ -22,11 +22,12 @@ public:
 
     // Intel HEX out. `file` must be open for writing; record addresses are the low 16 bits of
     // byte addresses.
-    void write_record_to_file(QFile& file, IntelHexFileRecordType type, unsigned short address,
-                              QByteArray data) const;
-    void write_data_record_to_file(QFile& file, unsigned short address, QByteArray data) const;
-    /// The record that puts the upper half of byte address `address` in force.
-    void write_extended_linear_address_record_to_file(QFile& file, unsigned int address) const;
+    void write_record_to_file(QFile& file, IntelHexFileRecordType type,
+                              unsigned short record_address, QByteArray data) const;
+    void write_data_record_to_file(QFile& file, unsigned short record_address,
+                                   QByteArray data) const;
+    /// The record that puts the upper half of `byte_address` in force.
+    void write_extended_linear_address_record_to_file(QFile& file, unsigned int byte_address) const;
     void write_eof_to_file(QFile& file) const;
     /// The whole blob in records of 16 bytes; `upper` is the upper address half in force before it.
     void write_content_to_file(QFile& file, unsigned short upper) const;

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QFile;
@@ -24,7 +25,7 @@ public:
 
     /// Index of the first blob that holds `address`, or -1.
     int get_blob_index(unsigned int address) const;
-    /// The blobs in list order, owned by the map.
+    /// The blobs in list order, owned by the map and only to be looked at.
     const Blobs& blobs() const;
 
     /// Copies the image's bytes of [address, address + count) to `dst`, which must have room for
@@ -59,4 +60,19 @@ public:
     bool load_from_hex_file(QString path, QSet<unsigned int> boundaries);
     /// Writes all blobs in list order as an Intel HEX file.
     bool save_to_hex_file(QString path) const;
+
+private:
+    AddressedBLOB& append_blob(unsigned int address);
+    /// The blobs, as a range of the list, that may hold any of [first_address, last_address].
+    std::pair<Blobs::const_iterator, Blobs::const_iterator>
+    candidates(unsigned int first_address, unsigned int last_address) const;
+    bool load_records(QFile& file, const QSet<unsigned int>& boundaries);
+    /// Adds a data record to `current` (which may be null) or to a new blob; returns that blob.
+    AddressedBLOB& store(AddressedBLOB* current, unsigned int address, const QByteArray& data,
+                         const QSet<unsigned int>& boundaries);
+
+    unsigned int m_chunk_size;
+    Blobs m_blobs;
+    /// True while the list is known to be sorted by address without overlaps.
+    bool m_in_order = true;
 };

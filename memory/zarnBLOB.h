@@ -7,7 +7,8 @@
 #include <vector>
 
 /// A growable byte buffer kept as a list of equal chunks: growing never moves a byte that is
-/// already stored, and a write beyond the end leaves zeros in the gap. Offsets and counts are bytes.
+/// already stored, and a write beyond the end leaves zeros in the gap. Offsets and counts are
+/// bytes. Running out of memory throws std::bad_alloc and leaves the content as it was.
 class zarnBLOB
 {
 public:
@@ -38,7 +39,7 @@ public:
     void write(unsigned int offset, QByteArray data);
 
     /// Replaces the content by the raw bytes of a file; returns the file's size. A file that
-    /// cannot be opened reads as empty.
+    /// cannot be opened, or that is too long for 32-bit offsets, reads as empty.
     unsigned int load_from_file(QString path);
     /// Writes the content to a file and returns size(). When the size is an exact multiple of the
     /// chunk size the last chunk is left out; readers of such files count on it. A file that
@@ -47,4 +48,17 @@ public:
 
     /// A listing for diagnostics: one line of hexadecimal bytes per chunk.
     QString to_hex_string() const;
+
+private:
+    /// Makes room for `size` bytes and counts them as used; never shrinks.
+    void extend_to(unsigned int size);
+    /// Calls action(char* bytes, unsigned int length) for each stretch of [offset, offset + count)
+    /// that lies together in storage, in order. The range must be in use.
+    template <typename Action>
+    void for_each_stretch(unsigned int offset, unsigned int count, Action action) const;
+
+    unsigned int m_size = 0;
+    unsigned int m_chunk_size;
+    /// The chunks, allocated several at a time: see zarnBLOB.cpp.
+    std::vector<std::unique_ptr<char[]>> m_slabs;
 };

@@ -1,0 +1,120 @@
+#include "memory/AddressedBLOB.h"
+#include "memory/MemoryMap.h"
+
+#include <QDebug>
+#include <QFile>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+constexpr unsigned int bytes_per_record = 16;
+/// Formatted text is handed to the file in blocks of about this many bytes.
+constexpr int block_size = 64 * 1024;
+
+char* put_byte(char* out, unsigned char value, unsigned char& sum)
+{
+    static constexpr char DIGITS[] = "0123456789ABCDEF";
+    sum = static_cast<unsigned char>(sum + value);
+    *out++ = DIGITS[value >> 4];
+    *out++ = DIGITS[value & 0xF];
+    return out;
+}
+
+void append_record(QByteArray& text, IntelHexFileRecordType type, unsigned short address,
+                   const char* data, int count)
+{
+    const int begin = text.size();
+    text.resize(begin + 2 * count + 12); // ":", 5 bytes beside the data, line end
+    char* out = text.data() + begin;
+    unsigned char sum = 0;
+    *out++ = ':';
+    out = put_byte(out, static_cast<unsigned char>(count), sum);
+    out = put_byte(out, static_cast<unsigned char>(address >> 8), sum);
+    out = put_byte(out, static_cast<unsigned char>(address & 0xFF), sum);
+    out = put_byte(out, static_cast<unsigned char>(type), sum);
+    for (int i = 0; i < count; ++i) {
+        out = put_byte(out, static_cast<unsigned char>(data[i]), sum);
+    }
+    out = put_byte(out, static_cast<unsigned char>(-sum), sum);
+    *out = '\n';
+}
+
+void append_extended_linear_address_record(QByteArray& text, unsigned int address)
+{
+    const std::array<char, 2> upper = {static_cast<char>(address >> 24),
+                                       static_cast<char>(address >> 16)};
+    append_record(text, IntelHexFileRecordType::ExtendedLinearAddress, 0, upper.data(), 2);
+}
+
+} // namespace
+
+void AddressedBLOB::write_record_to_file(QFile& file, IntelHexFileRecordType type,
+                                         unsigned short record_address, QByteArray data) const
+{
+    QByteArray text;
+    append_record(text, type, record_address, data.constData(), data.size());
+    file.write(text);
+}
+
+void AddressedBLOB::write_data_record_to_file(QFile& file, unsigned short record_address,
+                                              QByteArray data) const
+{
+    write_record_to_file(file, IntelHexFileRecordType::Data, record_address, data);
+}
+
+void AddressedBLOB::write_extended_linear_address_record_to_file(QFile& file,
+                                                                 unsigned int byte_address) const
+{
+    QByteArray text;
+    append_extended_linear_address_record(text, byte_address);
+    file.write(text);
+}
+
+void AddressedBLOB::write_eof_to_file(QFile& file) const
+{
+    file.write(":00000001FF\n");
+}
+
+void AddressedBLOB::write_content_to_file(QFile& file, unsigned short upper) const
+{
+    QByteArray text;
+    text.reserve(block_size + 128); // a block is full once it has block_size; one step adds < 128
+    std::array<char, bytes_per_record> data;
+    unsigned int count = 0;
+    for (unsigned int offset = 0; offset < size(); offset += count) {
+        const unsigned int record_address = address + offset;
+        if (record_address >> 16 != upper) {
+            append_extended_linear_address_record(text, record_address);
+            upper = static_cast<unsigned short>(record_address >> 16);
+        }
+        count = read(offset, bytes_per_record, data.data());
+        append_record(text, IntelHexFileRecordType::Data,
+                      static_cast<unsigned short>(record_address & 0xFFFF), data.data(),
+                      static_cast<int>(count));
+        if (text.size() >= block_size) {
+            file.write(text);
+            text.resize(0);
+        }
+    }
+    file.write(text);
+}
+
+bool MemoryMap::save_to_hex_file(QString path) const
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        qDebug() << QStringLiteral("MemoryMap::save_to_hex_file(): could not open file '%1' for "
+                                   "writing")
+                        .arg(path);
+        return false;
+    }
+    for (const auto& blob : m_blobs) {
+        blob->write_content_to_file(file, 0xFFFF);
+    }
+    AddressedBLOB(m_chunk_size).write_eof_to_file(file);
+    file.close();
+    return true;
+}
