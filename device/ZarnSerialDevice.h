@@ -1,1 +1,178 @@
 #pragma once
+
+#include "device/AreaFilter.h"
+#include "device/Span.h"
+#include "profile/Profile.h"
+
+#include <QByteArray>
+#include <QEventLoop>
+#include <QObject>
+#include <QSerialPort>
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+#include <optional>
+
+class MemoryMap;
+
+/// The one object through which the uploader talks to a device's bootloader: it owns the serial
+/// port, knows the selected device profile and offers every device operation as a member.
+///
+/// Operations return success. A failing one reports its message once, through error(), and returns
+/// false; whoever called it returns false in turn without repeating the text. Everything runs on
+/// the calling thread; only one operation may run at a time.
+///
+/// Addresses are byte addresses of the image unless said otherwise; the commands on the line carry
+/// word addresses.
+class ZarnSerialDevice : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Makes a device on the serial port `port`, which stays closed until the first command.
+    /// `events`, which may be null, must let the port deliver its pending events; it is called
+    /// while the entry procedure polls. `version` selects a profile at once unless it is 0.
+    ZarnSerialDevice(QString port, void (*events)(), unsigned int baud, bool half_duplex,
+                     unsigned short version);
+    /// Closes the port; no command is sent.
+    ~ZarnSerialDevice() override;
+
+    // ---- the line -------------------------------------------------------------------------
+
+    bool open_port();
+    /// Reports a message (debug channel and sig_error); always false.
+    bool error(QString message);
+    void process_events();
+    /// Waits for new data to complete a frame in the receive buffer, at most `timeout`
+    /// milliseconds. What the buffer already holds is not looked at before the wait. 0: true at
+    /// once.
+    bool read_until_terminated_or_timed_out(int timeout);
+    /// One command: frames it, sends it and waits for the answer, up to `max_attempts` times.
+    /// `response` receives the payload without the echo of the command;
+    /// `expected_response_length` is its length in bytes (0: sent once, nothing is awaited).
+    /// `timeout_secs` is, its name notwithstanding, a number of milliseconds per wait.
+    bool send_and_receive(QByteArray command, QByteArray& response,
+                          unsigned short expected_response_length, unsigned char max_attempts,
+                          int timeout_secs);
+
+    static bool needs_escaping(char byte);
+    static bool is_terminated(QByteArray buffer);
+    /// False, with `frame` untouched and nothing reported, for an empty command.
+    static bool encode(QByteArray command, QByteArray& frame);
+    bool decode(QByteArray frame, QByteArray& payload);
+
+    // ---- identification ---------------------------------------------------------------------
+
+    /// Asks a running bootloader at the port's present rate. `version` must not be null.
+    bool request_bootloader_version(unsigned short* version);
+    /// Selects the profile of `version` and its baud rate; keeps the old one when there is none.
+    bool set_bootloader_version(unsigned short version);
+    /// The selected profile's version, or 0; nothing is sent.
+    unsigned short get_bootloader_version();
+    bool is_half_duplex() const;
+    unsigned int get_attr(Profile::Attr attr) const;
+    QString get_name() const;
+    /// The selected profile, owned by the registry; null until one is selected.
+    const Profile* profile() const;
+    /// Catches a bootloader that is starting (9600 baud) or finds one that is running (460800
+    /// baud) and selects its profile. `version`, which may be null, receives what it answered even
+    /// when no profile matches.
+    bool QV_entry_procedure(unsigned short* version);
+    void reset();
+
+    // ---- memory commands; all need a selected profile ---------------------------------------
+
+    /// Fills `data` with whole filler (erased-state) words: at least `num_bytes` bytes, rounded up
+    /// to words; empty for a memory without words.
+    void initialize_array(unsigned int num_bytes, QByteArray& data, MemoryType type) const;
+    /// Reads `num_bytes` bytes of one memory from `address` on into `data`.
+    bool read_memory(unsigned int address, unsigned int num_bytes, QByteArray& data);
+    /// Writes one flash row, or whole EEPROM rows, at `address`.
+    bool write_memory(unsigned int address, QByteArray data);
+    /// Erases `count` flash pages from `address` on.
+    bool erase_flash(unsigned int address, unsigned char count);
+
+    // ---- operations on whole memories; all need a selected profile --------------------------
+    // The two area flags leave out flash of the encrypted or the unencrypted area when false.
+    // `abort_requested` is polled between rows.
+
+    bool erase_all(bool include_encrypted, bool include_unencrypted);
+    /// Erases the pages from `start_address` to `end_address`, the latter's page included.
+    bool erase_range(bool include_encrypted, bool include_unencrypted, unsigned int start_address,
+                     unsigned int end_address);
+    bool write(const MemoryMap* map, const bool& abort_requested, bool include_encrypted,
+               bool include_unencrypted);
+    /// Writes what of flash and EEPROM lies in [start_address, end_address).
+    bool write_range(const MemoryMap* map, unsigned int start_address, unsigned int end_address,
+                     const bool& abort_requested, bool include_encrypted, bool include_unencrypted);
+
+Q_SIGNALS:
+    void sig_error(QString error);
+    void sig_unencoded_command(QByteArray command);
+    void sig_encoded_command(QByteArray command);
+    void sig_encoded_response(QByteArray response);
+    void sig_decoded_response(QByteArray response);
+    void sig_verify_progress(unsigned int processed_byte_count, unsigned int total_byte_count);
+    void sig_upload_progress(unsigned int processed_byte_count, unsigned int total_byte_count);
+    void sig_download_progress(unsigned int processed_byte_count, unsigned int total_byte_count);
+    void sig_operation_complete();
+
+private Q_SLOTS:
+    void rxdata();
+
+private:
+    /// Counts of bytes, as sig_upload_progress tells them.
+    struct UploadProgress {
+        unsigned int processed;
+        unsigned int total;
+    };
+
+    void drop_vanished_port(QSerialPort::SerialPortError error);
+    void discard_pending();
+    void transmit(const QByteArray& frame);
+    QString attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
+                    unsigned short expected_response_length, int timeout);
+
+    std::optional<QByteArray> probe_for_version();
+    std::optional<QByteArray> catch_starting_bootloader();
+    void let_bootloader_settle();
+    bool accept_version(const QByteArray& bytes, unsigned short* version);
+
+    void append_filler_word(unsigned int filler, unsigned int word_size, QByteArray& data) const;
+    std::optional<QString> read_fault(unsigned int address, unsigned int num_bytes,
+                                      MemoryType type) const;
+    bool read_blocks(MemoryType type, unsigned int address, QByteArray& data);
+    bool read_words(MemoryType type, unsigned int address, unsigned char count,
+                    QByteArray& received);
+    std::optional<QString> write_fault(unsigned int address, unsigned int num_bytes,
+                                       MemoryType type) const;
+    std::optional<QString> erase_fault(unsigned int address) const;
+    bool send_acknowledged(const QByteArray& command);
+
+    bool erase_pages(const AreaFilter& areas, Span pages, unsigned int step);
+    bool erase_run(unsigned int address, unsigned char count);
+
+    Span limits_of(MemoryType type) const;
+    bool check_range(Span range, const QString& outside_message);
+    bool fill_row(const MemoryMap& map, MemoryType type, unsigned int address,
+                  unsigned int row_size, QByteArray& row) const;
+    bool walk_rows(Span rows, unsigned int row_size, const bool& abort_requested,
+                   const std::function<bool(unsigned int)>& row);
+    bool write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash, Span eeprom,
+                     const bool& abort_requested);
+    bool can_write_rows(MemoryType type, Span rows);
+    bool write_flash_row(const MemoryMap& map, unsigned int address, UploadProgress& progress);
+    bool write_eeprom_row(const MemoryMap& map, unsigned int address, UploadProgress& progress);
+    void advance(UploadProgress& progress, unsigned int bytes);
+
+    QSerialPort m_port;
+    void (*m_process_events)();
+    bool m_half_duplex = false;
+    unsigned int m_baud;
+    QByteArray m_receive_buffer;
+    QEventLoop m_event_loop;
+    QTimer m_timer;
+    const Profile* m_profile = nullptr;
+    bool m_profile_selected = false;
+};

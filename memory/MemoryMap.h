@@ -19,6 +19,9 @@ class MemoryMap
 public:
     using Blobs = std::vector<std::unique_ptr<AddressedBLOB>>;
 
+    /// The chunk size, in bytes, of the tool's images: what it loads and what it reads back.
+    static constexpr unsigned int default_chunk_size = 16;
+
     /// An empty map. `chunk_size`, in bytes and not 0, is both the chunk size of the blobs that the
     /// map makes and the length of the pieces into which write() cuts data.
     explicit MemoryMap(unsigned int chunk_size);

@@ -1,0 +1,63 @@
+#include "device/ZarnSerialDevice.h"
+
+#include <QDebug>
+
+ZarnSerialDevice::ZarnSerialDevice(QString port, void (*events)(), unsigned int baud,
+                                   bool half_duplex, unsigned short version)
+    : m_process_events(events),
+      m_half_duplex(half_duplex),
+      m_baud(baud)
+{
+    m_timer.setSingleShot(true);
+    // A coarse timer may fire early by a twentieth of the wait and cut an answer off.
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, &m_event_loop, &QEventLoop::quit);
+    connect(&m_port, &QSerialPort::readyRead, this, &ZarnSerialDevice::rxdata);
+    // Queued: the port must not be closed from within its own notification.
+    connect(
+        &m_port, &QSerialPort::errorOccurred, this,
+        [this](QSerialPort::SerialPortError error) { drop_vanished_port(error); },
+        Qt::QueuedConnection);
+    m_port.setPortName(port);
+    m_port.setBaudRate(static_cast<qint32>(m_baud));
+    if (version != 0) {
+        set_bootloader_version(version);
+    }
+}
+
+ZarnSerialDevice::~ZarnSerialDevice() = default;
+
+bool ZarnSerialDevice::open_port()
+{
+    if (m_port.isOpen() || m_port.open(QIODevice::ReadWrite)) {
+        return true;
+    }
+    return error(
+        QStringLiteral("cannot open port %1 (%2)").arg(m_port.portName(), m_port.errorString()));
+}
+
+bool ZarnSerialDevice::error(QString message)
+{
+    qDebug() << message;
+    Q_EMIT sig_error(message);
+    return false;
+}
+
+void ZarnSerialDevice::process_events()
+{
+    if (m_process_events != nullptr) {
+        m_process_events();
+    }
+}
+
+/// The notifier of a port that is gone fires without end and would keep a core busy through every
+/// wait that follows. A closed port is silent, so what is left of the run sees a device that does
+/// not answer.
+void ZarnSerialDevice::drop_vanished_port(QSerialPort::SerialPortError error)
+{
+    const bool gone = error == QSerialPort::ReadError || error == QSerialPort::WriteError ||
+                      error == QSerialPort::ResourceError;
+    if (gone && m_port.isOpen()) {
+        m_port.close();
+    }
+}

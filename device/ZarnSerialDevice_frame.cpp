@@ -1,0 +1,27 @@
+#include "device/FrameCodec.h"
+#include "device/ZarnSerialDevice.h"
+
+bool ZarnSerialDevice::needs_escaping(char byte)
+{
+    return frame::needs_escaping(byte);
+}
+
+bool ZarnSerialDevice::is_terminated(QByteArray buffer)
+{
+    return frame::is_terminated(buffer);
+}
+
+bool ZarnSerialDevice::encode(QByteArray command, QByteArray& frame)
+{
+    if (command.isEmpty()) {
+        return false;
+    }
+    frame = frame::encode(command);
+    return true;
+}
+
+bool ZarnSerialDevice::decode(QByteArray frame, QByteArray& payload)
+{
+    const auto fault = frame::decode(frame, payload);
+    return !fault || error(*fault);
+}

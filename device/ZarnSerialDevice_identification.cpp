@@ -1,0 +1,178 @@
+#include "device/ZarnSerialDevice.h"
+#include "profile/Profiles.h"
+#include "util/Util.h"
+
+#include <QDeadlineTimer>
+#include <QDebug>
+
+namespace
+{
+
+constexpr int entry_passes = 5;
+constexpr int probes_per_pass = 5;
+constexpr int probe_wait_ms = 200;
+constexpr int settle_ms = 1000;
+constexpr qint32 starting_baud = QSerialPort::Baud9600;
+constexpr qint32 running_baud = 460800;
+constexpr char entry_probe = 0x55;
+constexpr unsigned short version_length = 2;
+
+QByteArray version_command()
+{
+    return QByteArray("\x00\x02", 2);
+}
+
+QByteArray reset_command()
+{
+    return QByteArray("\x00\x00", 2);
+}
+
+/// High byte first. A low byte of 0x80 or more sets the whole high byte: bootloaders are numbered
+/// by that rule, and the profile table lists such versions as 0xFFnn.
+unsigned short assemble_version(const QByteArray& bytes)
+{
+    const unsigned int high = bytes.isEmpty() ? 0U : static_cast<unsigned char>(bytes.at(0));
+    const int low = bytes.size() < 2 ? 0 : static_cast<signed char>(bytes.at(1));
+    return static_cast<unsigned short>((high << 8) | static_cast<unsigned int>(low));
+}
+
+/// The two version bytes behind the marker in whatever a starting bootloader sent, once both are
+/// in.
+std::optional<QByteArray> find_entry_reply(const QByteArray& received)
+{
+    const int marker = received.indexOf("QV");
+    if (marker < 0 || received.size() - marker < 4) {
+        return std::nullopt;
+    }
+    return received.mid(marker + 2, 2);
+}
+
+} // namespace
+
+bool ZarnSerialDevice::request_bootloader_version(unsigned short* version)
+{
+    QByteArray response;
+    return open_port() && send_and_receive(version_command(), response, version_length, 40, 300) &&
+           accept_version(response, version);
+}
+
+bool ZarnSerialDevice::set_bootloader_version(unsigned short version)
+{
+    const Profile* profile =
+        Profiles::has_profile(version) ? Profiles::get_profile(version) : nullptr;
+    if (profile == nullptr) {
+        return error(QStringLiteral("no profile for device (bootloader version = %1)")
+                         .arg(Util::uint_to_hex<unsigned int>(version, 4)));
+    }
+    m_profile = profile;
+    m_baud = get_attr(Profile::max_baud);
+    m_port.setBaudRate(static_cast<qint32>(m_baud));
+    m_profile_selected = true;
+    return true;
+}
+
+unsigned short ZarnSerialDevice::get_bootloader_version()
+{
+    if (!m_profile_selected) {
+        return 0;
+    }
+    qDebug() << "Existing bldr";
+    return static_cast<unsigned short>(get_attr(Profile::bootloader_version));
+}
+
+bool ZarnSerialDevice::is_half_duplex() const
+{
+    return m_half_duplex;
+}
+
+unsigned int ZarnSerialDevice::get_attr(Profile::Attr attr) const
+{
+    return m_profile->attributes.at(static_cast<std::size_t>(attr));
+}
+
+QString ZarnSerialDevice::get_name() const
+{
+    return m_profile->name;
+}
+
+const Profile* ZarnSerialDevice::profile() const
+{
+    return m_profile;
+}
+
+bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
+{
+    for (int pass = 0; pass < entry_passes; ++pass) {
+        qDebug() << "Trying 0x55 9600 baud\n";
+        m_port.setBaudRate(starting_baud);
+        if (!open_port()) {
+            return false;
+        }
+        if (const auto reply = catch_starting_bootloader()) {
+            let_bootloader_settle();
+            return accept_version(*reply, version);
+        }
+        qDebug() << "Trying version command 460800 baud\n";
+        m_port.setBaudRate(running_baud);
+        if (!open_port()) {
+            return false;
+        }
+        QByteArray response;
+        if (send_and_receive(version_command(), response, version_length, 3, 100)) {
+            return accept_version(response, version);
+        }
+    }
+    return false;
+}
+
+/// What an earlier probe's answer left in the buffer counts: a reply may come in pieces.
+std::optional<QByteArray> ZarnSerialDevice::catch_starting_bootloader()
+{
+    discard_pending();
+    for (int probe = 0; probe < probes_per_pass; ++probe) {
+        if (auto reply = probe_for_version()) {
+            return reply;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArray> ZarnSerialDevice::probe_for_version()
+{
+    const QDeadlineTimer deadline(probe_wait_ms, Qt::PreciseTimer);
+    m_port.write(&entry_probe, 1);
+    while (!deadline.hasExpired()) {
+        process_events();
+        if (auto reply = find_entry_reply(m_receive_buffer)) {
+            return reply;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The port stays closed; the next command opens it at the profile's rate.
+void ZarnSerialDevice::let_bootloader_settle()
+{
+    m_event_loop.exit();
+    m_port.close();
+    m_receive_buffer.clear();
+    m_timer.start(settle_ms);
+    m_event_loop.exec();
+}
+
+bool ZarnSerialDevice::accept_version(const QByteArray& bytes, unsigned short* version)
+{
+    const unsigned short assembled = assemble_version(bytes);
+    if (version != nullptr) {
+        *version = assembled;
+    }
+    return set_bootloader_version(assembled);
+}
+
+void ZarnSerialDevice::reset()
+{
+    QByteArray response;
+    if (open_port()) {
+        send_and_receive(reset_command(), response, 0, 1, 0);
+    }
+}
