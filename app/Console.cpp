@@ -1,0 +1,48 @@
+#include "app/Console.h"
+
+#include <cstdio>
+
+QCoreApplication* a = nullptr;
+QTextStream out(stdout, QIODevice::ReadWrite);
+QFile serial_record;
+
+namespace
+{
+
+void record(const char* direction, const QByteArray& frame)
+{
+    if (serial_record.isOpen()) {
+        serial_record.write(direction + frame.toHex());
+        serial_record.flush();
+    }
+}
+
+} // namespace
+
+void slot_error(QString error)
+{
+    QTextStream stream(stdout);
+    stream << error << "\n";
+}
+
+void slot_progress(unsigned int processed, unsigned int total)
+{
+    const unsigned int percentage = total == 0 ? 0 : processed * 100U / total;
+    QTextStream stream(stdout);
+    stream << "\rProgress " << percentage << "%";
+}
+
+void slot_command_received(QByteArray frame)
+{
+    record("\nRX:", frame);
+}
+
+void slot_command_transmitted(QByteArray frame)
+{
+    record("\nTX:", frame);
+}
+
+void process_events_handler()
+{
+    QCoreApplication::processEvents();
+}

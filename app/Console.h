@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QFile>
+#include <QString>
+#include <QTextStream>
+
+// The output channels of the tool and the functions that the device's signals end in. They are
+// process-wide because they have to be there before main() and until the very end of the process,
+// whichever way it ends.
+
+/// The application object, made first thing in main().
+extern QCoreApplication* a;
+/// Standard output, buffered: what is written shows when it is flushed, when 16 KiB have gathered,
+/// or when the process exits.
+extern QTextStream out;
+/// The frame log; closed, and then not written, unless the command line names one.
+extern QFile serial_record;
+
+/// Prints an error line at once, ahead of whatever `out` still holds.
+void slot_error(QString error);
+/// Rewrites the progress line at once. Counts are bytes; the percentage is worked out in 32 bits.
+void slot_progress(unsigned int processed, unsigned int total);
+/// Append a frame to the frame log.
+void slot_command_received(QByteArray frame);
+void slot_command_transmitted(QByteArray frame);
+/// Processes the application's pending events once; the device calls it while it polls.
+void process_events_handler();
