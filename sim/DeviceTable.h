@@ -1,0 +1,43 @@
+#pragma once
+
+#include "profile/Profile.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+namespace sim
+{
+
+/// A table can't be used; what() says why.
+class TableError : public std::runtime_error
+{
+public:
+    explicit TableError(const QString& text) : std::runtime_error(text.toStdString()) {}
+};
+
+/// The devices of a profile table by bootloader version, later rows replacing earlier ones.
+class DeviceTable
+{
+public:
+    /// Reads the table. Throws TableError when it can't be read or holds a bad row.
+    explicit DeviceTable(const QString& path);
+
+    /// One line per device in ascending order: the version as four hexadecimal digits, the name.
+    QStringList listing() const;
+    /// The device of this version; without a version, the only one there is. Throws TableError
+    /// when there is no such device, or when there are several to choose from.
+    const Profile& choose(std::optional<unsigned short> version) const;
+
+private:
+    void add(const QStringList& fields);
+
+    QString m_path;
+    std::map<unsigned short, std::unique_ptr<Profile>> m_profiles;
+};
+
+} // namespace sim

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace sim
+{
+
+/// The frame that carries `payload` on the line.
+QByteArray make_frame(const QByteArray& payload);
+
+/// Finds frames in a stream of bytes. A device has nobody to complain to: whatever is not a sound
+/// frame is dropped, and the next pair of sync symbols starts anew.
+class FrameReceiver
+{
+public:
+    /// Takes the next bytes from the line, cut anywhere, and returns the payloads of the frames
+    /// that they complete.
+    std::vector<QByteArray> receive(const QByteArray& bytes);
+    /// Forgets the frame that has begun.
+    void reset();
+
+    /// Frames that began with sync symbols and came to nothing: bad checksum, needless escape,
+    /// a sync symbol in the middle, no payload.
+    unsigned int dropped_frames() const { return m_dropped_frames; }
+
+private:
+    enum class State { Idle, FirstSync, Body, Escape };
+
+    bool take(char byte);
+    void take_escaped(char byte);
+    bool take_plain(char byte);
+    void take_data(char byte);
+    void drop(State next);
+    bool finish();
+
+    State m_state = State::Idle;
+    QByteArray m_body; ///< unescaped payload and checksum
+    unsigned int m_dropped_frames = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "memory/MemoryMap.h"
+
+#include <QString>
+
+#include <stdexcept>
+
+namespace sim
+{
+
+class DeviceMemory;
+
+/// An image file can't be read or written; what() says which.
+class ImageError : public std::runtime_error
+{
+public:
+    explicit ImageError(const QString& text) : std::runtime_error(text.toStdString()) {}
+};
+
+/// An Intel HEX file beside a device's memory.
+class MemoryImage
+{
+public:
+    /// Loads the file. Throws ImageError when that fails.
+    explicit MemoryImage(const QString& path);
+
+    /// Fills the memory; returns how many bytes of the image the device has no place for.
+    unsigned int fill(DeviceMemory& memory) const;
+
+    struct Comparison {
+        bool matches;
+        QString report; ///< one line for the user
+    };
+
+    /// Compares what the image holds for user flash and EEPROM with the memory. The rest of an
+    /// image, the bootloader's part included, is nothing that an uploader could have written. An
+    /// image that holds nothing for the device does not match.
+    Comparison compare(const DeviceMemory& memory) const;
+
+private:
+    QString m_path;
+    MemoryMap m_map;
+};
+
+/// Writes what is not erased as an Intel HEX file. Throws ImageError when that fails.
+void save_memory(const DeviceMemory& memory, const QString& path);
+
+} // namespace sim

@@ -1,0 +1,46 @@
+#include "sim/StopSignals.h"
+
+#include <cerrno>
+#include <csignal>
+#include <sys/signalfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace sim
+{
+
+namespace
+{
+
+int open_signals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    const int descriptor = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
+    if (descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
+    }
+    return descriptor;
+}
+
+} // namespace
+
+StopSignals::StopSignals()
+    : m_descriptor(open_signals()),
+      m_notifier(m_descriptor.get(), QSocketNotifier::Read)
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, &StopSignals::take);
+}
+
+void StopSignals::take()
+{
+    signalfd_siginfo signal{};
+    if (::read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal) {
+        Q_EMIT stop_requested();
+    }
+}
+
+} // namespace sim
