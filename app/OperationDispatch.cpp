@@ -4,6 +4,8 @@
 #include "app/Failure.h"
 #include "device/ZarnSerialDevice.h"
 
+#include <QFile>
+
 namespace
 {
 
@@ -25,8 +27,28 @@ OperationDispatch::OperationDispatch(ZarnSerialDevice& device, const Settings& s
 
 void OperationDispatch::run()
 {
+    if (m_settings.write_and_verify_wanted) {
+        write_and_verify();
+        return;
+    }
     erase();
     write();
+    read();
+    verify();
+}
+
+/// Erases by itself, page by page; "-e" makes it erase and write pages that already match, too.
+void OperationDispatch::write_and_verify()
+{
+    load(m_settings.write_and_verify_file, QStringLiteral("write-and-verify"));
+    out << "Uploading firmware\n";
+    out.flush();
+    const bool uploaded =
+        m_device.write_with_verify(&m_map, m_abort_requested, m_settings.include_encrypted,
+                                   m_settings.include_unencrypted, m_settings.erase_all_wanted);
+    out << "\n";
+    insist(uploaded, "Write-and-verify failure!\n");
+    out << "Uploaded!\n";
 }
 
 void OperationDispatch::erase()
@@ -66,6 +88,46 @@ void OperationDispatch::write()
                "Failed to write memory range, aborting...\n");
         out << "Memory range written!\n";
     }
+}
+
+/// A file that cannot be opened any more does not stop the read: the device is asked all the same,
+/// and saving reports what is wrong with the file.
+void OperationDispatch::read()
+{
+    if (!m_settings.read_wanted && !m_settings.limited_read_wanted) {
+        return;
+    }
+    QFile file(m_settings.read_file);
+    if (!file.open(QIODevice::ReadWrite)) {
+        out << "Could not open file to read data into!";
+    }
+    if (m_settings.read_wanted) {
+        insist(m_device.read(file, m_abort_requested, m_settings.include_encrypted,
+                             m_settings.include_unencrypted),
+               "Failed to read memory, aborting...\n");
+        out << "Memory read!\n";
+    } else {
+        insist(m_device.read_range(file, m_abort_requested, m_settings.include_encrypted,
+                                   m_settings.include_unencrypted, m_settings.read_range.lower,
+                                   m_settings.read_range.upper),
+               "Failed to read memory range, aborting...\n");
+        out << "Memory range read!\n";
+    }
+}
+
+void OperationDispatch::verify()
+{
+    if (!m_settings.verify_wanted) {
+        return;
+    }
+    load(m_settings.verify_file, QStringLiteral("verify"));
+    out << "Verifying firmware\n";
+    out.flush();
+    const bool verified = m_device.verify_firmware(
+        &m_map, m_abort_requested, m_settings.include_encrypted, m_settings.include_unencrypted);
+    out << "\n";
+    insist(verified, "Verification failure!\n");
+    out << "Verified!\n";
 }
 
 /// Loads a firmware file, cut where the device's regions meet.

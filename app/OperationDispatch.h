@@ -15,8 +15,11 @@ public:
     void run();
 
 private:
+    void write_and_verify();
     void erase();
     void write();
+    void read();
+    void verify();
 
     void load(const QString& file, const QString& operation);
 

@@ -14,4 +14,10 @@ struct AreaFilter {
         return (!include_encrypted && profile.is_encrypted_flash(address)) ||
                (!include_unencrypted && profile.is_unencrypted_flash(address));
     }
+
+    /// Whether data that begins at `address` takes part: in flash or EEPROM and not left alone.
+    bool admits(unsigned int address) const
+    {
+        return profile.get_memory_type(address) != MEMORY_OTHER && !excludes(address);
+    }
 };

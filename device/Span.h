@@ -14,6 +14,12 @@ struct Span {
     {
         return is_empty() ? 0 : (end - start) / row_size * row_size;
     }
+
+    /// The smallest stretch of whole units that holds this one.
+    Span widened_to(unsigned int unit) const
+    {
+        return {start / unit * unit, (end + unit - 1) / unit * unit};
+    }
 };
 
 /// The part of `range` that lies in the memory `limits`.

@@ -13,8 +13,11 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 
+class AddressedBLOB;
 class MemoryMap;
+class QFile;
 
 /// The one object through which the uploader talks to a device's bootloader: it owns the serial
 /// port, knows the selected device profile and offers every device operation as a member.
@@ -84,7 +87,7 @@ public:
     // ---- memory commands; all need a selected profile ---------------------------------------
 
     /// Fills `data` with whole filler (erased-state) words: at least `num_bytes` bytes, rounded up
-    /// to words; empty for a memory without words.
+    /// to words; empty for a memory without words, or when that is more than a byte array holds.
     void initialize_array(unsigned int num_bytes, QByteArray& data, MemoryType type) const;
     /// Reads `num_bytes` bytes of one memory from `address` on into `data`.
     bool read_memory(unsigned int address, unsigned int num_bytes, QByteArray& data);
@@ -106,6 +109,20 @@ public:
     /// Writes what of flash and EEPROM lies in [start_address, end_address).
     bool write_range(const MemoryMap* map, unsigned int start_address, unsigned int end_address,
                      const bool& abort_requested, bool include_encrypted, bool include_unencrypted);
+    /// Reads flash and EEPROM and saves them as an Intel HEX file under the name of `file`, which
+    /// is used for nothing else.
+    bool read(QFile& file, const bool& abort_requested, bool include_encrypted,
+              bool include_unencrypted);
+    /// The same for what lies in [start_address, end_address).
+    bool read_range(QFile& file, const bool& abort_requested, bool include_encrypted,
+                    bool include_unencrypted, unsigned int start_address, unsigned int end_address);
+    /// Compares the device with the image, row by row.
+    bool verify_firmware(const MemoryMap* map, const bool& abort_requested, bool include_encrypted,
+                         bool include_unencrypted);
+    /// Erases, writes and reads back the flash pages that differ from the image (every page that
+    /// it touches when `skip_compare`), then writes its EEPROM rows.
+    bool write_with_verify(const MemoryMap* map, const bool& abort_requested,
+                           bool include_encrypted, bool include_unencrypted, bool skip_compare);
 
 Q_SIGNALS:
     void sig_error(QString error);
@@ -122,8 +139,8 @@ private Q_SLOTS:
     void rxdata();
 
 private:
-    /// Counts of bytes, as sig_upload_progress tells them.
-    struct UploadProgress {
+    /// Counts of bytes, as the progress signals tell them.
+    struct Progress {
         unsigned int processed;
         unsigned int total;
     };
@@ -150,21 +167,50 @@ private:
     std::optional<QString> erase_fault(unsigned int address) const;
     bool send_acknowledged(const QByteArray& command);
 
+    // Shared by the operations.
+    Span limits_of(MemoryType type) const;
+    bool insist(bool needed, const std::optional<QString>& fault);
+    bool check_range(Span range, const QString& outside_message);
+    bool touches(const MemoryMap& map, const AreaFilter& areas, MemoryType type) const;
+    bool fill_row(const MemoryMap& map, MemoryType type, unsigned int address,
+                  unsigned int row_size, QByteArray& row) const;
+    bool read_row(MemoryType type, unsigned int address, unsigned int row_size, QByteArray& row);
+    bool walk_rows(Span rows, unsigned int row_size, const bool& abort_requested,
+                   const std::function<bool(unsigned int)>& row);
+    void advance(Progress& progress, unsigned int bytes);
+
     bool erase_pages(const AreaFilter& areas, Span pages, unsigned int step);
     bool erase_run(unsigned int address, unsigned char count);
 
-    Span limits_of(MemoryType type) const;
-    bool check_range(Span range, const QString& outside_message);
-    bool fill_row(const MemoryMap& map, MemoryType type, unsigned int address,
-                  unsigned int row_size, QByteArray& row) const;
-    bool walk_rows(Span rows, unsigned int row_size, const bool& abort_requested,
-                   const std::function<bool(unsigned int)>& row);
     bool write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash, Span eeprom,
                      const bool& abort_requested);
-    bool can_write_rows(MemoryType type, Span rows);
-    bool write_flash_row(const MemoryMap& map, unsigned int address, UploadProgress& progress);
-    bool write_eeprom_row(const MemoryMap& map, unsigned int address, UploadProgress& progress);
-    void advance(UploadProgress& progress, unsigned int bytes);
+    bool write_flash_row(const MemoryMap& map, unsigned int address, Progress& progress);
+    bool write_eeprom_row(const MemoryMap& map, unsigned int address, Progress& progress);
+    bool send_flash_row(unsigned int address, const QByteArray& row);
+
+    bool read_parts(const QFile& file, const AreaFilter& areas, Span flash, Span eeprom,
+                    unsigned int eeprom_request, const bool& abort_requested);
+    bool read_flash(MemoryMap& map, const AreaFilter& areas, Span flash,
+                    const bool& abort_requested);
+    bool read_eeprom(MemoryMap& map, Span eeprom, unsigned int request_size,
+                     const bool& abort_requested);
+    bool read_into(MemoryMap& map, MemoryType type, unsigned int address, unsigned int num_bytes);
+
+    bool can_verify(const MemoryMap& map, const AreaFilter& areas);
+    bool verify_blob(const AddressedBLOB& blob, const bool& abort_requested, Progress& progress);
+    unsigned int verify_row(const AddressedBLOB& blob, unsigned int offset,
+                            const bool& abort_requested);
+
+    bool can_write_with_verify(const MemoryMap& map, const AreaFilter& areas);
+    std::set<unsigned int> touched_pages(const MemoryMap& map, const AreaFilter& areas) const;
+    unsigned int eeprom_rows_size(const MemoryMap& map) const;
+    bool bring_up_to_date(const MemoryMap& map, unsigned int page, const bool& abort_requested,
+                          bool skip_compare, Progress& progress);
+    bool compare_rows(const MemoryMap& map, Span rows, const bool& abort_requested, bool& differs);
+    bool device_holds_row(const MemoryMap& map, unsigned int address);
+    bool write_checked_row(const MemoryMap& map, unsigned int address, Progress& progress);
+    bool read_back(unsigned int address, const QByteArray& written);
+    bool write_eeprom_blobs(const MemoryMap& map, const bool& abort_requested, Progress& progress);
 
     QSerialPort m_port;
     void (*m_process_events)();

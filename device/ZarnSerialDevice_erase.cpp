@@ -37,8 +37,8 @@ bool ZarnSerialDevice::erase_all(bool include_encrypted, bool include_unencrypte
     if (flash.is_empty()) {
         return true;
     }
-    if (const auto fault = geometry::page_fault(*m_profile)) {
-        return error(*fault);
+    if (!insist(true, geometry::page_fault(*m_profile))) {
+        return false;
     }
     return erase_pages({*m_profile, include_encrypted, include_unencrypted}, flash, step);
 }
@@ -54,8 +54,8 @@ bool ZarnSerialDevice::erase_range(bool include_encrypted, bool include_unencryp
         return error(out_of_bounds(
             QStringLiteral("unable to erase at %1 above max flash address 0x%1"), end_address));
     }
-    if (const auto fault = geometry::page_fault(*m_profile)) {
-        return error(*fault);
+    if (!insist(true, geometry::page_fault(*m_profile))) {
+        return false;
     }
     const unsigned int step = m_profile->get_page_size(MEMORY_FLASH);
     const Span pages{start_address / step * step, (end_address / step + 1) * step};

@@ -91,9 +91,12 @@ void ZarnSerialDevice::initialize_array(unsigned int num_bytes, QByteArray& data
     if (word_size == 0) {
         return;
     }
-    const unsigned int filler = m_profile->get_filler_word(type);
-    for (unsigned int filled = 0; filled < num_bytes; filled += word_size) {
-        append_filler_word(filler, word_size, data);
+    const quint64 words = (quint64{num_bytes} + word_size - 1) / word_size;
+    if (words * word_size > largest_request) {
+        return;
+    }
+    for (quint64 i = 0; i < words; ++i) {
+        append_filler_word(m_profile->get_filler_word(type), word_size, data);
     }
 }
 

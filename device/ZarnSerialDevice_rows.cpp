@@ -3,6 +3,8 @@
 #include "memory/MemoryMap.h"
 #include "util/Util.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -62,4 +64,26 @@ bool ZarnSerialDevice::walk_rows(Span rows, unsigned int row_size, const bool& a
         }
         return row(address);
     });
+}
+
+/// The row that the device holds at `address`; on failure what is in `row` must not be used.
+bool ZarnSerialDevice::read_row(MemoryType type, unsigned int address, unsigned int row_size,
+                                QByteArray& row)
+{
+    initialize_array(row_size, row, type);
+    return read_memory(address, row_size, row);
+}
+
+bool ZarnSerialDevice::touches(const MemoryMap& map, const AreaFilter& areas, MemoryType type) const
+{
+    const auto& blobs = map.blobs();
+    return std::any_of(blobs.begin(), blobs.end(), [&](const auto& blob) {
+        return m_profile->get_memory_type(blob->address) == type && areas.admits(blob->address);
+    });
+}
+
+/// Reports a geometry fault when the operation at hand needs that memory.
+bool ZarnSerialDevice::insist(bool needed, const std::optional<QString>& fault)
+{
+    return !needed || !fault || error(*fault);
 }

@@ -12,7 +12,7 @@ Span extent_of(const MemoryMap& map, const AreaFilter& areas, MemoryType type, u
     Span extent{empty, empty};
     bool seen = false;
     for (const auto& blob : map.blobs()) {
-        if (areas.profile.get_memory_type(blob->address) != type || areas.excludes(blob->address)) {
+        if (areas.profile.get_memory_type(blob->address) != type || !areas.admits(blob->address)) {
             continue;
         }
         extent.start = seen ? qMin(extent.start, blob->address) : blob->address;
@@ -60,12 +60,13 @@ bool ZarnSerialDevice::write_range(const MemoryMap* map, unsigned int start_addr
 bool ZarnSerialDevice::write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash,
                                    Span eeprom, const bool& abort_requested)
 {
-    if (!can_write_rows(MEMORY_FLASH, flash) || !can_write_rows(MEMORY_EEPROM, eeprom)) {
+    if (!insist(!flash.is_empty(), geometry::row_fault(*m_profile, MEMORY_FLASH)) ||
+        !insist(!eeprom.is_empty(), geometry::row_fault(*m_profile, MEMORY_EEPROM))) {
         return false;
     }
     const unsigned int flash_row = get_attr(Profile::flash_row_size);
     const unsigned int eeprom_row = get_attr(Profile::eeprom_row_size);
-    UploadProgress progress{0, eeprom.whole_rows(eeprom_row) + flash.whole_rows(flash_row)};
+    Progress progress{0, eeprom.whole_rows(eeprom_row) + flash.whole_rows(flash_row)};
     Q_EMIT sig_upload_progress(progress.processed, progress.total);
     if (!open_port()) {
         return false;
@@ -83,30 +84,30 @@ bool ZarnSerialDevice::write_parts(const MemoryMap& map, const AreaFilter& areas
     return written;
 }
 
-bool ZarnSerialDevice::can_write_rows(MemoryType type, Span rows)
-{
-    const auto fault = rows.is_empty() ? std::nullopt : geometry::row_fault(*m_profile, type);
-    return !fault || error(*fault);
-}
-
 /// A row that the image does not touch counts as processed but is not sent: the device's bytes
 /// there are none of the image's business.
 bool ZarnSerialDevice::write_flash_row(const MemoryMap& map, unsigned int address,
-                                       UploadProgress& progress)
+                                       Progress& progress)
 {
     const unsigned int row_size = get_attr(Profile::flash_row_size);
     QByteArray row;
-    if (fill_row(map, MEMORY_FLASH, address, row_size, row) && !write_memory(address, row)) {
-        return error(QStringLiteral("unable to write flash row at address 0x%1")
-                         .arg(Util::uint_to_hex(address, -1)));
+    if (fill_row(map, MEMORY_FLASH, address, row_size, row) && !send_flash_row(address, row)) {
+        return false;
     }
     advance(progress, row_size);
     return true;
 }
 
+bool ZarnSerialDevice::send_flash_row(unsigned int address, const QByteArray& row)
+{
+    return write_memory(address, row) ||
+           error(QStringLiteral("unable to write flash row at address 0x%1")
+                     .arg(Util::uint_to_hex(address, -1)));
+}
+
 /// EEPROM rows within reach of the image are always written, with filler where it has no bytes.
 bool ZarnSerialDevice::write_eeprom_row(const MemoryMap& map, unsigned int address,
-                                        UploadProgress& progress)
+                                        Progress& progress)
 {
     const unsigned int row_size = get_attr(Profile::eeprom_row_size);
     QByteArray row;
@@ -119,7 +120,7 @@ bool ZarnSerialDevice::write_eeprom_row(const MemoryMap& map, unsigned int addre
     return true;
 }
 
-void ZarnSerialDevice::advance(UploadProgress& progress, unsigned int bytes)
+void ZarnSerialDevice::advance(Progress& progress, unsigned int bytes)
 {
     progress.processed += bytes;
     Q_EMIT sig_upload_progress(progress.processed, progress.total);
