@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Builds the programs and programs a sample image into a simulated device over a serial line.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/packages.sh
+
+device=0110
+image=blink.hex
+
+install_packages "${build_packages[@]}"
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -G Ninja
+cmake --build build
+
+# The simulator prints its port first and a summary when it is stopped.
+exec 3< <(exec build/zserial-sim --table examples/device.txt --device "$device" \
+    --check "examples/$image")
+simulator=$!
+trap 'kill "$simulator" 2>/dev/null || true' EXIT
+read -r port <&3
+echo
+echo "A simulated device listens on $port. Programming examples/$image into it:"
+echo
+echo "  zserial -s $port -e -w $image -R"
+echo
+(cd examples && ../build/zserial -s "$port" -e -w "$image" -R)
+
+kill -TERM "$simulator"
+echo
+echo "The device's own account:"
+cat <&3
+wait "$simulator"

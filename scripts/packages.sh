@@ -1,0 +1,25 @@
+# Sourced by the other scripts: installs the Debian packages that are missing, as root or through
+# sudo. A machine that has them all is left alone.
+
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+            missing+=("$package")
+    done
+    if [ ${#missing[@]} -eq 0 ]; then
+        return
+    fi
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]}"
+    "${as_root[@]}" apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev)
+lint_packages=(clang-format clang-tidy)
