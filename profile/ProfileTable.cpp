@@ -5,16 +5,24 @@
 #include <QByteArray>
 #include <QIODevice>
 
+#include <algorithm>
+
 namespace
 {
 
-QStringList split_fields(QString line)
+/// Columns are lined up with as many tabs as it takes.
+QString with_single_tabs(QString line)
 {
-    // Columns are lined up with as many tabs as it takes.
-    while (line.contains(QLatin1String("\t\t"))) {
-        line.replace(QLatin1String("\t\t"), QLatin1String("\t"));
-    }
-    QStringList fields = line.split(QLatin1Char('\t'));
+    const QChar tab = QLatin1Char('\t');
+    const auto end = std::unique(line.begin(), line.end(),
+                                 [tab](QChar a, QChar b) { return a == tab && b == tab; });
+    line.truncate(static_cast<int>(end - line.begin()));
+    return line;
+}
+
+QStringList split_fields(const QString& line)
+{
+    QStringList fields = with_single_tabs(line).split(QLatin1Char('\t'));
     if (fields.last().isEmpty()) {
         fields.removeLast();
     }
