@@ -8,15 +8,6 @@ namespace command_line
 namespace
 {
 
-Outcome check_file(const Scan& scan, const QString& name, QLatin1String operation)
-{
-    if (scan.can_open(name)) {
-        return std::nullopt;
-    }
-    return refuse(
-        QStringLiteral("Could not open file %1 for %2 op, aborting...\n").arg(name, operation));
-}
-
 /// 0x for hexadecimal, a leading 0 for octal, otherwise decimal.
 bool parse_number(const QString& text, unsigned int& value)
 {
@@ -96,76 +87,93 @@ Outcome on_bootloader_version(Scan& scan)
     return std::nullopt;
 }
 
+/// What an operation on a file, or on a range and a file, has of its own.
+struct FileOperation {
+    bool Settings::*wanted;
+    QString Settings::*file;
+    const char* repeated;
+    const char* missing;
+    const char* verb;
+};
+
+Outcome take_file(Scan& scan, const FileOperation& operation, int position)
+{
+    const QString& name = scan.following.at(position);
+    scan.settings.*operation.wanted = true;
+    scan.settings.*operation.file = name;
+    if (scan.can_open(name)) {
+        return std::nullopt;
+    }
+    return refuse(QStringLiteral("Could not open file %1 for %2 op, aborting...\n")
+                      .arg(name, QLatin1String(operation.verb)));
+}
+
+Outcome check_arguments(const Scan& scan, const FileOperation& operation, int count)
+{
+    if (scan.settings.*operation.wanted) {
+        return refuse(QLatin1String(operation.repeated));
+    }
+    if (!scan.has(count)) {
+        return refuse(QLatin1String(operation.missing));
+    }
+    return std::nullopt;
+}
+
+Outcome take_whole(Scan& scan, const FileOperation& operation)
+{
+    const Outcome refusal = check_arguments(scan, operation, 1);
+    return refusal ? refusal : take_file(scan, operation, 0);
+}
+
+Outcome take_limited(Scan& scan, const FileOperation& operation, AddressRange& range,
+                     const QString& lower_suffix = {})
+{
+    if (auto refusal = check_arguments(scan, operation, 3)) {
+        return refusal;
+    }
+    if (auto refusal = parse_range(scan, QLatin1String(operation.verb), range, lower_suffix)) {
+        return refusal;
+    }
+    return take_file(scan, operation, 2);
+}
+
 Outcome on_write(Scan& scan)
 {
-    Settings& settings = scan.settings;
-    if (settings.write_wanted) {
-        return refuse(
-            QStringLiteral("You specified the write operation more than once, aborting...\n"));
-    }
-    if (!scan.has(1)) {
-        return refuse(QStringLiteral("Filename string must follow -w write option, aborting...\n"));
-    }
-    settings.write_wanted = true;
-    settings.write_file = scan.following.at(0);
-    return check_file(scan, settings.write_file, QLatin1String("write"));
+    return take_whole(scan,
+                      {&Settings::write_wanted, &Settings::write_file,
+                       "You specified the write operation more than once, aborting...\n",
+                       "Filename string must follow -w write option, aborting...\n", "write"});
 }
 
 Outcome on_limited_write(Scan& scan)
 {
-    Settings& settings = scan.settings;
-    if (settings.limited_write_wanted) {
-        return refuse(
-            QStringLiteral("You specified a write operation more than once, aborting...\n"));
-    }
-    if (!scan.has(3)) {
-        return refuse(QStringLiteral(
-            "lower and upper address plus filename must follow -W limited write option, "
-            "aborting...\n"));
-    }
-    if (auto refusal = parse_range(scan, QLatin1String("write"), settings.write_range)) {
-        return refusal;
-    }
-    settings.limited_write_wanted = true;
-    settings.write_file = scan.following.at(2);
-    return check_file(scan, settings.write_file, QLatin1String("write"));
+    return take_limited(scan,
+                        {&Settings::limited_write_wanted, &Settings::write_file,
+                         "You specified a write operation more than once, aborting...\n",
+                         "lower and upper address plus filename must follow -W limited write "
+                         "option, aborting...\n",
+                         "write"},
+                        scan.settings.write_range);
 }
 
 Outcome on_read(Scan& scan)
 {
-    Settings& settings = scan.settings;
-    if (settings.read_wanted) {
-        return refuse(
-            QStringLiteral("You specified the read operation more than once, aborting...\n"));
-    }
-    if (!scan.has(1)) {
-        return refuse(QStringLiteral("Filename string must follow -r write option, aborting...\n"));
-    }
-    settings.read_wanted = true;
-    settings.read_file = scan.following.at(0);
-    return check_file(scan, settings.read_file, QLatin1String("read"));
+    return take_whole(scan, {&Settings::read_wanted, &Settings::read_file,
+                             "You specified the read operation more than once, aborting...\n",
+                             "Filename string must follow -r write option, aborting...\n", "read"});
 }
 
+/// The value of the failed conversion, always 0, is shown behind the message about the lower
+/// address.
 Outcome on_limited_read(Scan& scan)
 {
-    Settings& settings = scan.settings;
-    if (settings.limited_read_wanted) {
-        return refuse(
-            QStringLiteral("You specified a read operation more than once, aborting...\n"));
-    }
-    if (!scan.has(3)) {
-        return refuse(QStringLiteral(
-            "lower and upper address plus filename must follow -l limited read option, "
-            "aborting...\n"));
-    }
-    // The failed conversion's value, always 0, is shown behind the message.
-    if (auto refusal =
-            parse_range(scan, QLatin1String("read"), settings.read_range, QStringLiteral("0"))) {
-        return refusal;
-    }
-    settings.limited_read_wanted = true;
-    settings.read_file = scan.following.at(2);
-    return check_file(scan, settings.read_file, QLatin1String("read"));
+    return take_limited(scan,
+                        {&Settings::limited_read_wanted, &Settings::read_file,
+                         "You specified a read operation more than once, aborting...\n",
+                         "lower and upper address plus filename must follow -l limited read "
+                         "option, aborting...\n",
+                         "read"},
+                        scan.settings.read_range, QStringLiteral("0"));
 }
 
 Outcome on_limited_erase(Scan& scan)
@@ -185,67 +193,59 @@ Outcome on_limited_erase(Scan& scan)
 
 Outcome on_verify(Scan& scan)
 {
-    Settings& settings = scan.settings;
-    if (settings.verify_wanted) {
-        return refuse(
-            QStringLiteral("You specified the verify operation more than once, aborting...\n"));
-    }
-    if (!scan.has(1)) {
-        return refuse(QStringLiteral("Filename string must follow -v write option, aborting...\n"));
-    }
-    settings.verify_wanted = true;
-    settings.verify_file = scan.following.at(0);
-    return check_file(scan, settings.verify_file, QLatin1String("verify"));
+    return take_whole(scan,
+                      {&Settings::verify_wanted, &Settings::verify_file,
+                       "You specified the verify operation more than once, aborting...\n",
+                       "Filename string must follow -v write option, aborting...\n", "verify"});
 }
 
+/// Looks at "-w" and "-v" but not at itself: repeated, the last file counts.
 Outcome on_write_and_verify(Scan& scan)
 {
-    Settings& settings = scan.settings;
-    if (settings.write_wanted) {
+    if (scan.settings.write_wanted) {
         return refuse(QStringLiteral("You specified more than one write operation.\n"));
     }
-    if (settings.verify_wanted) {
+    if (scan.settings.verify_wanted) {
         return refuse(QStringLiteral("You specified more than one verify operation.\n"));
     }
     if (!scan.has(1)) {
         return refuse(QStringLiteral(
             "Filename string must follow -wv write with verify option, aborting...\n"));
     }
-    settings.write_and_verify_wanted = true;
-    settings.write_and_verify_file = scan.following.at(0);
-    return check_file(scan, settings.write_and_verify_file, QLatin1String("verify"));
+    return take_file(scan,
+                     {&Settings::write_and_verify_wanted, &Settings::write_and_verify_file, nullptr,
+                      nullptr, "verify"},
+                     0);
 }
 
-Outcome on_reset(Scan& scan)
+/// A flag that may be given once: its value when given, and how a repetition is told.
+Outcome take_flag_once(bool& flag, bool given, QLatin1String name)
 {
-    scan.settings.reset_wanted = true;
+    if (flag == given) {
+        return refuse(QStringLiteral("You specified '%1' more than once.\n").arg(name));
+    }
+    flag = given;
     return std::nullopt;
 }
 
 Outcome on_erase_all(Scan& scan)
 {
-    if (scan.settings.erase_all_wanted) {
-        return refuse(QStringLiteral("You specified '-e' more than once.\n"));
-    }
-    scan.settings.erase_all_wanted = true;
-    return std::nullopt;
+    return take_flag_once(scan.settings.erase_all_wanted, true, QLatin1String("-e"));
 }
 
 Outcome on_exclude_encrypted(Scan& scan)
 {
-    if (!scan.settings.include_encrypted) {
-        return refuse(QStringLiteral("You specified '-xe' more than once.\n"));
-    }
-    scan.settings.include_encrypted = false;
-    return std::nullopt;
+    return take_flag_once(scan.settings.include_encrypted, false, QLatin1String("-xe"));
 }
 
 Outcome on_exclude_unencrypted(Scan& scan)
 {
-    if (!scan.settings.include_unencrypted) {
-        return refuse(QStringLiteral("You specified '-xu' more than once.\n"));
-    }
-    scan.settings.include_unencrypted = false;
+    return take_flag_once(scan.settings.include_unencrypted, false, QLatin1String("-xu"));
+}
+
+Outcome on_reset(Scan& scan)
+{
+    scan.settings.reset_wanted = true;
     return std::nullopt;
 }
 
