@@ -1,0 +1,94 @@
+#pragma once
+
+#include "memory/MemoryMap.h"
+#include "tests/support/DebugMessages.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// Images, texts and files in forms that can be written down in a test and that a failure shows.
+
+/// A map's blobs in list order: address and bytes, the latter as upper-case hexadecimal digits.
+using Image = std::vector<std::pair<unsigned int, std::string>>;
+
+inline std::string digits_of(const QByteArray& bytes)
+{
+    return bytes.toHex().toUpper().toStdString();
+}
+
+inline QByteArray bytes_of(const zarnBLOB& blob)
+{
+    QByteArray bytes;
+    blob.read(0, blob.size(), bytes);
+    return bytes;
+}
+
+inline Image image_of(const MemoryMap& map)
+{
+    Image image;
+    for (const auto& blob : map.blobs()) {
+        image.emplace_back(blob->address, digits_of(bytes_of(*blob)));
+    }
+    return image;
+}
+
+inline std::vector<std::string> lines_of(const DebugMessages& messages)
+{
+    std::vector<std::string> lines;
+    for (const QString& text : messages.texts()) {
+        lines.push_back(text.toStdString());
+    }
+    return lines;
+}
+
+inline void write_file(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    ASSERT_EQ(file.write(content), content.size());
+}
+
+inline QByteArray file_content(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+/// `count` bytes that tell where each of them belongs: 0, 1, 2, ... plus `first`, modulo 256.
+inline QByteArray counting_bytes(int count, int first = 0)
+{
+    QByteArray bytes(count, '\0');
+    for (int i = 0; i < count; ++i) {
+        bytes[i] = static_cast<char>(first + i);
+    }
+    return bytes;
+}
+
+/// A record line with a correct checksum.
+inline QByteArray hex_record(int type, int address, const QByteArray& data)
+{
+    QByteArray bytes;
+    bytes.append(static_cast<char>(data.size()));
+    bytes.append(static_cast<char>(address / 256));
+    bytes.append(static_cast<char>(address % 256));
+    bytes.append(static_cast<char>(type));
+    bytes.append(data);
+    int sum = 0;
+    for (const char byte : bytes) {
+        sum += static_cast<unsigned char>(byte);
+    }
+    bytes.append(static_cast<char>(256 - sum % 256));
+    return ':' + bytes.toHex().toUpper() + '\n';
+}
+
+inline QByteArray data_record(int address, const char* digits)
+{
+    return hex_record(0, address, QByteArray::fromHex(digits));
+}

@@ -1,0 +1,67 @@
+#include "memory/AddressedBLOB.h"
+#include "tests/memory/Images.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace
+{
+
+TEST(AddressedBlob, takes_its_chunk_size)
+{
+    const AddressedBLOB blob(256);
+    EXPECT_EQ(blob.chunk_size(), 256U);
+    EXPECT_EQ(blob.size(), 0U);
+}
+
+TEST(AddressedBlob, clear_goes_back_to_address_0)
+{
+    AddressedBLOB blob(16);
+    blob.address = 0x1000;
+    blob.write(0, counting_bytes(20));
+    zarnBLOB& base = blob;
+    base.clear();
+    EXPECT_EQ(blob.address, 0U);
+    EXPECT_EQ(blob.size(), 0U);
+    EXPECT_EQ(blob.capacity(), 0U);
+    EXPECT_EQ(blob.chunk_size(), 16U);
+}
+
+TEST(AddressedBlob, loading_raw_bytes_goes_back_to_address_0)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("bytes.bin"));
+    write_file(path, "bytes");
+    AddressedBLOB blob(16);
+    blob.address = 0x1000;
+    EXPECT_EQ(blob.load_from_file(path), 5U);
+    EXPECT_EQ(blob.address, 0U);
+    EXPECT_EQ(bytes_of(blob), "bytes");
+}
+
+TEST(AddressedBlob, is_destroyed_through_its_base)
+{
+    std::unique_ptr<zarnBLOB> blob = std::make_unique<AddressedBLOB>(16);
+    blob->write(0, counting_bytes(100));
+    blob.reset(); // the leak checker of a sanitizer build sees what stays behind
+    EXPECT_EQ(blob, nullptr);
+}
+
+TEST(AddressedBlob, order_is_by_unsigned_address_and_strict)
+{
+    AddressedBLOB low(16);
+    AddressedBLOB high(16);
+    low.address = 0x7FFFFFFF;
+    high.address = 0x80000000;
+    EXPECT_TRUE(AddressedBLOB::address_sort_compare(&low, &high));
+    EXPECT_FALSE(AddressedBLOB::address_sort_compare(&high, &low));
+    EXPECT_FALSE(AddressedBLOB::address_sort_compare(&low, &low));
+    high.address = low.address;
+    high.write(0, counting_bytes(3));
+    EXPECT_FALSE(AddressedBLOB::address_sort_compare(&low, &high));
+    EXPECT_FALSE(AddressedBLOB::address_sort_compare(&high, &low));
+}
+
+} // namespace

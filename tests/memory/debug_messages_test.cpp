@@ -1,0 +1,64 @@
+#include "tests/memory/Images.h"
+#include "tests/support/DebugMessages.h"
+
+#include <QDebug>
+#include <QString>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+using Lines = std::vector<std::string>;
+
+TEST(DebugMessages, keeps_messages_in_order_and_shows_quotes_of_strings)
+{
+    const DebugMessages messages;
+    qDebug() << "plain";
+    qDebug() << QStringLiteral("quoted");
+    EXPECT_EQ(lines_of(messages), (Lines{"plain", "\"quoted\""}));
+}
+
+TEST(DebugMessages, inner_catcher_takes_over_while_it_lives)
+{
+    const DebugMessages outer;
+    qDebug() << "before";
+    {
+        const DebugMessages inner;
+        qDebug() << "within";
+        EXPECT_EQ(lines_of(inner), Lines{"within"});
+    }
+    qDebug() << "after";
+    EXPECT_EQ(lines_of(outer), (Lines{"before", "after"}));
+}
+
+TEST(DebugMessages, passes_warnings_on_even_when_nested)
+{
+    static std::string warning;
+    warning.clear();
+    const QtMessageHandler original =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+            warning = text.toStdString();
+        });
+    {
+        const DebugMessages outer;
+        const DebugMessages inner;
+        qWarning() << "careful";
+        EXPECT_EQ(lines_of(inner), Lines{});
+        EXPECT_EQ(lines_of(outer), Lines{});
+    }
+    qInstallMessageHandler(original);
+    EXPECT_EQ(warning, "careful");
+}
+
+TEST(DebugMessages, catches_messages_of_other_threads)
+{
+    const DebugMessages messages;
+    std::thread([] { qDebug() << "from elsewhere"; }).join();
+    EXPECT_EQ(lines_of(messages), Lines{"from elsewhere"});
+}
+
+} // namespace

@@ -1,0 +1,75 @@
+#include "memory/MemoryMap.h"
+#include "tests/memory/Images.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace
+{
+
+unsigned int below(unsigned int limit, std::mt19937& random)
+{
+    return static_cast<unsigned int>(random()) % limit;
+}
+
+QByteArray random_bytes(std::mt19937& random, unsigned int count)
+{
+    QByteArray bytes(static_cast<int>(count), '\0');
+    for (char& byte : bytes) {
+        byte = static_cast<char>(below(256, random));
+    }
+    return bytes;
+}
+
+bool save_and_load(const MemoryMap& map, MemoryMap& again)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("image.hex"));
+    return map.save_to_hex_file(path) && again.load_from_hex_file(path, {});
+}
+
+TEST(HexRoundTrip, images_around_and_beyond_the_size_of_a_block_come_back)
+{
+    for (const unsigned int size : {1U, 16U, 23000U, 24000U, 65536U, 300001U}) {
+        SCOPED_TRACE(size);
+        std::mt19937 random(size);
+        const QByteArray bytes = random_bytes(random, size);
+        MemoryMap map(1 << 20);
+        map.write(0x00010000, bytes);
+        MemoryMap again(16);
+        ASSERT_TRUE(save_and_load(map, again));
+        ASSERT_EQ(again.blobs().size(), 1U);
+        EXPECT_EQ(again.blobs()[0]->address, 0x00010000U);
+        EXPECT_TRUE(bytes_of(*again.blobs()[0]) == bytes);
+    }
+}
+
+TEST(HexRoundTrip, islands_come_back_at_their_addresses)
+{
+    for (unsigned int seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        MemoryMap map(64);
+        // Second address bytes from 0x80 on come back elsewhere, so the islands stay below.
+        for (unsigned int address = below(100, random); address < 0x007F0000;
+             address += 65 + below(0x20000, random)) {
+            map.write(address, random_bytes(random, 1 + below(64, random)));
+        }
+        MemoryMap again(16);
+        ASSERT_TRUE(save_and_load(map, again));
+        EXPECT_EQ(image_of(again), image_of(map));
+    }
+}
+
+TEST(HexRoundTrip, second_address_bytes_from_0x80_on_come_back_at_the_top)
+{
+    MemoryMap map(16);
+    map.write(0x00F00010, QByteArray("A"));
+    MemoryMap again(16);
+    ASSERT_TRUE(save_and_load(map, again));
+    EXPECT_EQ(image_of(again), (Image{{0xFFF00010, "41"}}));
+}
+
+} // namespace

@@ -1,0 +1,217 @@
+#include "memory/MemoryMap.h"
+#include "tests/memory/Images.h"
+#include "tests/support/DebugMessages.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using Lines = std::vector<std::string>;
+
+class HexWriter : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(m_folder.isValid()); }
+
+    QString path() const { return m_folder.filePath(QStringLiteral("out.hex")); }
+
+    QString folder() const { return m_folder.path(); }
+
+    /// What `write(QFile&)` puts into a file.
+    template <typename Write>
+    std::string written_by(Write write) const
+    {
+        QFile file(path());
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        write(file);
+        file.close();
+        return file_content(path()).toStdString();
+    }
+
+    /// What a blob with these bytes writes.
+    std::string content_of(unsigned int address, const QByteArray& bytes, int upper) const
+    {
+        AddressedBLOB blob(16);
+        blob.address = address;
+        blob.write(0, bytes);
+        return written_by([&](QFile& file) {
+            blob.write_content_to_file(file, static_cast<unsigned short>(upper));
+        });
+    }
+
+    std::string saved(const MemoryMap& map) const
+    {
+        EXPECT_TRUE(map.save_to_hex_file(path()));
+        return file_content(path()).toStdString();
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+TEST_F(HexWriter, record_is_one_line_of_upper_case_digits)
+{
+    const AddressedBLOB blob(16);
+    EXPECT_EQ(written_by([&](QFile& file) {
+                  blob.write_record_to_file(file, IntelHexFileRecordType::StartLinearAddress,
+                                            0xABCD, QByteArray::fromHex("0090ef"));
+              }),
+              ":03ABCD050090EF01\n");
+}
+
+TEST_F(HexWriter, record_without_data_has_a_checksum_too)
+{
+    const AddressedBLOB blob(16);
+    EXPECT_EQ(written_by([&](QFile& file) {
+                  blob.write_record_to_file(file, IntelHexFileRecordType::Data, 0, {});
+                  blob.write_record_to_file(file, IntelHexFileRecordType::EndOfFile, 0, {});
+              }),
+              ":0000000000\n:00000001FF\n");
+}
+
+TEST_F(HexWriter, count_of_a_record_is_the_low_8_bits_of_its_length)
+{
+    const AddressedBLOB blob(16);
+    EXPECT_EQ(written_by([&](QFile& file) {
+                  blob.write_record_to_file(file, IntelHexFileRecordType::Data, 0,
+                                            QByteArray(257, '\0'));
+              }),
+              ":01000000" + std::string(2 * 257, '0') + "FF\n");
+}
+
+TEST_F(HexWriter, data_record)
+{
+    const AddressedBLOB blob(16);
+    EXPECT_EQ(written_by([&](QFile& file) {
+                  blob.write_data_record_to_file(file, 0, QByteArray("\x01\x02\x03\x04"));
+              }),
+              ":0400000001020304F2\n");
+}
+
+TEST_F(HexWriter, extended_linear_address_record_holds_the_upper_half)
+{
+    const AddressedBLOB blob(16);
+    EXPECT_EQ(written_by([&](QFile& file) {
+                  blob.write_extended_linear_address_record_to_file(file, 0x00010008);
+                  blob.write_extended_linear_address_record_to_file(file, 0x1234ABCD);
+                  blob.write_extended_linear_address_record_to_file(file, 0xFFFF0000);
+              }),
+              ":020000040001F9\n:020000041234B4\n:02000004FFFFFC\n");
+}
+
+TEST_F(HexWriter, end_record)
+{
+    const AddressedBLOB blob(16);
+    EXPECT_EQ(written_by([&](QFile& file) { blob.write_eof_to_file(file); }), ":00000001FF\n");
+}
+
+TEST_F(HexWriter, empty_blob_writes_nothing)
+{
+    EXPECT_EQ(content_of(0x1000, {}, 0xFFFF), "");
+}
+
+TEST_F(HexWriter, content_goes_in_records_of_16_bytes)
+{
+    EXPECT_EQ(content_of(0, counting_bytes(33), 0), ":10000000000102030405060708090A0B0C0D0E0F78\n"
+                                                    ":10001000101112131415161718191A1B1C1D1E1F68\n"
+                                                    ":0100200020BF\n");
+}
+
+TEST_F(HexWriter, upper_half_in_force_already_is_not_written_again)
+{
+    EXPECT_EQ(content_of(0x00010000, "A", 0x0001), ":0100000041BE\n");
+    EXPECT_EQ(content_of(0x00010000, "A", 0x0000), ":020000040001F9\n:0100000041BE\n");
+    EXPECT_EQ(content_of(0xFFFF0000, "A", 0xFFFF), ":0100000041BE\n");
+}
+
+TEST_F(HexWriter, upper_half_is_written_where_it_changes)
+{
+    EXPECT_EQ(content_of(0x0001FFF0, QByteArray(32, '\0'), 0xFFFF),
+              ":020000040001F9\n:10FFF00000000000000000000000000000000000"
+              "01\n"
+              ":020000040002F8\n:1000000000000000000000000000000000000000F0\n");
+}
+
+TEST_F(HexWriter, a_record_is_not_split_at_the_end_of_a_segment)
+{
+    EXPECT_EQ(content_of(0x0001FFF8, QByteArray(32, '\0'), 0xFFFF),
+              ":020000040001F9\n:10FFF80000000000000000000000000000000000F9\n"
+              ":020000040002F8\n:1000080000000000000000000000000000000000E8\n");
+}
+
+TEST_F(HexWriter, content_across_the_end_of_the_address_space_goes_on_at_0)
+{
+    EXPECT_EQ(content_of(0xFFFFFFF0, QByteArray(17, '\0'), 0xFFFF),
+              ":10FFF0000000000000000000000000000000000001\n"
+              ":020000040000FA\n:0100000000FF\n");
+}
+
+TEST_F(HexWriter, saving_an_empty_map_writes_the_end_record)
+{
+    EXPECT_EQ(saved(MemoryMap(16)), ":00000001FF\n");
+}
+
+TEST_F(HexWriter, saving_a_blob_that_begins_inside_a_segment)
+{
+    MemoryMap map(32);
+    map.write(0x00010008, counting_bytes(20));
+    ASSERT_EQ(map.blobs().size(), 1U);
+    EXPECT_EQ(saved(map), ":020000040001F9\n"
+                          ":10000800000102030405060708090A0B0C0D0E0F70\n"
+                          ":0400180010111213"
+                          "9E\n"
+                          ":00000001FF\n");
+}
+
+TEST_F(HexWriter, every_blob_begins_with_its_upper_half)
+{
+    MemoryMap map(16);
+    map.write(0x00010000, QByteArray("A"));
+    map.write(0x00010001, QByteArray("B"));
+    EXPECT_EQ(saved(map), ":020000040001F9\n:0100000041BE\n"
+                          ":020000040001F9\n:0100010042BC\n"
+                          ":00000001FF\n");
+}
+
+TEST_F(HexWriter, blobs_of_the_last_segment_begin_without_it)
+{
+    MemoryMap map(16);
+    map.write(0x00010000, QByteArray("A"));
+    map.write(0xFFFF0001, QByteArray("B"));
+    EXPECT_EQ(saved(map), ":020000040001F9\n:0100000041BE\n:0100010042BC\n:00000001FF\n");
+}
+
+TEST_F(HexWriter, blobs_are_saved_in_list_order)
+{
+    MemoryMap map(16);
+    map.write(0x20, QByteArray("B"));
+    map.write(0x10, QByteArray("A"));
+    EXPECT_EQ(saved(map), ":020000040000FA\n:01002000429D\n"
+                          ":020000040000FA\n:0100100041AE\n"
+                          ":00000001FF\n");
+}
+
+TEST_F(HexWriter, saving_replaces_what_the_file_held)
+{
+    write_file(path(), QByteArray(1000, '?'));
+    EXPECT_EQ(saved(MemoryMap(16)), ":00000001FF\n");
+}
+
+TEST_F(HexWriter, a_file_that_cannot_be_opened_for_writing_is_told_with_its_path)
+{
+    const QString unwritable = folder() + QStringLiteral("/no such folder/%1 %2.hex");
+    const DebugMessages messages;
+    EXPECT_FALSE(MemoryMap(16).save_to_hex_file(unwritable));
+    EXPECT_FALSE(MemoryMap(16).save_to_hex_file(folder()));
+    const std::string text = "\"MemoryMap::save_to_hex_file(): could not open file '";
+    EXPECT_EQ(lines_of(messages), (Lines{text + unwritable.toStdString() + "' for writing\"",
+                                         text + folder().toStdString() + "' for writing\""}));
+}
+
+} // namespace
