@@ -3,9 +3,12 @@
 
 #include <QDebug>
 #include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace
 {
@@ -49,9 +52,31 @@ void append_extended_linear_address_record(QByteArray& text, unsigned int addres
     append_record(text, IntelHexFileRecordType::ExtendedLinearAddress, 0, upper.data(), 2);
 }
 
+/// A file is replaced as a whole once everything is written, so that a full disk leaves what was
+/// there before. What is no regular file (a pipe, a terminal) can only be written in place.
+std::unique_ptr<QFileDevice> target_for(const QString& path)
+{
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isFile()) {
+        return std::make_unique<QFile>(path);
+    }
+    auto file = std::make_unique<QSaveFile>(path);
+    file->setDirectWriteFallback(true); // for a writable file in a folder that is not
+    return file;
+}
+
+/// Whether everything written has arrived.
+bool finish(QFileDevice& file)
+{
+    if (auto* replacement = qobject_cast<QSaveFile*>(&file)) {
+        return replacement->commit();
+    }
+    return file.flush() && file.error() == QFileDevice::NoError;
+}
+
 } // namespace
 
-void AddressedBLOB::write_record_to_file(QFile& file, IntelHexFileRecordType type,
+void AddressedBLOB::write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
                                          unsigned short record_address, QByteArray data) const
 {
     QByteArray text;
@@ -59,13 +84,13 @@ void AddressedBLOB::write_record_to_file(QFile& file, IntelHexFileRecordType typ
     file.write(text);
 }
 
-void AddressedBLOB::write_data_record_to_file(QFile& file, unsigned short record_address,
+void AddressedBLOB::write_data_record_to_file(QFileDevice& file, unsigned short record_address,
                                               QByteArray data) const
 {
     write_record_to_file(file, IntelHexFileRecordType::Data, record_address, data);
 }
 
-void AddressedBLOB::write_extended_linear_address_record_to_file(QFile& file,
+void AddressedBLOB::write_extended_linear_address_record_to_file(QFileDevice& file,
                                                                  unsigned int byte_address) const
 {
     QByteArray text;
@@ -73,12 +98,12 @@ void AddressedBLOB::write_extended_linear_address_record_to_file(QFile& file,
     file.write(text);
 }
 
-void AddressedBLOB::write_eof_to_file(QFile& file) const
+void AddressedBLOB::write_eof_to_file(QFileDevice& file) const
 {
     file.write(":00000001FF\n");
 }
 
-void AddressedBLOB::write_content_to_file(QFile& file, unsigned short upper) const
+void AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short upper) const
 {
     QByteArray text;
     text.reserve(block_size + 128); // a block is full once it has block_size; one step adds < 128
@@ -104,17 +129,18 @@ void AddressedBLOB::write_content_to_file(QFile& file, unsigned short upper) con
 
 bool MemoryMap::save_to_hex_file(QString path) const
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        qDebug() << QStringLiteral("MemoryMap::save_to_hex_file(): could not open file '%1' for "
-                                   "writing")
-                        .arg(path);
-        return false;
+    const std::unique_ptr<QFileDevice> file = target_for(path);
+    if (file->open(QIODevice::WriteOnly)) {
+        for (const auto& blob : m_blobs) {
+            blob->write_content_to_file(*file, 0xFFFF);
+        }
+        AddressedBLOB(m_chunk_size).write_eof_to_file(*file);
+        if (finish(*file)) {
+            return true;
+        }
     }
-    for (const auto& blob : m_blobs) {
-        blob->write_content_to_file(file, 0xFFFF);
-    }
-    AddressedBLOB(m_chunk_size).write_eof_to_file(file);
-    file.close();
-    return true;
+    qDebug() << QStringLiteral("MemoryMap::save_to_hex_file(): could not open file '%1' for "
+                               "writing")
+                    .arg(path);
+    return false;
 }
