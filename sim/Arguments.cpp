@@ -26,8 +26,8 @@ QCommandLineOption option(const char* name, const char* text, const char* value 
 void add_options(QCommandLineParser& parser)
 {
     parser.setApplicationDescription(QString::fromLatin1(description));
-    parser.addHelpOption();
-    parser.addVersionOption();
+    parser.addOption(option("help", "Show this help and exit."));
+    parser.addOption(option("version", "Show the version and exit."));
     parser.addOption(option("table", "Read the devices from <file> (./device.txt).", "file",
                             QStringLiteral("./device.txt")));
     parser.addOption(option("device",
@@ -36,8 +36,9 @@ void add_options(QCommandLineParser& parser)
                             "version"));
     parser.addOption(option("list", "List the table's devices and exit."));
     parser.addOption(option("entry",
-                            "What the device does after power-on: wait for a \"probe\" (the "
-                            "default), run and know the \"version\" command only, stay \"silent\".",
+                            "What the device does after power-on: it waits for a \"probe\" (the "
+                            "default), it runs already and answers the \"version\" command, or it "
+                            "is \"silent\" for good.",
                             "behaviour", QStringLiteral("probe")));
     parser.addOption(option("echo", "The line is half-duplex: the host hears what it sends."));
     parser.addOption(option("memory", "Fill the memory from <image> at the start.", "image"));

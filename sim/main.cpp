@@ -67,10 +67,11 @@ int serve(const sim::Arguments& arguments)
     print(device.port_path());
     QCoreApplication::exec();
     print(tally.summary(device.memory().statistics()).join(QLatin1Char('\n')));
+    const int status = expected ? check_memory(device.memory(), *expected) : exit_good;
     if (!arguments.save_image.isEmpty()) {
         sim::save_memory(device.memory(), arguments.save_image);
     }
-    return expected ? check_memory(device.memory(), *expected) : exit_good;
+    return status;
 }
 
 int run(const sim::Arguments& arguments)

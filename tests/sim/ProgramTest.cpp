@@ -1,0 +1,246 @@
+#include "sim/FrameCodec.h"
+#include "tests/sim/HostPort.h"
+#include "tests/sim/SampleDevice.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+using sim::make_frame;
+using sim_test::bytes;
+using sim_test::HostPort;
+using sim_test::sample_fields;
+
+namespace
+{
+
+/// The program zserial-sim in a folder of its own with a table of two devices.
+class SimProgram : public testing::Test
+{
+protected:
+    SimProgram()
+    {
+        QStringList second = sample_fields();
+        second[Profile::bootloader_version] = QStringLiteral("v0203:");
+        second[Profile::device_name] = QStringLiteral("OTHER");
+        QStringList first = sample_fields();
+        first[Profile::bootloader_version] = QStringLiteral("v0123:");
+        const QChar tab = QLatin1Char('\t');
+        write_file("device.txt", (first.join(tab) + QLatin1Char('\n') + second.join(tab)).toUtf8());
+        write_file("one.txt", first.join(tab).toUtf8());
+        process.setWorkingDirectory(folder.path());
+    }
+
+    ~SimProgram() override
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+
+    void write_file(const char* name, const QByteArray& content) const
+    {
+        QFile file(folder.filePath(QString::fromLatin1(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+    QByteArray file_content(const char* name) const
+    {
+        QFile file(folder.filePath(QString::fromLatin1(name)));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    void start(const char* words)
+    {
+        process.start(QStringLiteral(ZSERIAL_SIM),
+                      QString::fromLatin1(words).split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    }
+
+    /// Starts serving and returns the path of the port from the first line.
+    QString serve(const char* words)
+    {
+        start(words);
+        while (!process.canReadLine() && process.waitForReadyRead()) {
+        }
+        const QString line = QString::fromLocal8Bit(process.readLine());
+        EXPECT_TRUE(line.startsWith(QLatin1String("/dev/")) && line.endsWith(QLatin1Char('\n')))
+            << line.toStdString() << process.readAllStandardError().toStdString();
+        return line.trimmed();
+    }
+
+    int stop_by(int signal)
+    {
+        EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+        return exit_status();
+    }
+
+    int exit_status()
+    {
+        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        return process.exitCode();
+    }
+
+    QByteArray output() { return process.readAllStandardOutput(); }
+
+    QByteArray errors() { return process.readAllStandardError(); }
+
+    QTemporaryDir folder;
+    QProcess process;
+};
+
+const QByteArray idle_summary =
+    "commands: 0 probe, 0 version, 0 reset, 0 read, 0 write, 0 erase, 0 unknown; 0 refused\n"
+    "flash: 0 pages erased, 0 rows programmed, 0 cells programmed without erase\n"
+    "EEPROM: 0 writes\n";
+
+/// 01 02 03 04 at 0x1000.
+const QByteArray image = ":0410000001020304E2\n:00000001FF\n";
+
+} // namespace
+
+TEST_F(SimProgram, ServesUntilItIsTerminatedAndSumsUp)
+{
+    HostPort host(serve("--device 0123"));
+    EXPECT_EQ(host.ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
+    host.set_baud(57600);
+    EXPECT_EQ(host.ask(make_frame(bytes("03 02 00 08 00")), make_frame(bytes("03"))),
+              make_frame(bytes("03")));
+    const QByteArray row = bytes("02 01 00 08 00") + QByteArray(0x40, '\x11');
+    host.ask(make_frame(row), make_frame(bytes("02")));
+    const QByteArray other_row = bytes("02 01 00 08 00") + QByteArray(0x40, '\x22');
+    host.ask(make_frame(other_row), make_frame(bytes("02")));
+    host.ask(make_frame(bytes("05 10 00 00 00") + QByteArray(0x10, '\x33')),
+             make_frame(bytes("05")));
+    const QByteArray read = bytes("04 01 00 00 00");
+    EXPECT_EQ(host.ask(make_frame(read), make_frame(read + '\x33')), make_frame(read + '\x33'));
+
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_EQ(output(),
+              "commands: 1 probe, 0 version, 0 reset, 1 read, 3 write, 1 erase, 0 unknown; "
+              "0 refused\n"
+              "flash: 2 pages erased, 2 rows programmed, 64 cells programmed without erase\n"
+              "EEPROM: 1 writes\n");
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(SimProgram, StopsAtAnInterruptToo)
+{
+    serve("--device 0x0203");
+    EXPECT_EQ(stop_by(SIGINT), 0);
+    EXPECT_EQ(output(), idle_summary);
+}
+
+TEST_F(SimProgram, TakesTheOnlyDeviceOfATable)
+{
+    HostPort host(serve("--table one.txt"));
+    EXPECT_EQ(host.ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+}
+
+TEST_F(SimProgram, EchoesOnAHalfDuplexLine)
+{
+    HostPort host(serve("--table one.txt --entry version --echo"), 57600);
+    const QByteArray request = make_frame(bytes("00 02"));
+    const QByteArray answer = make_frame(bytes("00 02 01 23"));
+    EXPECT_EQ(host.ask(request, request + answer), request + answer);
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+}
+
+TEST_F(SimProgram, SavesWhatItsMemoryHolds)
+{
+    write_file("image.hex", image);
+    serve("--table one.txt --memory image.hex --save saved.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_EQ(file_content("saved.hex"), image);
+}
+
+TEST_F(SimProgram, TellsWhenTheMemoryHoldsTheImage)
+{
+    write_file("image.hex", image);
+    serve("--table one.txt --memory image.hex --check image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_EQ(output(),
+              idle_summary + "device memory holds image.hex: 4 bytes in flash and EEPROM match\n");
+}
+
+TEST_F(SimProgram, TellsWhenTheMemoryDiffersFromTheImage)
+{
+    write_file("image.hex", image);
+    serve("--table one.txt --check image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 1);
+    EXPECT_EQ(output(), idle_summary + "device memory differs from image.hex at address "
+                                       "0x00001000: memory 0xFF, image 0x01\n");
+}
+
+TEST_F(SimProgram, TellsWhatOfAnImageHasNoPlace)
+{
+    write_file("image.hex", ":020000040001F9\n:020000001122CB\n:00000001FF\n");
+    serve("--table one.txt --memory image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_EQ(errors(), "zserial-sim: image.hex: 2 bytes lie outside of the device's memory and "
+                        "are left out\n");
+}
+
+TEST_F(SimProgram, CannotSaveWhereThereIsNoFolder)
+{
+    serve("--table one.txt --save nowhere/saved.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 2);
+    EXPECT_EQ(errors(), "zserial-sim: cannot write the image nowhere/saved.hex\n");
+}
+
+TEST_F(SimProgram, ListsTheDevices)
+{
+    start("--list");
+    EXPECT_EQ(exit_status(), 0);
+    EXPECT_EQ(output(), "0123 SAMPLE\n0203 OTHER\n");
+}
+
+TEST_F(SimProgram, TellsItsVersion)
+{
+    start("--version");
+    EXPECT_EQ(exit_status(), 0);
+    EXPECT_EQ(output(), "zserial-sim " ZSERIAL_VERSION "\n");
+}
+
+TEST_F(SimProgram, ExplainsItself)
+{
+    start("--help");
+    EXPECT_EQ(exit_status(), 0);
+    EXPECT_TRUE(output().startsWith("Usage: "));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(SimProgram, RefusesWhatItCannotDo)
+{
+    const std::vector<std::pair<const char*, QByteArray>> refusals = {
+        {"--unknown", "zserial-sim: Unknown option 'unknown'.\n"},
+        {"--entry loud", "zserial-sim: 'loud' is no --entry behaviour: probe, version or silent\n"},
+        {"", "zserial-sim: the table ./device.txt has several devices: choose with --device "
+             "(--list shows them)\n"},
+        {"--device 0999", "zserial-sim: the table ./device.txt has no device of version 0999\n"},
+        {"--table missing.txt", "zserial-sim: cannot read the table missing.txt\n"},
+    };
+    for (const auto& [words, complaint] : refusals) {
+        SCOPED_TRACE(words);
+        start(words);
+        EXPECT_EQ(exit_status(), 2);
+        EXPECT_EQ(errors(), complaint);
+        EXPECT_EQ(output(), "");
+    }
+}
+
+TEST_F(SimProgram, RefusesImagesThatAreNoneBeforeItServes)
+{
+    for (const char* words :
+         {"--table one.txt --memory missing.hex", "--table one.txt --check missing.hex"}) {
+        SCOPED_TRACE(words);
+        start(words);
+        EXPECT_EQ(exit_status(), 2);
+        EXPECT_TRUE(errors().endsWith("zserial-sim: cannot load the image missing.hex\n"));
+        EXPECT_EQ(output(), "");
+    }
+}
