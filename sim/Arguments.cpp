@@ -75,7 +75,7 @@ Entry entry_of(const QString& text)
 QString image_of(const QCommandLineParser& parser, const char* name)
 {
     const QString option_name = QString::fromLatin1(name);
-    const QString path = parser.value(option_name);
+    QString path = parser.value(option_name);
     if (parser.isSet(option_name) && path.isEmpty()) {
         throw UsageError(QStringLiteral("--%1 needs the name of an image").arg(option_name));
     }

@@ -47,8 +47,6 @@ public:
 
     bool is_running() const { return m_running; }
 
-    unsigned int dropped_frames() const { return m_receiver.dropped_frames(); }
-
 private:
     /// What a command's kind of memory looks like from the device's side.
     struct Geometry {

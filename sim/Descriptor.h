@@ -7,8 +7,6 @@ namespace sim
 class Descriptor
 {
 public:
-    Descriptor() = default;
-
     explicit Descriptor(int number) : m_number(number) {}
 
     ~Descriptor() { close(); }

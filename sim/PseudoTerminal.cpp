@@ -1,6 +1,7 @@
 #include "sim/PseudoTerminal.h"
 
 #include "sim/LineRate.h"
+#include "sim/PortLock.h"
 
 #include <QSocketNotifier>
 
@@ -12,6 +13,8 @@
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace sim
 {
@@ -36,19 +39,32 @@ Descriptor open_master()
     return master;
 }
 
-std::array<char, 64> slave_name(const Descriptor& master)
+QString slave_path(const Descriptor& master)
 {
     std::array<char, 64> name{};
     if (::ptsname_r(master.get(), name.data(), name.size()) != 0) {
         throw std::system_error(errno, std::generic_category(), "cannot name the pseudo-terminal");
     }
-    return name;
+    return QString::fromLocal8Bit(name.data());
 }
 
-Descriptor open_slave(const char* name)
+/// A host whose port has vanished frees its number a moment before it removes its lock file. A new
+/// port of that number could not be opened in between, so locked numbers are passed over.
+Descriptor open_master_without_lock()
 {
-    return Descriptor(
-        checked(::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC), "cannot open the pseudo-terminal"));
+    std::vector<Descriptor> passed_over;
+    Descriptor master = open_master();
+    for (int tries = 1; tries < 64 && has_port_lock(slave_path(master)); ++tries) {
+        passed_over.push_back(std::move(master));
+        master = open_master();
+    }
+    return master;
+}
+
+Descriptor open_slave(const QString& path)
+{
+    return Descriptor(checked(::open(path.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC),
+                              "cannot open the pseudo-terminal"));
 }
 
 void make_raw(const Descriptor& slave)
@@ -66,11 +82,11 @@ bool try_again_later()
 
 } // namespace
 
-PseudoTerminal::PseudoTerminal() : m_master(open_master())
+PseudoTerminal::PseudoTerminal()
+    : m_master(open_master_without_lock()),
+      m_path(slave_path(m_master)),
+      m_slave(open_slave(m_path))
 {
-    const auto name = slave_name(m_master);
-    m_path = QString::fromLocal8Bit(name.data());
-    m_slave = open_slave(name.data());
     make_raw(m_slave);
     m_readable = std::make_unique<QSocketNotifier>(m_master.get(), QSocketNotifier::Read);
     m_writable = std::make_unique<QSocketNotifier>(m_master.get(), QSocketNotifier::Write);

@@ -52,8 +52,8 @@ private:
     void write_pending();
 
     Descriptor m_master;
-    Descriptor m_slave;
     QString m_path;
+    Descriptor m_slave;
     QByteArray m_pending;
     std::unique_ptr<QSocketNotifier> m_readable;
     std::unique_ptr<QSocketNotifier> m_writable;

@@ -1,13 +1,20 @@
 #include "sim/PseudoTerminal.h"
 
+#include "sim/PortLock.h"
 #include "tests/sim/HostPort.h"
 
 #include <QFile>
+#include <QFileInfo>
 
+#include <algorithm>
 #include <fcntl.h>
+#include <memory>
 #include <sys/ioctl.h>
 
 using sim::Descriptor;
+using sim::has_port_lock;
+using sim::port_lock_folders;
+using sim::port_lock_name;
 using sim::PseudoTerminal;
 using sim_test::HostPort;
 using sim_test::wait_until;
@@ -156,4 +163,31 @@ TEST(SimPseudoTerminals, AreAsManyAsOneWants)
     const PseudoTerminal one;
     const PseudoTerminal other;
     EXPECT_NE(one.path(), other.path());
+}
+
+TEST_F(SimPseudoTerminal, KnowsTheLockThatAHostPutsOnItsPort)
+{
+    EXPECT_FALSE(has_port_lock(terminal.path()));
+    HostPort host(terminal.path());
+    EXPECT_TRUE(has_port_lock(terminal.path()));
+    host.close();
+    EXPECT_FALSE(has_port_lock(terminal.path()));
+}
+
+TEST(SimPseudoTerminals, PassOverAPortThatIsStillLocked)
+{
+    auto terminal = std::make_unique<PseudoTerminal>();
+    const QString path = terminal->path();
+    const QStringList folders = port_lock_folders();
+    const auto writable = std::find_if(folders.begin(), folders.end(), [](const QString& folder) {
+        return QFileInfo(folder).isWritable();
+    });
+    ASSERT_NE(writable, folders.end());
+    QFile lock(*writable + QLatin1Char('/') + port_lock_name(path));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    terminal.reset();
+    // The system gives the lowest number that is free, which is the one just given back.
+    terminal = std::make_unique<PseudoTerminal>();
+    EXPECT_TRUE(lock.remove());
+    EXPECT_NE(terminal->path(), path);
 }

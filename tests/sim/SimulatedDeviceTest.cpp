@@ -35,6 +35,7 @@ class SimSimulatedDevice : public testing::Test
 protected:
     void start(Options options)
     {
+        host.reset();
         device = std::make_unique<SimulatedDevice>(*profile, options);
         host = std::make_unique<HostPort>(device->port_path(), full_baud);
     }

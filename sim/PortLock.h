@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace sim
+{
+
+/// Where programs put the lock files of the serial ports that they have open.
+QStringList port_lock_folders();
+
+/// The name of a port's lock file, such as LCK..pts_3 for /dev/pts/3.
+QString port_lock_name(const QString& port_path);
+
+/// Some program holds the port locked, or has not cleaned up after itself.
+bool has_port_lock(const QString& port_path);
+
+} // namespace sim
