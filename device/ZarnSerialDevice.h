@@ -135,10 +135,9 @@ Q_SIGNALS:
     void sig_download_progress(unsigned int processed_byte_count, unsigned int total_byte_count);
     void sig_operation_complete();
 
-private Q_SLOTS:
-    void rxdata();
-
 private:
+    Q_SLOT void rxdata();
+
     /// Counts of bytes, as the progress signals tell them.
     struct Progress {
         unsigned int processed;
