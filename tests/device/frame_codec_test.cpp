@@ -1,0 +1,203 @@
+#include "device/FrameCodec.h"
+#include "device/ZarnSerialDevice.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/SignalRecorder.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+struct Example {
+    const char* payload;
+    const char* frame;
+};
+
+// Payloads and the frames that carry them, both ways.
+const std::vector<Example> examples = {
+    {"00 02", "55 55 00 02 FE 04"},
+    {"00 00", "55 55 00 00 00 04"},
+    {"02", "55 55 02 FE 04"},
+    {"01 10 00 08 00", "55 55 01 10 00 08 00 E7 04"},
+    {"55 04", "55 55 05 55 05 04 A7 04"},
+    {"05", "55 55 05 05 FB 04"},
+    {"FB", "55 55 FB 05 05 04"}, // the checksum is an escape
+    {"FC", "55 55 FC 05 04 04"}, // the checksum is a terminator
+    {"AB", "55 55 AB 05 55 04"}, // the checksum is a sync symbol
+    {"05 05 05", "55 55 05 05 05 05 05 05 F1 04"},
+    {"80 80", "55 55 80 80 00 04"}, // the sum leaves its 8 bits
+    {"FF", "55 55 FF 01 04"},
+};
+
+struct BadFrame {
+    const char* frame;
+    const char* reason;
+};
+
+const std::vector<BadFrame> bad_frames = {
+    {"", "response is 0 bytes long, expected at least 4 bytes"},
+    {"55 55 04", "response is 3 bytes long, expected at least 4 bytes"},
+    {"54 55 12 EE 04", "response is missing first sync symbol"},
+    {"00 00 00 00", "response is missing first sync symbol"},
+    {"55 54 12 EE 04", "response is missing second sync symbol"},
+    {"55 00 00 00", "response is missing second sync symbol"},
+    {"55 55 12 EE", "response is not properly terminated"},
+    {"55 55 12 05 04", "response is not properly terminated"},
+    {"55 55 05 12 EE 04", "response byte at position 3 (12) was needlessly escaped"},
+    {"55 55 05 00 00 04", "response byte at position 3 (00) was needlessly escaped"},
+    {"55 55 01 05 7F 80 04", "response byte at position 4 (7F) was needlessly escaped"},
+    {"55 55 05 80 80 04", "response byte at position 3 (FFFFFFFFFFFFFF80) was needlessly escaped"},
+    {"55 55 05 FE 02 04", "response byte at position 3 (FFFFFFFFFFFFFFFE) was needlessly escaped"},
+    {"55 55 01 55 AA 04", "response contains unexpected sync symbol at position 3"},
+    {"55 55 05 55 55 AA 04", "response contains unexpected sync symbol at position 4"},
+    {"55 55 01 04 FB 04", "response contains premature terminator symbol at position 3"},
+    {"55 55 04 FC 04", "response contains premature terminator symbol at position 2"},
+    {"55 55 FE 04", "response contained only SYNC symbols"},
+    {"55 55 55 55 00 04", "response contained only SYNC symbols"},
+    {"55 55 12 05 EE 04", "response contained a needlessly-escaped checksum"},
+    {"55 55 00 02 FD 04", "response checksum mismatch (expected FE, got FD)"},
+    {"55 55 F5 0C 04", "response checksum mismatch (expected 0B, got 0C)"},
+    {"55 55 01 05 05 04", "response checksum mismatch (expected FF, got 05)"},
+    // An escaped checksum without a byte before it: the sum of nothing is 0.
+    {"55 55 05 05 04", "response checksum mismatch (expected 00, got 05)"},
+};
+
+struct GoodFrame {
+    const char* frame;
+    const char* payload;
+};
+
+// Frames that encode() does not make and that are accepted all the same.
+const std::vector<GoodFrame> lenient_frames = {
+    {"55 55 55 12 EE 04", "12"},
+    {"55 55 55 55 55 12 EE 04", "12"},
+    {"55 55 FC 04 04", "FC"}, // checksums without their escape
+    {"55 55 AB 55 04", "AB"},
+};
+
+struct Ending {
+    const char* buffer;
+    bool is_terminated;
+};
+
+const std::vector<Ending> endings = {
+    {"", false},
+    {"04", false},
+    {"55 55 04", false},
+    {"04 04 04 04", true},
+    {"55 55 05 04", false},
+    {"55 55 05 05 04", true},
+    {"55 55 05 05 05 04", false},
+    {"05 05 05 04", false},
+    {"05 05 05 05 04", true},
+    {"55 55 FC 04 04", true},
+    {"55 55 12 EE 04", true},
+    {"55 55 12 EE 04 00", false},
+    {"55 55 12 EE", false},
+};
+
+/// Members of the device object, none of which needs a port.
+class FrameMembers : public testing::Test
+{
+protected:
+    ZarnSerialDevice device{QStringLiteral("none"), nullptr, 9600, false, 0};
+    SignalRecorder recorder{device};
+};
+
+} // namespace
+
+TEST(FrameBytes, OnlyTheThreeSpecialValuesNeedEscaping)
+{
+    for (int value = 0; value < 256; ++value) {
+        const bool special = value == 0x04 || value == 0x05 || value == 0x55;
+        EXPECT_EQ(ZarnSerialDevice::needs_escaping(static_cast<char>(value)), special) << value;
+        EXPECT_EQ(frame::needs_escaping(static_cast<char>(value)), special) << value;
+    }
+}
+
+TEST(FrameBytes, AnUnescapedTerminatorEndsAFrameOfFourBytesOrMore)
+{
+    for (const Ending& ending : endings) {
+        EXPECT_EQ(ZarnSerialDevice::is_terminated(bytes(ending.buffer)), ending.is_terminated)
+            << ending.buffer;
+        EXPECT_EQ(frame::is_terminated(bytes(ending.buffer)), ending.is_terminated)
+            << ending.buffer;
+    }
+}
+
+TEST(FrameBytes, ChecksumBringsTheSumToZero)
+{
+    EXPECT_EQ(frame::checksum(bytes("00 02")), '\xFE');
+    EXPECT_EQ(frame::checksum(bytes("00")), '\x00');
+    EXPECT_EQ(frame::checksum(bytes("FF FF FF")), '\x03');
+    EXPECT_EQ(frame::checksum(QByteArray(256, '\x80')), '\x00');
+}
+
+TEST(FrameEncoding, EscapesPayloadAndChecksum)
+{
+    for (const Example& example : examples) {
+        QByteArray frame = "what was there before";
+        EXPECT_TRUE(ZarnSerialDevice::encode(bytes(example.payload), frame)) << example.payload;
+        EXPECT_EQ(frame, bytes(example.frame)) << example.payload;
+        EXPECT_EQ(frame::encode(bytes(example.payload)), bytes(example.frame)) << example.payload;
+    }
+}
+
+TEST(FrameEncoding, RefusesAnEmptyCommandAndLeavesTheFrameAlone)
+{
+    QByteArray frame = "what was there before";
+    EXPECT_FALSE(ZarnSerialDevice::encode({}, frame));
+    EXPECT_EQ(frame, "what was there before");
+}
+
+TEST_F(FrameMembers, DecodesWhatEncodeMakes)
+{
+    for (const Example& example : examples) {
+        QByteArray payload = "what was there before";
+        EXPECT_TRUE(device.decode(bytes(example.frame), payload)) << example.frame;
+        EXPECT_EQ(payload, bytes(example.payload)) << example.frame;
+    }
+    EXPECT_THAT(recorder.lines(), IsEmpty());
+}
+
+TEST_F(FrameMembers, AcceptsMoreSyncSymbolsAndChecksumsWithoutEscape)
+{
+    for (const GoodFrame& good : lenient_frames) {
+        QByteArray payload;
+        EXPECT_TRUE(device.decode(bytes(good.frame), payload)) << good.frame;
+        EXPECT_EQ(payload, bytes(good.payload)) << good.frame;
+    }
+    EXPECT_THAT(recorder.lines(), IsEmpty());
+}
+
+TEST_F(FrameMembers, ReportWhyAFrameIsRefused)
+{
+    for (const BadFrame& bad : bad_frames) {
+        recorder.clear();
+        QByteArray payload;
+        EXPECT_FALSE(device.decode(bytes(bad.frame), payload)) << bad.frame;
+        EXPECT_THAT(recorder.lines(), ElementsAre(std::string("sig_error ") + bad.reason))
+            << bad.frame;
+    }
+}
+
+TEST(FrameDecoding, TellsWhyAFrameIsRefused)
+{
+    for (const BadFrame& bad : bad_frames) {
+        QByteArray payload;
+        const auto reason = frame::decode(bytes(bad.frame), payload);
+        EXPECT_EQ(reason.value_or(QString()).toStdString(), bad.reason) << bad.frame;
+    }
+}
+
+TEST_F(FrameMembers, ClearTheOldPayloadEvenWhenTheFrameIsRefused)
+{
+    QByteArray payload = "what was there before";
+    EXPECT_FALSE(device.decode(bytes("55 55 04"), payload));
+    EXPECT_EQ(payload, QByteArray());
+}

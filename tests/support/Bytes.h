@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+// Bytes as a test writes them down and as a failure shows them.
+
+/// Bytes from hexadecimal digits with blanks between.
+inline QByteArray bytes(const char* digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+/// The other way round: "55 0A".
+inline std::string hex(const QByteArray& bytes)
+{
+    return bytes.toHex(' ').toUpper().toStdString();
+}
+
+inline std::vector<std::string> hex(const std::vector<QByteArray>& list)
+{
+    std::vector<std::string> digits;
+    digits.reserve(list.size());
+    for (const QByteArray& bytes : list) {
+        digits.push_back(hex(bytes));
+    }
+    return digits;
+}
+
+/// `count` bytes that tell where each of them belongs: `first`, `first` + 1, ... modulo 256.
+inline QByteArray counting(int count, int first = 0)
+{
+    QByteArray bytes(count, '\0');
+    for (int i = 0; i < count; ++i) {
+        bytes[i] = static_cast<char>(first + i);
+    }
+    return bytes;
+}
+
+/// How googletest shows bytes.
+inline void PrintTo(const QByteArray& bytes, std::ostream* out)
+{
+    *out << '[' << hex(bytes) << ']';
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+
+#include <string>
+#include <vector>
+
+class ZarnSerialDevice;
+
+/// Writes down what all nine signals of a device say, in the order in which they say it: one line
+/// for each, the signal's name and its arguments, bytes as hexadecimal digits.
+class SignalRecorder
+{
+public:
+    using Lines = std::vector<std::string>;
+
+    explicit SignalRecorder(const ZarnSerialDevice& device);
+
+    const Lines& lines() const { return m_lines; }
+
+    /// All but the four signals about what crosses the line.
+    Lines operation() const;
+
+    void clear() { m_lines.clear(); }
+
+private:
+    QObject m_receiver; ///< ends the connections
+    Lines m_lines;
+};
