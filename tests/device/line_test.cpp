@@ -1,0 +1,181 @@
+#include "tests/support/Bytes.h"
+#include "tests/support/DebugMessages.h"
+#include "tests/support/DeviceOnLine.h"
+#include "tests/support/ProfileTable.h"
+#include "tests/support/Replies.h"
+#include "tests/support/Waiting.h"
+
+#include <QElapsedTimer>
+#include <gmock/gmock.h>
+
+#include <ctime>
+#include <memory>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+int calls = 0;
+
+void count_call()
+{
+    ++calls;
+}
+
+/// What the serial port library says about a port that is not there.
+std::string system_text(const QString& port)
+{
+    QSerialPort serial_port(port);
+    EXPECT_FALSE(serial_port.open(QIODevice::ReadWrite));
+    return serial_port.errorString().toStdString();
+}
+
+double seconds_of_processor()
+{
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+} // namespace
+
+TEST(Line, IsNotOpenedByTheConstructor)
+{
+    const DeviceOnLine line("sample");
+    EXPECT_FALSE(line.port.is_open());
+    EXPECT_THAT(line.recorder.lines(), IsEmpty());
+}
+
+TEST(Line, IsOpenedOnce)
+{
+    DeviceOnLine line("sample");
+    EXPECT_TRUE(line.device.open_port());
+    EXPECT_TRUE(line.port.is_open());
+    EXPECT_TRUE(line.device.open_port());
+    EXPECT_THAT(line.recorder.lines(), IsEmpty());
+}
+
+TEST(Line, IsClosedByTheDestructorWithoutAnyCommand)
+{
+    sim::SimulatedDevice simulated(profile_named("sample"), {sim::Entry::Version});
+    const PortWatch port(simulated.port_path());
+    auto device = std::make_unique<ZarnSerialDevice>(simulated.port_path(), nullptr, 115200, false,
+                                                     version_named("sample"));
+    ASSERT_TRUE(device->open_port());
+    ASSERT_TRUE(port.is_open());
+    device.reset();
+    EXPECT_FALSE(port.is_open());
+    // What the destructor might have sent would be heard before this.
+    ZarnSerialDevice other(simulated.port_path(), nullptr, 115200, false, version_named("sample"));
+    other.reset();
+    ASSERT_TRUE(wait_until([&] { return !simulated.payloads().empty(); }));
+    EXPECT_EQ(hex(simulated.heard()), "55 55 00 00 00 04");
+}
+
+TEST(Line, RunsAtTheGivenRateUntilAProfileIsKnown)
+{
+    Host host;
+    host.baud = 19200;
+    host.knows_device = false;
+    DeviceOnLine line("sample", host);
+    ASSERT_TRUE(line.device.open_port());
+    EXPECT_EQ(line.simulated.host_baud(), 19200U);
+}
+
+TEST(Line, RunsAtTheRateOfTheProfileThatTheConstructorSelects)
+{
+    DeviceOnLine line("sample");
+    ASSERT_TRUE(line.device.open_port());
+    EXPECT_EQ(line.simulated.host_baud(), 115200U);
+}
+
+TEST(Line, ThatIsNotThereIsReportedUnderTheNameThatThePortGoesBy)
+{
+    const QString name = QStringLiteral("/dev/no-such-port");
+    ZarnSerialDevice device(name, nullptr, 9600, false, 0);
+    const SignalRecorder recorder(device);
+    EXPECT_FALSE(device.open_port());
+    EXPECT_THAT(recorder.lines(),
+                ElementsAre("sig_error cannot open port no-such-port (" + system_text(name) + ")"));
+}
+
+TEST(Line, MessagesGoToTheDebugChannelAndToTheSignal)
+{
+    DeviceOnLine line("sample");
+    const DebugMessages messages;
+    EXPECT_FALSE(line.device.error(QStringLiteral("what %1 happened")));
+    EXPECT_THAT(messages.texts(), ElementsAre(QStringLiteral("\"what %1 happened\"")));
+    EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_error what %1 happened"));
+}
+
+TEST(Line, EventsAreProcessedByWhoeverMadeTheDeviceObject)
+{
+    Host host;
+    host.events = count_call;
+    DeviceOnLine line("sample", host);
+    EXPECT_EQ(calls, 0);
+    line.device.process_events();
+    EXPECT_EQ(calls, 1);
+    DeviceOnLine without_callback("sample");
+    without_callback.device.process_events();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(Line, NoTimeToWaitIsATrueAnswerAtOnce)
+{
+    DeviceOnLine line("sample");
+    EXPECT_TRUE(line.device.read_until_terminated_or_timed_out(0));
+}
+
+TEST(Line, AWaitEndsWithoutData)
+{
+    DeviceOnLine line("sample");
+    ASSERT_TRUE(line.device.open_port());
+    EXPECT_FALSE(line.device.read_until_terminated_or_timed_out(1));
+}
+
+TEST(Line, AWaitDoesNotLookAtWhatIsThereUntilItsEnd)
+{
+    DeviceOnLine line("sample");
+    line.simulated.set_reply_filter(always(frame_of("00 00")));
+    line.device.reset();
+    ASSERT_TRUE(line.device.read_until_terminated_or_timed_out(patience_ms));
+    bool time_passed = false;
+    QTimer::singleShot(50, &line.device, [&] { time_passed = true; });
+    EXPECT_TRUE(line.device.read_until_terminated_or_timed_out(100));
+    EXPECT_TRUE(time_passed);
+}
+
+TEST(VanishedLine, IsLikeASilentDeviceAndCostsNoProcessorTime)
+{
+    DeviceOnLine line("sample");
+    ASSERT_TRUE(line.device.open_port());
+    line.simulated.set_reply_filter([&](const sim::Command&, const QByteArray&) {
+        line.simulated.unplug();
+        return no_reply();
+    });
+    QElapsedTimer elapsed;
+    elapsed.start();
+    const double before = seconds_of_processor();
+    QByteArray response;
+    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 5, 300));
+    EXPECT_LT(seconds_of_processor() - before, static_cast<double>(elapsed.elapsed()) / 1000 / 2);
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_unencoded_command 00 02", "sig_encoded_command 55 55 00 02 FE 04",
+                            "sig_error giving up after having made 5 attempts, with errors "
+                            "(Response wait timed out\nResponse wait timed out\nResponse wait "
+                            "timed out\nResponse wait timed out\nResponse wait timed out\n)"));
+    EXPECT_FALSE(line.port.is_open());
+}
+
+TEST(VanishedLine, BetweenTwoCommandsIsLikeASilentDeviceToo)
+{
+    DeviceOnLine line("sample");
+    ASSERT_TRUE(line.device.open_port());
+    line.simulated.unplug();
+    QByteArray response;
+    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 2, 300));
+    EXPECT_EQ(line.recorder.lines().back(),
+              "sig_error giving up after having made 2 attempts, with errors (Response wait timed "
+              "out\nResponse wait timed out\n)");
+}

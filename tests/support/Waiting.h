@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QTest>
+
+/// For waits that something ends; long enough for the busiest machine.
+constexpr int patience_ms = 30000;
+
+/// Lets the event loop run until the condition holds; false when it never does.
+template <typename Condition>
+bool wait_until(Condition condition)
+{
+    return QTest::qWaitFor(condition, patience_ms);
+}
