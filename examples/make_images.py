@@ -42,42 +42,43 @@ def settings(serial_number, *values):
     return data + bytes([sum(data) % 256])
 
 
-# Per image, its pieces: byte address and content.
+# Per image, its pieces: byte address and content. Each piece has a byte in every row of the flash
+# pages that it touches: a page with an untouched row is written anew by every "-wv".
 IMAGES = {
     # LARK-32: two pieces of flash with a gap, the second running from plain into encrypted flash
     # at 0x4000, and settings in the EEPROM.
     "blink.hex": [
-        (0x00800, program(0x800, 1, 2730, "blink 1.0 for LARK-32")),
-        (0x03E00, program(0x3E00, 2, 840, "blink patterns")),
+        (0x00800, program(0x800, 1, 3060, "blink 1.0 for LARK-32")),
+        (0x03C00, program(0x3C00, 2, 2040, "blink patterns")),
         (0x10000, settings("L32-000417", 500, 250, 125, 3)),
     ],
     # SISKIN-64: flash only.
     "siskin-64.hex": [
-        (0x01000, program(0x1000, 3, 3000, "counter 2.1 for SISKIN-64")),
+        (0x01000, program(0x1000, 3, 4000, "counter 2.1 for SISKIN-64")),
         (0x0F800, program(0xF800, 4, 0x800, "last page of flash")),
     ],
     # DUNLIN-48: settings in the EEPROM below the flash.
     "dunlin-48.hex": [
         (0x01020, settings("D48-000093", 12, 24)),
-        (0x11000, program(0x11000, 5, 1900, "meter 1.3 for DUNLIN-48")),
-        (0x17F00, program(0x17F00, 6, 0x280, "meter keys")),
+        (0x11000, program(0x11000, 5, 2030, "meter 1.3 for DUNLIN-48")),
+        (0x17E00, program(0x17E00, 6, 0x3F0, "meter keys")),
     ],
     # WREN-32E: one piece that runs from the end of flash into the EEPROM right behind it.
     "wren-32e.hex": [
-        (0x00400, program(0x400, 7, 1111, "door 0.9 for WREN-32E")),
+        (0x00400, program(0x400, 7, 1270, "door 0.9 for WREN-32E")),
         (0x07F00, program(0x7F00, 8, 0x100, "door codes") + settings("W32-001200", 7, 1, 2, 3)),
     ],
     # GODWIT-128: both encrypted areas and the plain window between them.
     "godwit-128.hex": [
         (0x02000, program(0x2000, 9, 2000, "scope 4.0 for GODWIT-128")),
-        (0x07E00, program(0x7E00, 10, 0x300, "scope window")),
-        (0x0FC00, program(0xFC00, 11, 0x600, "scope tables")),
+        (0x07800, program(0x7800, 10, 0xFF0, "scope window")),
+        (0x0F800, program(0xF800, 11, 0xFF0, "scope tables")),
         (0x30040, settings("G128-00031", 1, 10, 100, 1000, 10000)),
     ],
     # PLOVER-96: rows of 192 bytes.
     "plover-96.hex": [
         (0x01800, program(0x1800, 12, 1536, "tide 1.1 for PLOVER-96")),
-        (0x12000, program(0x12000, 13, 500, "tide tables")),
+        (0x12000, program(0x12000, 13, 1400, "tide tables")),
         (0x21000, settings("P96-000002", 745, 1490)),
     ],
 }
