@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+/// A command line that the scan refuses, and the whole message. Files in the folder "nowhere" can't
+/// be opened.
+struct RefusedLine {
+    const char* name;
+    QStringList arguments;
+    QByteArray message;
+};
+
+/// Every message of the scan, with what comes before it in the order of the checks.
+std::vector<RefusedLine> refused_lines();
+
+inline std::ostream& operator<<(std::ostream& stream, const RefusedLine& line)
+{
+    return stream << line.arguments.join(QLatin1Char(' ')).toStdString();
+}

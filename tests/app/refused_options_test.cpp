@@ -1,0 +1,35 @@
+#include "app/CommandLine.h"
+#include "tests/app/Refusals.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+bool can_open_unless_nowhere(const QString& name)
+{
+    return !name.startsWith(QLatin1String("nowhere/"));
+}
+
+class RefusedOptions : public testing::TestWithParam<RefusedLine>
+{
+};
+
+std::string name_of(const testing::TestParamInfo<RefusedLine>& info)
+{
+    return info.param.name;
+}
+
+} // namespace
+
+TEST_P(RefusedOptions, AreToldWithoutTheUsageText)
+{
+    Settings settings;
+    const Outcome outcome =
+        command_line::scan(GetParam().arguments, can_open_unless_nowhere, settings);
+    ASSERT_TRUE(outcome.has_value());
+    EXPECT_EQ(outcome->message.toStdString(), GetParam().message.toStdString());
+    EXPECT_FALSE(outcome->with_usage);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scan, RefusedOptions, testing::ValuesIn(refused_lines()), name_of);
