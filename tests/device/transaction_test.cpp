@@ -1,6 +1,7 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Replies.h"
+#include "tests/support/RowName.h"
 #include "tests/support/Waiting.h"
 
 #include <gmock/gmock.h>
@@ -120,12 +121,6 @@ class TransactionRefusals : public Transaction, public testing::WithParamInterfa
 {
 };
 
-template <typename Row>
-std::string name_of(const testing::TestParamInfo<Row>& info)
-{
-    return info.param.name;
-}
-
 } // namespace
 
 TEST_P(TransactionArguments, AreRefusedBeforeAnythingIsSent)
@@ -136,8 +131,7 @@ TEST_P(TransactionArguments, AreRefusedBeforeAnythingIsSent)
     EXPECT_THAT(line.recorder.lines(), ElementsAre(std::string("sig_error ") + row.message));
 }
 
-INSTANTIATE_TEST_SUITE_P(, TransactionArguments, testing::ValuesIn(bad_arguments),
-                         name_of<BadArguments>);
+INSTANTIATE_TEST_SUITE_P(, TransactionArguments, testing::ValuesIn(bad_arguments), row_name);
 
 TEST_F(Transaction, FailsInSilenceForAnEmptyCommand)
 {
@@ -177,7 +171,7 @@ TEST_P(TransactionAnswers, ReachTheCaller)
     EXPECT_EQ(line.recorder.lines().back(), std::string("sig_decoded_response ") + row.decoded);
 }
 
-INSTANTIATE_TEST_SUITE_P(, TransactionAnswers, testing::ValuesIn(good_answers), name_of<Answer>);
+INSTANTIATE_TEST_SUITE_P(, TransactionAnswers, testing::ValuesIn(good_answers), row_name);
 
 TEST_P(TransactionRefusals, TellWhatIsWrongWithTheAnswer)
 {
@@ -192,7 +186,7 @@ TEST_P(TransactionRefusals, TellWhatIsWrongWithTheAnswer)
                   row.fault + ')');
 }
 
-INSTANTIATE_TEST_SUITE_P(, TransactionRefusals, testing::ValuesIn(bad_answers), name_of<Refusal>);
+INSTANTIATE_TEST_SUITE_P(, TransactionRefusals, testing::ValuesIn(bad_answers), row_name);
 
 TEST_F(Transaction, CountsAnswersInSixteenBits)
 {

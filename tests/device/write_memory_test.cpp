@@ -1,0 +1,146 @@
+#include "tests/support/Bytes.h"
+#include "tests/support/DeviceOnLine.h"
+#include "tests/support/ProfileTable.h"
+#include "tests/support/Replies.h"
+#include "tests/support/RowName.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+const char* const other_type = "start and end addresses correspond to different memory types";
+
+struct Refused {
+    const char* name;
+    unsigned int address;
+    int num_bytes;
+    const char* message;
+};
+
+// The sample has flash from 0x800 to 0x4000 in rows of 64 bytes and EEPROM from 0x8000 to 0x8100
+// in rows of 16.
+const Refused refused[] = {
+    {"Bootloader", 0x100, 0x40, "unwritable memory area"},
+    {"BootloaderIntoFlash", 0x7C1, 0x40, "unwritable memory area"},
+    {"NothingInTheBootloader", 0x100, 0, "unwritable memory area"},
+    {"BehindEeprom", 0x8100, 0x10, "unwritable memory area"},
+    {"FlashIntoNowhere", 0x3FC1, 0x40, other_type},
+    {"FlashIntoEeprom", 0x3FC0, 0x4080, other_type},
+    {"EepromIntoNowhere", 0x80F0, 0x20, other_type},
+    {"NothingAtTheFlashMinimum", 0x800, 0, other_type},
+    {"NothingInFlash", 0x1000, 0, "attempting to write 0 bytes"},
+    {"NothingInEeprom", 0x8010, 0, "attempting to write 0 bytes"},
+    {"LessThanAFlashRow", 0x1000, 0x3F, "num_bytes must be exactly row_size (64)"},
+    {"TwoFlashRows", 0x1000, 0x80, "num_bytes must be exactly row_size (64)"},
+    {"LessThanAnEepromRow", 0x8000, 0x0F, "num_bytes must be a multiple of row_size (16)"},
+    {"MoreThanAnEepromRow", 0x8000, 0x11, "num_bytes must be a multiple of row_size (16)"},
+    {"FlashBesideItsRows", 0x1010, 0x40, "address must be a multiple of row_size (64)"},
+    {"EepromBesideItsRows", 0x8008, 0x10, "address must be a multiple of row_size (16)"},
+    {"WrongLengthBesideItsRows", 0x1010, 0x41, "num_bytes must be exactly row_size (64)"},
+};
+
+class RefusedWrites : public testing::TestWithParam<Refused>
+{
+};
+
+struct Write {
+    const char* name;
+    const char* device;
+    unsigned int address;
+    int num_bytes;
+    const char* command; ///< without the data
+};
+
+const Write writes[] = {
+    {"FirstFlashRow", "sample", 0x800, 0x40, "02 01 00 04 00"},
+    {"LastFlashRow", "sample", 0x3FC0, 0x40, "02 01 E0 1F 00"},
+    {"EepromRow", "sample", 0x8010, 0x10, "05 10 10 00 00"},
+    {"LastEepromRow", "sample", 0x80F0, 0x10, "05 10 F0 00 00"},
+    {"TwoEepromRowsWithTheCountOfOne", "sample", 0x8000, 0x20, "05 10 00 00 00"},
+    {"AllOfEeprom", "sample", 0x8000, 0x100, "05 10 00 00 00"},
+    {"FlashWithDivisor1", "swapped-divisors", 0x1040, 0x40, "02 01 40 10 00"},
+    {"EepromWithDivisor2", "swapped-divisors", 0x8010, 0x10, "05 08 08 00 00"},
+    {"FlashRowOfManyWords", "long-rows", 0x900, 0x240, "02 01 00 09 00"},
+};
+
+class Writes : public testing::TestWithParam<Write>
+{
+};
+
+} // namespace
+
+TEST_P(RefusedWrites, SayWhyAndSendNothing)
+{
+    const Refused& row = GetParam();
+    DeviceOnLine line("sample");
+    EXPECT_FALSE(line.device.write_memory(row.address, counting(row.num_bytes)));
+    EXPECT_THAT(line.recorder.lines(), ElementsAre(std::string("sig_error ") + row.message));
+    EXPECT_FALSE(line.port.is_open());
+}
+
+INSTANTIATE_TEST_SUITE_P(, RefusedWrites, testing::ValuesIn(refused), row_name);
+
+TEST_P(Writes, SendTheirBytesBehindCountAndWordAddress)
+{
+    const Write& row = GetParam();
+    DeviceOnLine line(row.device);
+    const QByteArray data = counting(row.num_bytes, 3);
+    EXPECT_TRUE(line.device.write_memory(row.address, data));
+    EXPECT_THAT(line.sent(), ElementsAre(hex(bytes(row.command) + data)));
+    EXPECT_EQ(line.simulated.memory().read(row.address, static_cast<unsigned int>(row.num_bytes)),
+              data);
+    EXPECT_THAT(line.recorder.operation(), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, Writes, testing::ValuesIn(writes), row_name);
+
+TEST(WriteMemory, SendsTheLower24BitsOfTheWordAddress)
+{
+    DeviceOnLine line("high-flash");
+    line.simulated.set_reply_filter(acknowledge_everything());
+    EXPECT_TRUE(line.device.write_memory(0x2345640, counting(0x40)));
+    EXPECT_THAT(line.sent(), ElementsAre(hex(bytes("02 01 40 56 34") + counting(0x40))));
+}
+
+TEST(WriteMemory, SendsTheLower8BitsOfAnEepromRowsWords)
+{
+    DeviceOnLine line("long-rows");
+    line.simulated.set_reply_filter(acknowledge_everything());
+    EXPECT_TRUE(line.device.write_memory(0x8000, counting(0x100)));
+    EXPECT_THAT(line.sent(), ElementsAre(hex(bytes("05 00 00 00 00") + counting(0x100))));
+}
+
+TEST(WriteMemory, FailsInSilenceWhenTheAcknowledgementIsAnotherByte)
+{
+    DeviceOnLine line("sample");
+    line.simulated.set_reply_filter(first({frame_of("05"), frame_of("02"), frame_of("00")}));
+    EXPECT_FALSE(line.device.write_memory(0x1000, counting(0x40)));
+    EXPECT_FALSE(line.device.write_memory(0x8000, counting(0x10)));
+    EXPECT_FALSE(line.device.write_memory(0x8000, counting(0x10)));
+    EXPECT_EQ(line.sent().size(), 3U);
+    EXPECT_THAT(line.recorder.operation(), IsEmpty());
+}
+
+TEST(WriteMemory, IsTriedFortyTimes)
+{
+    DeviceOnLine line("sample");
+    line.simulated.set_reply_filter(always(frame_of("02 02")));
+    EXPECT_FALSE(line.device.write_memory(0x1000, counting(0x40)));
+    EXPECT_EQ(line.sent(),
+              std::vector<std::string>(40, hex(bytes("02 01 00 08 00") + counting(0x40))));
+    EXPECT_EQ(line.recorder.operation().size(), 1U);
+}
+
+TEST(WriteMemory, FailsWithThePort)
+{
+    ZarnSerialDevice device(QStringLiteral("/dev/no-such-port"), nullptr, 9600, false,
+                            version_named("sample"));
+    const SignalRecorder recorder(device);
+    EXPECT_FALSE(device.write_memory(0x1000, counting(0x40)));
+    ASSERT_EQ(recorder.lines().size(), 1U);
+    EXPECT_EQ(recorder.lines().front().find("sig_error cannot open port no-such-port ("), 0U);
+}

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <string>
+
+/// Names the tests over a table of rows by the rows' `name`.
+inline constexpr auto row_name = [](const auto& info) -> std::string {
+    return info.param.name;
+};
