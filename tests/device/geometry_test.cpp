@@ -1,0 +1,276 @@
+#include "tests/support/Bytes.h"
+#include "tests/support/DeviceOnLine.h"
+#include "tests/support/Image.h"
+#include "tests/support/Replies.h"
+#include "tests/support/RowName.h"
+#include "tests/support/Upload.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A profile table may come from anywhere. Geometry that no command can be built from ends in a
+// message, before anything is sent.
+
+namespace
+{
+
+using Operation = std::function<bool(ZarnSerialDevice&)>;
+
+Operation read(unsigned int address)
+{
+    return [address](ZarnSerialDevice& device) {
+        QByteArray data;
+        return device.read_memory(address, 2, data);
+    };
+}
+
+Operation write_row(unsigned int address, int num_bytes)
+{
+    return [=](ZarnSerialDevice& device) {
+        return device.write_memory(address, counting(num_bytes));
+    };
+}
+
+Operation erase_page(unsigned int address)
+{
+    return [address](ZarnSerialDevice& device) {
+        return device.erase_flash(address, 1);
+    };
+}
+
+Operation erase_all()
+{
+    return [](ZarnSerialDevice& device) {
+        return device.erase_all(true, true);
+    };
+}
+
+Operation erase_range()
+{
+    return [](ZarnSerialDevice& device) {
+        return device.erase_range(true, true, 0x1000, 0x2000);
+    };
+}
+
+Operation write(unsigned int address)
+{
+    return [address](ZarnSerialDevice& device) {
+        const MemoryMap map = image({{address, counting(16)}});
+        const bool abort_requested = false;
+        return device.write(&map, abort_requested, true, true);
+    };
+}
+
+Operation write_range(unsigned int start, unsigned int end)
+{
+    return [=](ZarnSerialDevice& device) {
+        const MemoryMap map = image({{start, counting(16)}});
+        const bool abort_requested = false;
+        return device.write_range(&map, start, end, abort_requested, true, true);
+    };
+}
+
+struct Unusable {
+    const char* name;
+    const char* device;
+    Operation operation;
+    const char* fault;
+};
+
+const char* const no_flash_row = "flash_row_size is 0, expected 2 to 16777216";
+const char* const short_flash_row = "flash_row_size is 1, expected 2 to 16777216";
+const char* const endless_flash_row = "flash_row_size is 33554432, expected 2 to 16777216";
+const char* const no_flash_block = "flash_block_size is 0, expected 2 to 4294967295";
+const char* const short_flash_block = "flash_block_size is 1, expected 2 to 4294967295";
+const char* const no_flash_page = "flash_page_size is 0, expected 1 to 2147483647";
+const char* const endless_flash_page = "flash_page_size is 2147483648, expected 1 to 2147483647";
+const char* const no_flash_words = "flash_word_size is 0, expected 1 to 4294967295";
+const char* const fine_flash = "flash_words_per_address is 4, expected 1 to 2";
+const char* const no_eeprom_row = "eeprom_row_size is 0, expected 1 to 16777216";
+const char* const short_eeprom_row = "eeprom_row_size is 1, expected 2 to 16777216";
+const char* const no_eeprom_block = "eeprom_block_size is 0, expected 1 to 4294967295";
+const char* const short_eeprom_block = "eeprom_block_size is 1, expected 2 to 4294967295";
+const char* const no_eeprom_words = "eeprom_word_size is 0, expected 1 to 4294967295";
+const char* const misplaced_eeprom =
+    "eeprom_start_address is 0x00008004, expected a multiple of eeprom_block_size 8";
+
+const Unusable unusable[] = {
+    {"ReadWithoutFlashRow", "zero-flash-row", read(0x1000), no_flash_row},
+    {"WriteMemoryWithoutFlashRow", "zero-flash-row", write_row(0x1000, 64), no_flash_row},
+    {"WriteWithoutFlashRow", "zero-flash-row", write(0x1000), no_flash_row},
+    {"WriteRangeWithoutFlashRow", "zero-flash-row", write_range(0x1000, 0x1040), no_flash_row},
+    {"ReadWithoutFlashBlock", "zero-flash-block", read(0x1000), no_flash_block},
+    {"WriteRangeWithoutFlashBlock", "zero-flash-block", write_range(0x1000, 0x1040),
+     no_flash_block},
+    {"WriteRangeIntoFlashWithoutBlock", "zero-flash-block", write_range(0x100, 0x1040),
+     no_flash_block},
+    {"ErasePageWithoutPage", "zero-flash-page", erase_page(0x1000), no_flash_page},
+    {"EraseAllWithoutPage", "zero-flash-page", erase_all(), no_flash_page},
+    {"EraseRangeWithoutPage", "zero-flash-page", erase_range(), no_flash_page},
+    {"EraseAllByEndlessPages", "overflowing-page", erase_all(), endless_flash_page},
+    {"EraseRangeByEndlessPages", "overflowing-page", erase_range(), endless_flash_page},
+    {"ReadWithShortFlashRow", "flash-row-below-word", read(0x1000), short_flash_row},
+    {"WriteMemoryWithShortFlashRow", "flash-row-below-word", write_row(0x1000, 1), short_flash_row},
+    {"WriteWithShortFlashRow", "flash-row-below-word", write(0x1000), short_flash_row},
+    {"ReadWithShortFlashBlock", "flash-block-below-word", read(0x1000), short_flash_block},
+    {"ReadWithEndlessRow", "endless-row", read(0x1000), endless_flash_row},
+    {"WriteWithEndlessRow", "endless-row", write(0x1000), endless_flash_row},
+    {"ReadWithoutFlashWords", "no-flash-words", read(0x1000), no_flash_words},
+    {"WriteMemoryWithoutFlashWords", "no-flash-words", write_row(0x1000, 64), no_flash_words},
+    {"ErasePageWithoutFlashWords", "no-flash-words", erase_page(0x1000), no_flash_words},
+    {"EraseAllWithoutFlashWords", "no-flash-words", erase_all(), no_flash_words},
+    {"EraseRangeWithoutFlashWords", "no-flash-words", erase_range(), no_flash_words},
+    {"WriteWithoutFlashWords", "no-flash-words", write(0x1000), no_flash_words},
+    {"WriteRangeWithoutFlashWords", "no-flash-words", write_range(0x1000, 0x1040), no_flash_words},
+    {"ReadOfFineFlash", "flash-divisor-zero", read(0x1000), fine_flash},
+    {"WriteMemoryOfFineFlash", "flash-divisor-zero", write_row(0x1000, 64), fine_flash},
+    {"ErasePageOfFineFlash", "flash-divisor-zero", erase_page(0x1000), fine_flash},
+    {"EraseAllOfFineFlash", "flash-divisor-zero", erase_all(), fine_flash},
+    {"EraseRangeOfFineFlash", "flash-divisor-zero", erase_range(), fine_flash},
+    {"WriteOfFineFlash", "flash-divisor-zero", write(0x1000), fine_flash},
+    {"WriteRangeOfFineFlash", "flash-divisor-zero", write_range(0x1000, 0x1040), fine_flash},
+    {"ReadWithoutEepromRow", "zero-eeprom-row", read(0x8000), no_eeprom_row},
+    {"WriteMemoryWithoutEepromRow", "zero-eeprom-row", write_row(0x8000, 16), no_eeprom_row},
+    {"WriteWithoutEepromRow", "zero-eeprom-row", write(0x8000), no_eeprom_row},
+    {"WriteRangeWithoutEepromRow", "zero-eeprom-row", write_range(0x8000, 0x8010), no_eeprom_row},
+    {"ReadWithoutEepromBlock", "zero-eeprom-block", read(0x8000), no_eeprom_block},
+    {"ReadWithShortEepromRow", "eeprom-row-below-word", read(0x8000), short_eeprom_row},
+    {"WriteWithShortEepromRow", "eeprom-row-below-word", write(0x8000), short_eeprom_row},
+    {"ReadWithShortEepromBlock", "eeprom-block-below-word", read(0x8000), short_eeprom_block},
+    {"ReadWithoutEepromWords", "no-eeprom-words", read(0x8000), no_eeprom_words},
+    {"WriteMemoryWithoutEepromWords", "no-eeprom-words", write_row(0x8000, 16), no_eeprom_words},
+    {"WriteWithoutEepromWords", "no-eeprom-words", write(0x8000), no_eeprom_words},
+    {"ReadOfMisplacedEeprom", "misplaced-eeprom", read(0x8004), misplaced_eeprom},
+};
+
+class UnusableGeometry : public testing::TestWithParam<Unusable>
+{
+};
+
+struct Usable {
+    const char* name;
+    const char* device;
+    Operation operation;
+};
+
+// What does not need the figure that is wrong goes on as ever.
+const Usable usable[] = {
+    {"WriteWithoutFlashBlock", "zero-flash-block", write(0x1000)},
+    {"WriteRangeOfEepromWithoutFlashBlock", "zero-flash-block", write_range(0x8000, 0x8010)},
+    {"EraseWithoutFlashRow", "zero-flash-row", erase_all()},
+    {"WriteOfEepromWithoutFlashRow", "zero-flash-row", write(0x8000)},
+    {"WriteWithoutFlashPage", "zero-flash-page", write(0x1000)},
+    {"WriteOfFlashWithoutEepromRow", "zero-eeprom-row", write(0x1000)},
+    {"WriteOfEepromWithoutEepromBlock", "zero-eeprom-block", write(0x8000)},
+    {"ReadOfFlashWithoutEepromWords", "no-eeprom-words", read(0x1000)},
+    {"ReadOfMisplacedEepromBehindItsFirstBlock", "misplaced-eeprom", read(0x8008)},
+    {"WriteOfFlashWithFineEeprom", "eeprom-divisor-zero", write(0x1000)},
+};
+
+class UsableGeometry : public testing::TestWithParam<Usable>
+{
+};
+
+} // namespace
+
+TEST_P(UnusableGeometry, IsReportedAndNothingIsSent)
+{
+    const Unusable& row = GetParam();
+    DeviceOnLine line(row.device);
+    EXPECT_FALSE(row.operation(line.device));
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_error unusable geometry in device profile '" +
+                            std::string(row.device) + "': " + row.fault));
+    EXPECT_FALSE(line.port.is_open());
+}
+
+INSTANTIATE_TEST_SUITE_P(, UnusableGeometry, testing::ValuesIn(unusable), row_name);
+
+TEST_P(UsableGeometry, OfTheRestOfTheDeviceStillWorks)
+{
+    DeviceOnLine line(GetParam().device);
+    // The simulated device knows the wrong figure too and need not know what to make of it.
+    line.simulated.set_reply_filter([](const sim::Command& command, const QByteArray&) {
+        const bool reads = command.kind == sim::Command::Kind::Read;
+        const int length = command.payload.at(1) * (command.is_eeprom() ? 1 : 2);
+        return frame_of(reads ? command.payload + counting(length) : command.payload.left(1));
+    });
+    EXPECT_TRUE(GetParam().operation(line.device));
+    EXPECT_FALSE(line.sent().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, UsableGeometry, testing::ValuesIn(usable), row_name);
+
+TEST(EepromThatScalesToNothing, IsNoMemory)
+{
+    DeviceOnLine line("eeprom-divisor-zero");
+    EXPECT_FALSE(read(0x8000)(line.device));
+    EXPECT_FALSE(write_row(0x8000, 16)(line.device));
+    EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_error unreadable memory area",
+                                                   "sig_error unwritable memory area"));
+}
+
+// Addresses next to the end of the address space: nothing may wrap round to its beginning and go
+// on for ever.
+
+TEST(TopOfTheAddressSpace, IsErasedInOneRun)
+{
+    DeviceOnLine line("flash-to-the-top");
+    line.simulated.set_reply_filter(acknowledge_everything());
+    EXPECT_TRUE(line.device.erase_all(true, true));
+    EXPECT_THAT(line.sent(), ElementsAre("03 10 00 00 00"));
+}
+
+TEST(TopOfTheAddressSpace, IsARangeToEraseThatWrapsToNothing)
+{
+    DeviceOnLine line("flash-to-the-top");
+    EXPECT_TRUE(line.device.erase_range(true, true, 0xF0000000, 0xFFFFFFFF));
+    EXPECT_THAT(line.sent(), IsEmpty());
+    EXPECT_THAT(line.recorder.lines(), IsEmpty());
+}
+
+TEST(TopOfTheAddressSpace, IsReadOnIntoTheBottom)
+{
+    DeviceOnLine line("flash-to-the-top");
+    line.simulated.memory().preset(0xFFFFF0, counting(16));
+    line.simulated.memory().preset(0, counting(16, 16));
+    QByteArray data;
+    EXPECT_TRUE(line.device.read_memory(0xFFFFFFF0, 0x20, data));
+    EXPECT_EQ(data, counting(32));
+    EXPECT_THAT(line.sent(), ElementsAre("01 80 00 FF FF", "01 80 80 FF FF", "01 80 00 00 00",
+                                         "01 80 80 00 00"));
+}
+
+TEST(TopOfTheAddressSpace, HoldsAFlashRowThatNoImageReaches)
+{
+    DeviceOnLine line("flash-to-the-top");
+    EXPECT_TRUE(write_range(0xFFFFFF00, 0xFFFFFFFF)(line.device));
+    EXPECT_EQ(line.sent().size(), 1U);
+    EXPECT_EQ(line.recorder.operation(), completed_upload({0, 128, 256}, 128));
+}
+
+TEST(TopOfTheAddressSpace, IsNotWrittenFromABlobThatWraps)
+{
+    DeviceOnLine line("flash-to-the-top");
+    EXPECT_TRUE(write(0xFFFFFFF8)(line.device));
+    EXPECT_THAT(line.sent(), IsEmpty());
+    EXPECT_EQ(line.recorder.operation(), completed_upload({0}, 0));
+}
+
+TEST(TopOfTheAddressSpace, HoldsAnEepromRowThatIsNotWhole)
+{
+    DeviceOnLine line("eeprom-to-the-top");
+    line.simulated.set_reply_filter(acknowledge_everything());
+    EXPECT_FALSE(write_range(0xFFFFFFD0, 0xFFFFFFFF)(line.device));
+    EXPECT_EQ(line.sent().size(), 2U);
+    EXPECT_THAT(line.recorder.operation(),
+                ElementsAre("sig_upload_progress 0 of 32", "sig_upload_progress 16 of 32",
+                            "sig_upload_progress 32 of 32",
+                            "sig_error start and end addresses correspond to different memory "
+                            "types",
+                            "sig_error unable to write EEPROM row at address 0xFFFFFFF0"));
+}
