@@ -1,9 +1,7 @@
+#include "tests/device/EntryLine.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/DebugMessages.h"
-#include "tests/support/DeviceOnLine.h"
 #include "tests/support/ProfileTable.h"
-#include "tests/support/Replies.h"
-#include "tests/support/RowName.h"
 #include "tests/support/Waiting.h"
 
 #include <QCoreApplication>
@@ -17,46 +15,6 @@ using Kind = sim::Command::Kind;
 namespace
 {
 
-void process_events()
-{
-    QCoreApplication::processEvents();
-}
-
-Host newcomer()
-{
-    Host host;
-    host.knows_device = false;
-    host.events = process_events;
-    return host;
-}
-
-/// A device object that knows no device and one of the table that is entered as told.
-class EntryLine : public DeviceOnLine
-{
-public:
-    EntryLine(const char* name, sim::Entry entry) : DeviceOnLine(name, newcomer(), {entry}) {}
-
-    bool enter() { return device.QV_entry_procedure(&version); }
-
-    unsigned short version = 0x5A5A;
-};
-
-/// A starting device that answers its probes, one after the other, with these raw bytes.
-class ProbeReplies : public EntryLine
-{
-public:
-    explicit ProbeReplies(const std::vector<Reply>& replies)
-        : EntryLine("sample", sim::Entry::Silent) // goes on hearing probes
-    {
-        simulated.set_reply_filter(first(replies));
-    }
-};
-
-Reply text(const char* characters)
-{
-    return {{QByteArray(characters)}};
-}
-
 const QByteArray version_frame = bytes("55 55 00 02 FE 04");
 const QByteArray five_probes(5, '\x55');
 
@@ -68,42 +26,7 @@ void expect_one_pass(const EntryLine& line)
     EXPECT_EQ(hex(line.simulated.heard()), hex(five_probes + version_frame.repeated(attempts)));
 }
 
-struct Caught {
-    const char* name;
-    std::vector<Reply> replies;
-};
-
-// All of them say 0x0123 in the end.
-const Caught caught[] = {
-    {"AtOnce", {raw("51 56 01 23")}},
-    {"AfterTwoOtherBytes", {raw("00 FF 51 56 01 23")}},
-    {"AfterHalfAMarker", {raw("51 51 56 01 23")}},
-    {"AfterTheOtherHalf", {raw("56 51 51 56 01 23")}},
-    {"BeforeOtherBytes", {raw("51 56 01 23 99 98 97")}},
-    {"ByALaterProbe", {no_reply(), no_reply(), raw("51 56 01 23")}},
-    {"InPieces", {{{bytes("51")}, {bytes("56 01")}, {bytes("23")}}}},
-    {"InPiecesOfSeveralProbes", {raw("51"), raw("56 01"), raw("23")}},
-    {"WithTheLastByteToALaterProbe", {raw("51 56 01"), no_reply(), raw("23")}},
-    {"WithJunkOfAnEarlierProbeBefore", {raw("00 11 22 33 44"), raw("51 56 01 23")}},
-};
-
-class EntryCatches : public testing::TestWithParam<Caught>
-{
-};
-
 } // namespace
-
-TEST_P(EntryCatches, TheStartingDevice)
-{
-    ProbeReplies line(GetParam().replies);
-    EXPECT_TRUE(line.enter());
-    EXPECT_EQ(line.version, 0x0123);
-    EXPECT_EQ(line.device.profile(), &profile_named("swapped-divisors"));
-    EXPECT_THAT(line.recorder.lines(), IsEmpty());
-    EXPECT_THAT(line.simulated.payloads(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(, EntryCatches, testing::ValuesIn(caught), row_name);
 
 TEST(Entry, ProbesAt9600BaudAndLeavesThePortClosed)
 {
@@ -140,7 +63,7 @@ TEST(Entry, WidensTheSignOfTheLowVersionByte)
 
 TEST(Entry, TakesTheFirstMarkerItFinds)
 {
-    ProbeReplies line({text("QVQV\x01\x23")});
+    ProbeReplies line({raw("51 56 51 56 01 23")});
     EXPECT_FALSE(line.enter());
     EXPECT_EQ(line.version, 0x5156);
     EXPECT_THAT(line.recorder.lines(),
@@ -189,6 +112,18 @@ TEST(Entry, FindsARunningDeviceAfterFiveProbes)
     EXPECT_THAT(messages.texts(),
                 ElementsAre(QStringLiteral("Trying 0x55 9600 baud\n"),
                             QStringLiteral("Trying version command 460800 baud\n")));
+}
+
+TEST(Entry, ProbesForASecondInAll)
+{
+    EntryLine line("sample", sim::Entry::Version);
+    bool time_passed = false;
+    bool time_passed_before_the_command = false;
+    QObject::connect(&line.simulated, &sim::SimulatedDevice::command_received, &line.device,
+                     [&] { time_passed_before_the_command = time_passed; });
+    QTimer::singleShot(900, &line.device, [&] { time_passed = true; });
+    EXPECT_TRUE(line.enter());
+    EXPECT_TRUE(time_passed_before_the_command);
 }
 
 TEST(Entry, FindsARunningDeviceWithoutACallbackToo)

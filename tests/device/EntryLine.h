@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tests/support/DeviceOnLine.h"
+#include "tests/support/Replies.h"
+
+#include <QCoreApplication>
+
+#include <vector>
+
+inline void process_events()
+{
+    QCoreApplication::processEvents();
+}
+
+/// Knows no device yet.
+inline Host newcomer()
+{
+    Host host;
+    host.knows_device = false;
+    host.events = process_events;
+    return host;
+}
+
+/// A device object that knows no device and one of the table that is entered as told.
+class EntryLine : public DeviceOnLine
+{
+public:
+    EntryLine(const char* name, sim::Entry entry) : DeviceOnLine(name, newcomer(), {entry}) {}
+
+    bool enter() { return device.QV_entry_procedure(&version); }
+
+    unsigned short version = 0x5A5A;
+};
+
+/// A starting device that answers its probes, one after the other, with these raw bytes.
+class ProbeReplies : public EntryLine
+{
+public:
+    explicit ProbeReplies(const std::vector<Reply>& replies)
+        : EntryLine("sample", sim::Entry::Silent) // goes on hearing probes
+    {
+        simulated.set_reply_filter(first(replies));
+    }
+};
