@@ -9,7 +9,7 @@
 namespace
 {
 
-void insist(bool success, const char* message)
+void fail_unless(bool success, const char* message)
 {
     if (!success) {
         fail(QString::fromLatin1(message));
@@ -47,7 +47,7 @@ void OperationDispatch::write_and_verify()
         m_device.write_with_verify(&m_map, m_abort_requested, m_settings.include_encrypted,
                                    m_settings.include_unencrypted, m_settings.erase_all_wanted);
     out << "\n";
-    insist(uploaded, "Write-and-verify failure!\n");
+    fail_unless(uploaded, "Write-and-verify failure!\n");
     out << "Uploaded!\n";
 }
 
@@ -56,15 +56,16 @@ void OperationDispatch::erase()
     const bool encrypted = m_settings.include_encrypted;
     const bool unencrypted = m_settings.include_unencrypted;
     if (m_settings.erase_all_wanted) {
-        insist(m_device.erase_all(encrypted, unencrypted), "Erase all flash failed? Aborting...\n");
+        fail_unless(m_device.erase_all(encrypted, unencrypted),
+                    "Erase all flash failed? Aborting...\n");
         out << "Erased all flash!\n";
     } else if (m_settings.limited_erase_wanted) {
         // The area flags travel as addresses and the addresses as area flags. Deliberately kept:
         // a limited erase erases what it always has.
-        insist(m_device.erase_range(m_settings.erase_range.lower != 0,
-                                    m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
-                                    unencrypted ? 1 : 0),
-               "Failed to erase flash range, aborting...\n");
+        fail_unless(m_device.erase_range(m_settings.erase_range.lower != 0,
+                                         m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
+                                         unencrypted ? 1 : 0),
+                    "Failed to erase flash range, aborting...\n");
         out << "Erased flash range!\n";
     }
 }
@@ -77,15 +78,16 @@ void OperationDispatch::write()
     load(m_settings.write_file, QStringLiteral("write"));
     out << "Now writing";
     if (m_settings.write_wanted) {
-        insist(m_device.write(&m_map, m_abort_requested, m_settings.include_encrypted,
-                              m_settings.include_unencrypted),
-               "Failed to write memory, aborting...\n");
+        fail_unless(m_device.write(&m_map, m_abort_requested, m_settings.include_encrypted,
+                                   m_settings.include_unencrypted),
+                    "Failed to write memory, aborting...\n");
         out << "Memory written!\n";
     } else {
-        insist(m_device.write_range(&m_map, m_settings.write_range.lower,
-                                    m_settings.write_range.upper, m_abort_requested,
-                                    m_settings.include_encrypted, m_settings.include_unencrypted),
-               "Failed to write memory range, aborting...\n");
+        fail_unless(m_device.write_range(&m_map, m_settings.write_range.lower,
+                                         m_settings.write_range.upper, m_abort_requested,
+                                         m_settings.include_encrypted,
+                                         m_settings.include_unencrypted),
+                    "Failed to write memory range, aborting...\n");
         out << "Memory range written!\n";
     }
 }
@@ -102,15 +104,15 @@ void OperationDispatch::read()
         out << "Could not open file to read data into!";
     }
     if (m_settings.read_wanted) {
-        insist(m_device.read(file, m_abort_requested, m_settings.include_encrypted,
-                             m_settings.include_unencrypted),
-               "Failed to read memory, aborting...\n");
+        fail_unless(m_device.read(file, m_abort_requested, m_settings.include_encrypted,
+                                  m_settings.include_unencrypted),
+                    "Failed to read memory, aborting...\n");
         out << "Memory read!\n";
     } else {
-        insist(m_device.read_range(file, m_abort_requested, m_settings.include_encrypted,
-                                   m_settings.include_unencrypted, m_settings.read_range.lower,
-                                   m_settings.read_range.upper),
-               "Failed to read memory range, aborting...\n");
+        fail_unless(m_device.read_range(file, m_abort_requested, m_settings.include_encrypted,
+                                        m_settings.include_unencrypted, m_settings.read_range.lower,
+                                        m_settings.read_range.upper),
+                    "Failed to read memory range, aborting...\n");
         out << "Memory range read!\n";
     }
 }
@@ -126,7 +128,7 @@ void OperationDispatch::verify()
     const bool verified = m_device.verify_firmware(
         &m_map, m_abort_requested, m_settings.include_encrypted, m_settings.include_unencrypted);
     out << "\n";
-    insist(verified, "Verification failure!\n");
+    fail_unless(verified, "Verification failure!\n");
     out << "Verified!\n";
 }
 

@@ -19,7 +19,7 @@ namespace
 /// Serial writes and queued signals get this long to leave before the port is closed.
 constexpr int closing_ms = 1000;
 
-void insist(const Outcome& outcome)
+void stop_at(const Outcome& outcome)
 {
     if (outcome) {
         refuse_and_exit(*outcome);
@@ -52,10 +52,11 @@ Settings settings_from(const QStringList& arguments)
         refuse_and_exit({QStringLiteral("Please specify an argument"), true});
     }
     Settings settings;
-    insist(command_line::scan(arguments, command_line::can_open_for_reading_and_writing, settings));
-    insist(command_line::check_conflicts(settings));
+    stop_at(
+        command_line::scan(arguments, command_line::can_open_for_reading_and_writing, settings));
+    stop_at(command_line::check_conflicts(settings));
     open_frame_log(settings.log_file);
-    insist(command_line::check_request(settings));
+    stop_at(command_line::check_request(settings));
     return settings;
 }
 

@@ -17,11 +17,13 @@ using Fault = std::optional<QString>;
 
 /// Byte addresses cannot be turned into word addresses.
 Fault address_fault(const Profile& profile, MemoryType type);
-/// As above, or a row holds no whole word, or more than a command can ever address.
+/// As above, or a row holds no whole word or is absurdly long.
 Fault row_fault(const Profile& profile, MemoryType type);
-/// As above, or a block holds no whole word.
+/// As above, or a block holds no whole word or more than the whole memory.
 Fault block_fault(const Profile& profile, MemoryType type);
-/// Flash addresses do not work, or a page has no size or one that overflows in words.
+/// The block that holds `address` begins before EEPROM does and so has no word address.
+Fault block_start_fault(const Profile& profile, MemoryType type, unsigned int address);
+/// Flash addresses do not work, or a page has no size or one larger than flash.
 Fault page_fault(const Profile& profile);
 
 } // namespace geometry

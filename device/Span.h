@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <limits>
+
 /// A stretch of byte addresses, end exclusive.
 struct Span {
     unsigned int start;
@@ -15,10 +17,13 @@ struct Span {
         return is_empty() ? 0 : (end - start) / row_size * row_size;
     }
 
-    /// The smallest stretch of whole units that holds this one.
+    /// The smallest stretch of whole units that holds this one; a unit that would end beyond the
+    /// highest address is cut there.
     Span widened_to(unsigned int unit) const
     {
-        return {start / unit * unit, (end + unit - 1) / unit * unit};
+        constexpr quint64 highest = std::numeric_limits<unsigned int>::max();
+        const quint64 widened_end = (quint64{end} + unit - 1) / unit * unit;
+        return {start / unit * unit, static_cast<unsigned int>(qMin(widened_end, highest))};
     }
 };
 

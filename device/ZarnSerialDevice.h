@@ -147,6 +147,7 @@ private:
     void drop_vanished_port(QSerialPort::SerialPortError error);
     void discard_pending();
     void transmit(const QByteArray& frame);
+    void hand_over();
     QString attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
                     unsigned short expected_response_length, int timeout);
 
@@ -168,7 +169,7 @@ private:
 
     // Shared by the operations.
     Span limits_of(MemoryType type) const;
-    bool insist(bool needed, const std::optional<QString>& fault);
+    bool check_geometry(bool needed, const std::optional<QString>& fault);
     bool check_range(Span range, const QString& outside_message);
     bool touches(const MemoryMap& map, const AreaFilter& areas, MemoryType type) const;
     bool fill_row(const MemoryMap& map, MemoryType type, unsigned int address,

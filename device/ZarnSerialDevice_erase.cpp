@@ -31,14 +31,13 @@ QString out_of_bounds(const QString& text, unsigned int address)
 bool ZarnSerialDevice::erase_all(bool include_encrypted, bool include_unencrypted)
 {
     const unsigned int step = whole_flash_step(*m_profile);
-    const Span flash{m_profile->get_min_address(MEMORY_FLASH),
-                     m_profile->get_max_address(MEMORY_FLASH)};
+    const Span flash = limits_of(MEMORY_FLASH);
     qDebug() << "Min: " << flash.start << " max: " << flash.end << " page:" << step;
     if (flash.is_empty()) {
         return true;
     }
-    if (!insist(true, geometry::page_fault(*m_profile))) {
-        return false;
+    if (const auto fault = geometry::page_fault(*m_profile)) {
+        return error(*fault);
     }
     return erase_pages({*m_profile, include_encrypted, include_unencrypted}, flash, step);
 }
@@ -54,8 +53,8 @@ bool ZarnSerialDevice::erase_range(bool include_encrypted, bool include_unencryp
         return error(out_of_bounds(
             QStringLiteral("unable to erase at %1 above max flash address 0x%1"), end_address));
     }
-    if (!insist(true, geometry::page_fault(*m_profile))) {
-        return false;
+    if (const auto fault = geometry::page_fault(*m_profile)) {
+        return error(*fault);
     }
     const unsigned int step = m_profile->get_page_size(MEMORY_FLASH);
     const Span pages{start_address / step * step, (end_address / step + 1) * step};

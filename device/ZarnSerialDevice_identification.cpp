@@ -27,8 +27,8 @@ QByteArray reset_command()
     return QByteArray("\x00\x00", 2);
 }
 
-/// High byte first. A low byte of 0x80 or more sets the whole high byte: bootloaders are numbered
-/// by that rule, and the profile table lists such versions as 0xFFnn.
+/// High byte first. Both bytes count as signed, so a low byte of 0x80 or more sets the whole high
+/// byte; the profile table lists such versions as 0xFFnn.
 unsigned short assemble_version(const QByteArray& bytes)
 {
     const unsigned int high = bytes.isEmpty() ? 0U : static_cast<unsigned char>(bytes.at(0));

@@ -15,6 +15,8 @@ constexpr char erase_command = 0x03;
 
 constexpr unsigned char attempts = 40;
 constexpr int timeout_ms = 300;
+/// Responses are counted in 16 bits.
+constexpr unsigned int longest_response = std::numeric_limits<unsigned short>::max();
 /// More than this does not fit a byte array.
 constexpr unsigned int largest_request = std::numeric_limits<int>::max();
 
@@ -64,21 +66,6 @@ unsigned int word_address(const Profile& profile, MemoryType type, unsigned int 
 {
     return type == MEMORY_FLASH ? address / profile.get_address_divisor(type)
                                 : profile.byte_to_word_address(address);
-}
-
-/// EEPROM word addresses count from the start of the area: a block that begins before it has none.
-std::optional<QString> eeprom_alignment_fault(const Profile& profile, unsigned int address,
-                                              MemoryType type)
-{
-    const unsigned int block_size = profile.get_block_size(type);
-    if (type != MEMORY_EEPROM ||
-        address / block_size * block_size >= profile.get_min_address(type)) {
-        return std::nullopt;
-    }
-    return QStringLiteral("unusable geometry in device profile '%1': eeprom_start_address is "
-                          "0x%2, expected a multiple of eeprom_block_size %3")
-        .arg(profile.name, Util::uint_to_hex(profile.get_min_address(type), -1),
-             QString::number(block_size));
 }
 
 } // namespace
@@ -157,7 +144,7 @@ std::optional<QString> ZarnSerialDevice::read_fault(unsigned int address, unsign
     if (auto fault = geometry::block_fault(*m_profile, type)) {
         return fault;
     }
-    return eeprom_alignment_fault(*m_profile, address, type);
+    return geometry::block_start_fault(*m_profile, type, address);
 }
 
 /// The device reads whole blocks from block addresses, so the range is widened to them; what lies
@@ -189,6 +176,11 @@ bool ZarnSerialDevice::read_words(MemoryType type, unsigned int address, unsigne
     const QByteArray command = memory_command(MEMORY_READ_COMMANDS.at(type), count,
                                               word_address(*m_profile, type, address));
     const unsigned int length = count * m_profile->get_word_size(type);
+    if (length > longest_response) {
+        return error(QStringLiteral("cannot read %1 bytes in one response, at most %2")
+                         .arg(length)
+                         .arg(longest_response));
+    }
     return send_and_receive(command, received, static_cast<unsigned short>(length), attempts,
                             timeout_ms);
 }
@@ -231,7 +223,7 @@ std::optional<QString> ZarnSerialDevice::write_fault(unsigned int address, unsig
     if (address < m_profile->get_min_address(type)) {
         return below_minimum(m_profile->get_min_address(type));
     }
-    // One row is checked even when several EEPROM rows are written: the device stops by itself.
+    // Only the first row is checked, even when several EEPROM rows are written.
     if (address + row_size > m_profile->get_max_address(type)) {
         return above_maximum(m_profile->get_max_address(type));
     }

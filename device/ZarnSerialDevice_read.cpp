@@ -63,8 +63,10 @@ bool ZarnSerialDevice::read_parts(const QFile& file, const AreaFilter& areas, Sp
                                   const bool& abort_requested)
 {
     MemoryMap map(MemoryMap::default_chunk_size);
-    return insist(!flash.is_empty(), geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
-           insist(!eeprom.is_empty(), geometry::block_fault(*m_profile, MEMORY_EEPROM)) &&
+    return check_geometry(!flash.is_empty(), geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
+           check_geometry(!eeprom.is_empty(), geometry::block_fault(*m_profile, MEMORY_EEPROM)) &&
+           check_geometry(!eeprom.is_empty(),
+                          geometry::block_start_fault(*m_profile, MEMORY_EEPROM, eeprom.start)) &&
            read_flash(map, areas, flash, abort_requested) &&
            read_eeprom(map, eeprom, eeprom_request, abort_requested) && save(map, file);
 }

@@ -78,12 +78,12 @@ bool ZarnSerialDevice::touches(const MemoryMap& map, const AreaFilter& areas, Me
 {
     const auto& blobs = map.blobs();
     return std::any_of(blobs.begin(), blobs.end(), [&](const auto& blob) {
-        return m_profile->get_memory_type(blob->address) == type && areas.admits(blob->address);
+        return m_profile->get_memory_type(blob->address) == type && !areas.excludes(blob->address);
     });
 }
 
 /// Reports a geometry fault when the operation at hand needs that memory.
-bool ZarnSerialDevice::insist(bool needed, const std::optional<QString>& fault)
+bool ZarnSerialDevice::check_geometry(bool needed, const std::optional<QString>& fault)
 {
     return !needed || !fault || error(*fault);
 }

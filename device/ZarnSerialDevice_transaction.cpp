@@ -1,6 +1,7 @@
 #include "device/ZarnSerialDevice.h"
 
 #include <QDebug>
+#include <QSignalBlocker>
 
 namespace
 {
@@ -64,6 +65,14 @@ void ZarnSerialDevice::discard_pending()
     m_receive_buffer.clear();
 }
 
+/// Gives the frame to the system now instead of at the next turn of the event loop. A line that has
+/// no room at the moment is not a port in trouble: the rest goes out when there is room.
+void ZarnSerialDevice::hand_over()
+{
+    const QSignalBlocker no_error_signal(m_port);
+    m_port.flush();
+}
+
 /// A frame that the port did not take whole is not a failure by itself: the device will not
 /// answer it, and the wait that follows finds out.
 void ZarnSerialDevice::transmit(const QByteArray& frame)
@@ -73,8 +82,7 @@ void ZarnSerialDevice::transmit(const QByteArray& frame)
         qDebug() << "TX error, only wrote " << written << " bytes!";
         return;
     }
-    // Hands the frame to the system now instead of at the next turn of the event loop.
-    m_port.flush();
+    hand_over();
     Q_EMIT sig_encoded_command(frame);
 }
 

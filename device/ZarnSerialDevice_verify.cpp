@@ -49,10 +49,10 @@ bool ZarnSerialDevice::verify_firmware(const MemoryMap* map, const bool& abort_r
 
 bool ZarnSerialDevice::can_verify(const MemoryMap& map, const AreaFilter& areas)
 {
-    return insist(touches(map, areas, MEMORY_FLASH),
-                  geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
-           insist(touches(map, areas, MEMORY_EEPROM),
-                  geometry::block_fault(*m_profile, MEMORY_EEPROM));
+    return check_geometry(touches(map, areas, MEMORY_FLASH),
+                          geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
+           check_geometry(touches(map, areas, MEMORY_EEPROM),
+                          geometry::block_fault(*m_profile, MEMORY_EEPROM));
 }
 
 bool ZarnSerialDevice::verify_blob(const AddressedBLOB& blob, const bool& abort_requested,

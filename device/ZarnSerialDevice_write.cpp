@@ -12,7 +12,7 @@ Span extent_of(const MemoryMap& map, const AreaFilter& areas, MemoryType type, u
     Span extent{empty, empty};
     bool seen = false;
     for (const auto& blob : map.blobs()) {
-        if (areas.profile.get_memory_type(blob->address) != type || !areas.admits(blob->address)) {
+        if (areas.profile.get_memory_type(blob->address) != type || areas.excludes(blob->address)) {
             continue;
         }
         extent.start = seen ? qMin(extent.start, blob->address) : blob->address;
@@ -60,8 +60,8 @@ bool ZarnSerialDevice::write_range(const MemoryMap* map, unsigned int start_addr
 bool ZarnSerialDevice::write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash,
                                    Span eeprom, const bool& abort_requested)
 {
-    if (!insist(!flash.is_empty(), geometry::row_fault(*m_profile, MEMORY_FLASH)) ||
-        !insist(!eeprom.is_empty(), geometry::row_fault(*m_profile, MEMORY_EEPROM))) {
+    if (!check_geometry(!flash.is_empty(), geometry::row_fault(*m_profile, MEMORY_FLASH)) ||
+        !check_geometry(!eeprom.is_empty(), geometry::row_fault(*m_profile, MEMORY_EEPROM))) {
         return false;
     }
     const unsigned int flash_row = get_attr(Profile::flash_row_size);

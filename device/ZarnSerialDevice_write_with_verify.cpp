@@ -23,7 +23,7 @@ void tell_skipped(unsigned int address, const AreaFilter& areas)
              << (encrypted ? " in encrypted area!" : " in unencrypted area!");
 }
 
-Span extent_of(const AddressedBLOB& blob)
+Span range_of(const AddressedBLOB& blob)
 {
     return {blob.address, blob.address + blob.size()};
 }
@@ -63,9 +63,9 @@ bool ZarnSerialDevice::can_write_with_verify(const MemoryMap& map, const AreaFil
 {
     const bool flash = touches(map, areas, MEMORY_FLASH);
     const bool eeprom = touches(map, areas, MEMORY_EEPROM);
-    return insist(flash, geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
-           insist(flash, geometry::page_fault(*m_profile)) &&
-           insist(eeprom, geometry::row_fault(*m_profile, MEMORY_EEPROM));
+    return check_geometry(flash, geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
+           check_geometry(flash, geometry::page_fault(*m_profile)) &&
+           check_geometry(eeprom, geometry::row_fault(*m_profile, MEMORY_EEPROM));
 }
 
 /// The pages that hold the image's flash bytes; a blob belongs to the area that it begins in.
@@ -81,7 +81,7 @@ std::set<unsigned int> ZarnSerialDevice::touched_pages(const MemoryMap& map,
             tell_skipped(blob->address, areas);
         } else if (type == MEMORY_FLASH) {
             const unsigned int page_size = get_attr(Profile::flash_page_size);
-            walk(extent_of(*blob).widened_to(page_size), page_size, [&](unsigned int page) {
+            walk(range_of(*blob).widened_to(page_size), page_size, [&](unsigned int page) {
                 pages.insert(page);
                 return true;
             });
@@ -95,7 +95,7 @@ unsigned int ZarnSerialDevice::eeprom_rows_size(const MemoryMap& map) const
     unsigned int size = 0;
     for (const auto& blob : map.blobs()) {
         if (m_profile->get_memory_type(blob->address) == MEMORY_EEPROM) {
-            const Span rows = extent_of(*blob).widened_to(get_attr(Profile::eeprom_row_size));
+            const Span rows = range_of(*blob).widened_to(get_attr(Profile::eeprom_row_size));
             size += rows.end - rows.start;
         }
     }
@@ -178,7 +178,7 @@ bool ZarnSerialDevice::write_eeprom_blobs(const MemoryMap& map, const bool& abor
     const unsigned int row_size = get_attr(Profile::eeprom_row_size);
     for (const auto& blob : map.blobs()) {
         if (m_profile->get_memory_type(blob->address) == MEMORY_EEPROM &&
-            !walk_rows(extent_of(*blob).widened_to(row_size), row_size, abort_requested,
+            !walk_rows(range_of(*blob).widened_to(row_size), row_size, abort_requested,
                        [&](unsigned int row) { return write_eeprom_row(map, row, progress); })) {
             return false;
         }

@@ -82,17 +82,17 @@ struct Unusable {
 const char* const no_flash_row = "flash_row_size is 0, expected 2 to 16777216";
 const char* const short_flash_row = "flash_row_size is 1, expected 2 to 16777216";
 const char* const endless_flash_row = "flash_row_size is 33554432, expected 2 to 16777216";
-const char* const no_flash_block = "flash_block_size is 0, expected 2 to 4294967295";
-const char* const short_flash_block = "flash_block_size is 1, expected 2 to 4294967295";
-const char* const no_flash_page = "flash_page_size is 0, expected 1 to 2147483647";
-const char* const endless_flash_page = "flash_page_size is 2147483648, expected 1 to 2147483647";
-const char* const no_flash_words = "flash_word_size is 0, expected 1 to 4294967295";
+const char* const no_flash_block = "flash_block_size is 0, expected 2 to 16384";
+const char* const short_flash_block = "flash_block_size is 1, expected 2 to 16384";
+const char* const no_flash_page = "flash_page_size is 0, expected 1 to 16384";
+const char* const endless_flash_page = "flash_page_size is 2147483648, expected 1 to 16384";
+const char* const no_flash_words = "flash_word_size is 0, expected 1 to 16777216";
 const char* const fine_flash = "flash_words_per_address is 4, expected 1 to 2";
 const char* const no_eeprom_row = "eeprom_row_size is 0, expected 1 to 16777216";
 const char* const short_eeprom_row = "eeprom_row_size is 1, expected 2 to 16777216";
-const char* const no_eeprom_block = "eeprom_block_size is 0, expected 1 to 4294967295";
-const char* const short_eeprom_block = "eeprom_block_size is 1, expected 2 to 4294967295";
-const char* const no_eeprom_words = "eeprom_word_size is 0, expected 1 to 4294967295";
+const char* const no_eeprom_block = "eeprom_block_size is 0, expected 1 to 33024";
+const char* const short_eeprom_block = "eeprom_block_size is 1, expected 2 to 33024";
+const char* const no_eeprom_words = "eeprom_word_size is 0, expected 1 to 16777216";
 const char* const misplaced_eeprom =
     "eeprom_start_address is 0x00008004, expected a multiple of eeprom_block_size 8";
 
