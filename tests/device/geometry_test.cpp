@@ -84,8 +84,9 @@ const char* const short_flash_row = "flash_row_size is 1, expected 2 to 16777216
 const char* const endless_flash_row = "flash_row_size is 33554432, expected 2 to 16777216";
 const char* const no_flash_block = "flash_block_size is 0, expected 2 to 16384";
 const char* const short_flash_block = "flash_block_size is 1, expected 2 to 16384";
+const char* const endless_flash_block = "flash_block_size is 16777216, expected 2 to 16384";
 const char* const no_flash_page = "flash_page_size is 0, expected 1 to 16384";
-const char* const endless_flash_page = "flash_page_size is 2147483648, expected 1 to 16384";
+const char* const endless_flash_page = "flash_page_size is 2147483648, expected 1 to 2147483647";
 const char* const no_flash_words = "flash_word_size is 0, expected 1 to 16777216";
 const char* const fine_flash = "flash_words_per_address is 4, expected 1 to 2";
 const char* const no_eeprom_row = "eeprom_row_size is 0, expected 1 to 16777216";
@@ -106,6 +107,7 @@ const Unusable unusable[] = {
      no_flash_block},
     {"WriteRangeIntoFlashWithoutBlock", "zero-flash-block", write_range(0x100, 0x1040),
      no_flash_block},
+    {"ReadWithEndlessFlashBlock", "endless-block", read(0x1000), endless_flash_block},
     {"ErasePageWithoutPage", "zero-flash-page", erase_page(0x1000), no_flash_page},
     {"EraseAllWithoutPage", "zero-flash-page", erase_all(), no_flash_page},
     {"EraseRangeWithoutPage", "zero-flash-page", erase_range(), no_flash_page},

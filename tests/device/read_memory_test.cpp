@@ -137,6 +137,16 @@ TEST(ReadMemory, GoesOnByWhatTheCountOfOneByteReallyAskedFor)
     EXPECT_EQ(line.sent(), commands);
 }
 
+TEST(ReadMemory, RefusesAnAnswerTooLongToBeCounted)
+{
+    DeviceOnLine line("long-words");
+    QByteArray data;
+    EXPECT_FALSE(line.device.read_memory(0x10001, 0x10001, data));
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_error cannot read 65537 bytes in one response, at most 65535"));
+    EXPECT_THAT(line.sent(), IsEmpty());
+}
+
 TEST(ReadMemory, FailsForACountThatIsCutToNothing)
 {
     DeviceOnLine line("long-rows");
