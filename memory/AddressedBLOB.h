@@ -21,17 +21,17 @@ public:
     static bool address_sort_compare(const AddressedBLOB* a, const AddressedBLOB* b);
 
     // Intel HEX out. `file` must be open for writing; record addresses are the low 16 bits of
-    // byte addresses.
-    void write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
+    // byte addresses. False when the file did not take all of it.
+    bool write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
                               unsigned short record_address, QByteArray data) const;
-    void write_data_record_to_file(QFileDevice& file, unsigned short record_address,
+    bool write_data_record_to_file(QFileDevice& file, unsigned short record_address,
                                    QByteArray data) const;
     /// The record that puts the upper half of `byte_address` in force.
-    void write_extended_linear_address_record_to_file(QFileDevice& file,
+    bool write_extended_linear_address_record_to_file(QFileDevice& file,
                                                       unsigned int byte_address) const;
-    void write_eof_to_file(QFileDevice& file) const;
+    bool write_eof_to_file(QFileDevice& file) const;
     /// The whole blob in records of 16 bytes; `upper` is the upper address half in force before it.
-    void write_content_to_file(QFileDevice& file, unsigned short upper) const;
+    bool write_content_to_file(QFileDevice& file, unsigned short upper) const;
 
     /// Byte address of byte 0; whoever makes a blob sets it.
     unsigned int address = 0;

@@ -65,45 +65,56 @@ std::unique_ptr<QFileDevice> target_for(const QString& path)
     return file;
 }
 
-/// Whether everything written has arrived.
-bool finish(QFileDevice& file)
+bool put(QFileDevice& file, const QByteArray& text)
 {
+    return file.write(text) == text.size();
+}
+
+/// Ends the file that took the `complete` text or not; whether all of it has arrived. That a disk
+/// had room for a part of a block only shows in no error state of the file, but in what writing and
+/// flushing return.
+bool finish(QFileDevice& file, bool complete)
+{
+    const bool arrived = complete && file.flush();
     if (auto* replacement = qobject_cast<QSaveFile*>(&file)) {
+        if (!arrived) {
+            replacement->cancelWriting();
+        }
         return replacement->commit();
     }
-    return file.flush() && file.error() == QFileDevice::NoError;
+    return arrived;
 }
 
 } // namespace
 
-void AddressedBLOB::write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
+bool AddressedBLOB::write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
                                          unsigned short record_address, QByteArray data) const
 {
     QByteArray text;
     append_record(text, type, record_address, data.constData(), data.size());
-    file.write(text);
+    return put(file, text);
 }
 
-void AddressedBLOB::write_data_record_to_file(QFileDevice& file, unsigned short record_address,
+bool AddressedBLOB::write_data_record_to_file(QFileDevice& file, unsigned short record_address,
                                               QByteArray data) const
 {
-    write_record_to_file(file, IntelHexFileRecordType::Data, record_address, data);
+    return write_record_to_file(file, IntelHexFileRecordType::Data, record_address, data);
 }
 
-void AddressedBLOB::write_extended_linear_address_record_to_file(QFileDevice& file,
+bool AddressedBLOB::write_extended_linear_address_record_to_file(QFileDevice& file,
                                                                  unsigned int byte_address) const
 {
     QByteArray text;
     append_extended_linear_address_record(text, byte_address);
-    file.write(text);
+    return put(file, text);
 }
 
-void AddressedBLOB::write_eof_to_file(QFileDevice& file) const
+bool AddressedBLOB::write_eof_to_file(QFileDevice& file) const
 {
-    file.write(":00000001FF\n");
+    return put(file, ":00000001FF\n");
 }
 
-void AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short upper) const
+bool AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short upper) const
 {
     QByteArray text;
     text.reserve(block_size + 128); // a block is full once it has block_size; one step adds < 128
@@ -120,22 +131,25 @@ void AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short uppe
                       static_cast<unsigned short>(record_address & 0xFFFF), data.data(),
                       static_cast<int>(count));
         if (text.size() >= block_size) {
-            file.write(text);
+            if (!put(file, text)) {
+                return false;
+            }
             text.resize(0);
         }
     }
-    file.write(text);
+    return put(file, text);
 }
 
 bool MemoryMap::save_to_hex_file(QString path) const
 {
     const std::unique_ptr<QFileDevice> file = target_for(path);
     if (file->open(QIODevice::WriteOnly)) {
-        for (const auto& blob : m_blobs) {
-            blob->write_content_to_file(*file, 0xFFFF);
-        }
-        AddressedBLOB(m_chunk_size).write_eof_to_file(*file);
-        if (finish(*file)) {
+        const auto write_content = [&](const auto& blob) {
+            return blob->write_content_to_file(*file, 0xFFFF);
+        };
+        const bool complete = std::all_of(m_blobs.begin(), m_blobs.end(), write_content) &&
+                              AddressedBLOB(m_chunk_size).write_eof_to_file(*file);
+        if (finish(*file, complete)) {
             return true;
         }
     }
