@@ -1,0 +1,60 @@
+#pragma once
+
+#include "memory/MemoryMap.h"
+
+#include <QByteArray>
+
+#include <map>
+#include <vector>
+
+// Contents of memories and images whose bytes can be told apart by where they belong.
+
+inline QByteArray bytes_at(unsigned int address, int count)
+{
+    QByteArray bytes(count, '\0');
+    for (int i = 0; i < count; ++i, ++address) {
+        bytes[i] = static_cast<char>((address * 7 + (address >> 8U) * 13 + 1) & 0xFFU);
+    }
+    return bytes;
+}
+
+/// The filler of the devices in operations_data, which differs from erased cells.
+inline QByteArray flash_filler(int count)
+{
+    return QByteArray::fromHex("ABCD").repeated(count / 2);
+}
+
+inline QByteArray eeprom_filler(int count)
+{
+    return QByteArray(count, '\x5A');
+}
+
+struct Extent {
+    unsigned int address;
+    int size;
+};
+
+using Extents = std::vector<Extent>;
+
+/// One blob for each extent, in this order.
+inline MemoryMap image_of(const Extents& extents)
+{
+    constexpr unsigned int largest_blob = 0x10000;
+    MemoryMap image(largest_blob);
+    for (const Extent& extent : extents) {
+        image.write(extent.address, bytes_at(extent.address, extent.size));
+    }
+    return image;
+}
+
+/// Stretches of bytes by their first address.
+using Content = std::map<unsigned int, QByteArray>;
+
+inline Content content_of(const Extents& extents)
+{
+    Content content;
+    for (const Extent& extent : extents) {
+        content[extent.address] = bytes_at(extent.address, extent.size);
+    }
+    return content;
+}
