@@ -2,6 +2,7 @@
 
 #include "tests/support/Replies.h"
 
+#include <set>
 #include <string>
 
 // Ways in which a device spoils an operation, none of which takes the time of a wait.
@@ -25,6 +26,23 @@ inline std::string gave_up_reading()
         faults += "response was not prefixed with the command but was supposed to be\n";
     }
     return "sig_error giving up after having made 40 attempts, with errors (" + faults + ')';
+}
+
+/// An answer of the device whose last byte of data is another, in a sound frame.
+inline Reply damaged(const QByteArray& answer)
+{
+    QByteArray payload = sim::FrameReceiver().receive(answer).at(0);
+    payload[payload.size() - 1] = static_cast<char>(~payload.at(payload.size() - 1));
+    return frame_of(payload);
+}
+
+/// The answers to the commands of these sequence numbers are damaged.
+inline sim::SimulatedDevice::ReplyFilter damaging(std::set<unsigned int> sequences)
+{
+    return
+        [sequences = std::move(sequences)](const sim::Command& command, const QByteArray& answer) {
+            return sequences.count(command.sequence) > 0 ? damaged(answer) : Reply{{answer}};
+        };
 }
 
 /// A command to write or erase is answered with the acknowledgement of none.
