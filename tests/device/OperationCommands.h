@@ -46,6 +46,12 @@ inline std::string write_eeprom_row(unsigned int offset, const QByteArray& row)
     return hex(memory_command(0x05, 0x10, offset) + row);
 }
 
+/// A row is written and read back.
+inline Commands program_row(unsigned int address, const QByteArray& row)
+{
+    return {write_flash_row(address, row), read_flash_row(address)};
+}
+
 /// One list after the other.
 inline Commands joined(Commands list, const Commands& more)
 {

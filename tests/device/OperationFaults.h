@@ -45,8 +45,8 @@ inline sim::SimulatedDevice::ReplyFilter damaging(std::set<unsigned int> sequenc
         };
 }
 
-/// A command to write or erase is answered with the acknowledgement of none.
+/// A command to write or erase is answered with the acknowledgement of no command at all.
 inline sim::SimulatedDevice::ReplyFilter wrong_acknowledgement_of(unsigned int sequence)
 {
-    return to_command(sequence, frame_of("01"));
+    return to_command(sequence, frame_of("06"));
 }

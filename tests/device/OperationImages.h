@@ -58,3 +58,27 @@ inline Content content_of(const Extents& extents)
     }
     return content;
 }
+
+/// A row of filler with what an image of these extents holds of it.
+inline QByteArray row_with(const Extents& image, unsigned int address, QByteArray filler)
+{
+    for (const Extent& extent : image) {
+        for (int i = 0; i < extent.size; ++i) {
+            const unsigned int byte = extent.address + static_cast<unsigned int>(i);
+            if (byte >= address && byte - address < static_cast<unsigned int>(filler.size())) {
+                filler[static_cast<int>(byte - address)] = bytes_at(byte, 1).at(0);
+            }
+        }
+    }
+    return filler;
+}
+
+inline QByteArray flash_row_of(const Extents& image, unsigned int address)
+{
+    return row_with(image, address, flash_filler(0x40));
+}
+
+inline QByteArray eeprom_row_of(const Extents& image, unsigned int address)
+{
+    return row_with(image, address, eeprom_filler(0x10));
+}

@@ -147,8 +147,8 @@ namespace
 struct Report {
     const char* name;
     unsigned int image_address;
-    QByteArray image;
     unsigned int device_address;
+    QByteArray image;
     QByteArray device;
     SignalRecorder::Lines signals_seen;
 };
@@ -156,48 +156,48 @@ struct Report {
 const Report reports[] = {
     {"ToTheByte",
      0x1000,
-     bytes("01 02 FE"),
      0x1000,
+     bytes("01 02 FE"),
      bytes("01 02 0A"),
      {"sig_error data mismatch starting at address 0x00001000\n"
       "device data size 16: 01 02 0A FF FF FF FF FF FF FF FF FF FF FF FF FF\n"
       "expected data 3: 01 02 FE"}},
     {"OfTheWholeRowThatWasReadFurtherDown",
      0x102E,
-     bytes("55 04"),
      0x1020,
+     bytes("55 04"),
      counting(16),
      {"sig_error data mismatch starting at address 0x00001020\n"
       "device data size 16: 00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n"
       "expected data 2: 55 04"}},
     {"OfBytesThatAreThereButLater",
      0x1000,
-     bytes("01 02 03"),
      0x1000,
+     bytes("01 02 03"),
      bytes("00 01 02 03"),
      {"sig_error data mismatch starting at address 0x00001000\n"
       "device data size 16: 00 01 02 03 FF FF FF FF FF FF FF FF FF FF FF FF\n"
       "expected data 3: 01 02 03"}},
     {"OfBytesThatAreThereButEarlier",
      0x102D,
-     bytes("01 02 03"),
      0x102C,
+     bytes("01 02 03"),
      bytes("01 02 03"),
      {"sig_error data mismatch starting at address 0x00001020\n"
       "device data size 16: FF FF FF FF FF FF FF FF FF FF FF FF 01 02 03 FF\n"
       "expected data 3: 01 02 03"}},
     {"OfARowThatLeavesTheMemory",
      0x102C,
-     counting(6),
      0x102C,
+     counting(6),
      counting(4),
      {"sig_error data mismatch starting at address 0x00001020\n"
       "device data size 16: FF FF FF FF FF FF FF FF FF FF FF FF 00 01 02 03\n"
       "expected data 6: 00 01 02 03 04 05"}},
     {"OfARowBehindTheMemory",
      0x1020,
-     counting(18),
      0x1020,
+     counting(18),
      counting(16),
      {"sig_verify_progress 16 of 18",
       "sig_error data mismatch starting at address 0x00001020\n"
