@@ -1,0 +1,89 @@
+#include "tests/device/GeometryFaultRows.h"
+#include "tests/device/OperationCommands.h"
+#include "tests/device/ReadBench.h"
+
+#include <gmock/gmock.h>
+
+using testing::IsEmpty;
+using testing::Values;
+
+namespace
+{
+
+class ReadOfBadFlash : public testing::TestWithParam<GeometryFault>
+{
+protected:
+    void expect_refusal()
+    {
+        EXPECT_EQ(bench.line.recorder.lines(), GetParam().message());
+        EXPECT_THAT(bench.line.sent(), IsEmpty());
+        EXPECT_FALSE(bench.line.port.is_open());
+        EXPECT_FALSE(bench.target.exists());
+    }
+
+    ReadBench bench{GetParam().device};
+};
+
+class ReadOfBadEeprom : public ReadOfBadFlash
+{
+};
+
+const auto bad_flash = Values(zero_flash_row, flash_row_below_word, zero_flash_block,
+                              flash_block_below_word, no_flash_words, flash_divisor_zero);
+const auto bad_eeprom = Values(zero_eeprom_row, eeprom_row_below_word, zero_eeprom_block,
+                               eeprom_block_below_word, no_eeprom_words);
+
+} // namespace
+
+TEST_P(ReadOfBadFlash, NamesTheAttribute)
+{
+    EXPECT_FALSE(bench.read());
+    expect_refusal();
+}
+
+TEST_P(ReadOfBadFlash, NamesTheAttributeWhenAllFlashIsExcluded)
+{
+    EXPECT_FALSE(bench.read(false, false));
+    expect_refusal();
+}
+
+TEST_P(ReadOfBadFlash, NamesTheAttributeForARangeThatReachesIntoFlash)
+{
+    EXPECT_FALSE(bench.read_range(0x200, 0x1010));
+    expect_refusal();
+}
+
+TEST_P(ReadOfBadFlash, DoesNotMatterForARangeInEeprom)
+{
+    EXPECT_TRUE(bench.read_range(0x1000, 0x1010));
+    EXPECT_EQ(bench.line.sent(), Commands{read_eeprom(0)});
+}
+
+INSTANTIATE_TEST_SUITE_P(, ReadOfBadFlash, bad_flash, device_name);
+
+TEST_P(ReadOfBadEeprom, NamesTheAttribute)
+{
+    EXPECT_FALSE(bench.read());
+    expect_refusal();
+}
+
+TEST_P(ReadOfBadEeprom, NamesTheAttributeForARangeThatReachesIntoEeprom)
+{
+    EXPECT_FALSE(bench.read_range(0x200, 0x1010));
+    expect_refusal();
+}
+
+TEST_P(ReadOfBadEeprom, DoesNotMatterForARangeInFlash)
+{
+    EXPECT_TRUE(bench.read_range(0x200, 0x240));
+    EXPECT_EQ(bench.line.sent(), Commands{read_flash_row(0x200)});
+}
+
+INSTANTIATE_TEST_SUITE_P(, ReadOfBadEeprom, bad_eeprom, device_name);
+
+TEST(ReadOfADeviceWithoutPageSize, IsNoneOfItsBusiness)
+{
+    ReadBench bench("zero-flash-page");
+    EXPECT_TRUE(bench.read());
+    EXPECT_EQ(bench.target.content(), content_of({{0x100, 0x200}, {0x1000, 0x30}}));
+}

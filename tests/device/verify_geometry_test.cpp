@@ -1,0 +1,75 @@
+#include "tests/device/GeometryFaultRows.h"
+#include "tests/device/OperationBench.h"
+#include "tests/device/OperationCommands.h"
+
+#include <gmock/gmock.h>
+
+using testing::IsEmpty;
+using testing::Values;
+
+namespace
+{
+
+/// An image that fits the device, and one for its other memory alone.
+class VerifyOfBadFlash : public testing::TestWithParam<GeometryFault>
+{
+protected:
+    static void expect_refusal_of(const Extents& image)
+    {
+        OperationBench bench(GetParam().device, image);
+        bench.install_image();
+        EXPECT_FALSE(bench.verify());
+        EXPECT_EQ(bench.line.recorder.lines(), GetParam().message());
+        EXPECT_THAT(bench.line.sent(), IsEmpty());
+        EXPECT_FALSE(bench.line.port.is_open());
+    }
+
+    static void expect_success_of(const Extents& image, const Commands& commands, bool flash = true)
+    {
+        OperationBench bench(GetParam().device, image);
+        bench.install_image();
+        EXPECT_TRUE(bench.verify(flash, flash));
+        EXPECT_EQ(bench.line.sent(), commands);
+    }
+};
+
+class VerifyOfBadEeprom : public VerifyOfBadFlash
+{
+};
+
+} // namespace
+
+TEST_P(VerifyOfBadFlash, NamesTheAttribute)
+{
+    expect_refusal_of({{0x1000, 4}, {0x200, 4}});
+}
+
+TEST_P(VerifyOfBadFlash, DoesNotMatterForEeprom)
+{
+    expect_success_of({{0x1000, 4}}, {read_eeprom(0)});
+}
+
+TEST_P(VerifyOfBadFlash, DoesNotMatterWhenFlashIsExcluded)
+{
+    expect_success_of({{0x200, 4}, {0x1000, 4}}, {read_eeprom(0)}, false);
+}
+
+INSTANTIATE_TEST_SUITE_P(, VerifyOfBadFlash,
+                         Values(zero_flash_row, flash_row_below_word, zero_flash_block,
+                                flash_block_below_word, no_flash_words, flash_divisor_zero),
+                         device_name);
+
+TEST_P(VerifyOfBadEeprom, NamesTheAttribute)
+{
+    expect_refusal_of({{0x200, 4}, {0x1000, 4}});
+}
+
+TEST_P(VerifyOfBadEeprom, DoesNotMatterForFlash)
+{
+    expect_success_of({{0x200, 4}}, {read_flash_row(0x200)});
+}
+
+INSTANTIATE_TEST_SUITE_P(, VerifyOfBadEeprom,
+                         Values(zero_eeprom_row, eeprom_row_below_word, zero_eeprom_block,
+                                eeprom_block_below_word, no_eeprom_words),
+                         device_name);
