@@ -31,7 +31,7 @@ class ReadOfBadEeprom : public ReadOfBadFlash
 const auto bad_flash = Values(zero_flash_row, flash_row_below_word, zero_flash_block,
                               flash_block_below_word, no_flash_words, flash_divisor_zero);
 const auto bad_eeprom = Values(zero_eeprom_row, eeprom_row_below_word, zero_eeprom_block,
-                               eeprom_block_below_word, no_eeprom_words);
+                               eeprom_block_below_word, eeprom_block_above_eeprom, no_eeprom_words);
 
 } // namespace
 
@@ -81,9 +81,51 @@ TEST_P(ReadOfBadEeprom, DoesNotMatterForARangeInFlash)
 
 INSTANTIATE_TEST_SUITE_P(, ReadOfBadEeprom, bad_eeprom, device_name);
 
+// No address of its flash is a multiple of the block, so ranges in it are refused for that.
+TEST(ReadOfABlockThatReachesAboveFlash, NamesTheAttribute)
+{
+    ReadBench bench(flash_block_above_flash.device);
+    EXPECT_FALSE(bench.read());
+    EXPECT_EQ(bench.line.recorder.lines(), flash_block_above_flash.message());
+    EXPECT_THAT(bench.line.sent(), IsEmpty());
+}
+
 TEST(ReadOfADeviceWithoutPageSize, IsNoneOfItsBusiness)
 {
     ReadBench bench("zero-flash-page");
     EXPECT_TRUE(bench.read());
     EXPECT_EQ(bench.target.content(), content_of({{0x100, 0x200}, {0x1000, 0x30}}));
+}
+
+namespace
+{
+
+const char* const misplaced =
+    "sig_error unusable geometry in device profile 'misplaced-eeprom': eeprom_start_address is "
+    "0x00001004, expected a multiple of eeprom_block_size 8";
+
+} // namespace
+
+TEST(ReadOfMisplacedEeprom, IsRefused)
+{
+    ReadBench bench("misplaced-eeprom");
+    EXPECT_FALSE(bench.read());
+    EXPECT_THAT(bench.line.recorder.lines(), testing::ElementsAre(misplaced));
+    EXPECT_THAT(bench.line.sent(), IsEmpty());
+}
+
+TEST(ReadOfMisplacedEeprom, IsRefusedForARangeFromItsFirstBlock)
+{
+    ReadBench bench("misplaced-eeprom");
+    EXPECT_FALSE(bench.read_range(0x100, 0x1010));
+    EXPECT_THAT(bench.line.recorder.lines(), testing::ElementsAre(misplaced));
+    EXPECT_THAT(bench.line.sent(), IsEmpty());
+}
+
+TEST(ReadOfMisplacedEeprom, WorksFromTheSecondBlockOn)
+{
+    ReadBench bench("misplaced-eeprom");
+    EXPECT_TRUE(bench.read_range(0x1008, 0x1010));
+    EXPECT_EQ(bench.line.sent(), (Commands{read_eeprom(4, 4), read_eeprom(8, 4)}));
+    EXPECT_EQ(bench.target.content(), content_of({{0x1008, 8}}));
 }

@@ -1,3 +1,4 @@
+#include "tests/device/MissingPort.h"
 #include "tests/device/OperationCommands.h"
 #include "tests/device/OperationFaults.h"
 #include "tests/device/ReadBench.h"
@@ -270,10 +271,10 @@ TEST(ReadRange, NamesTheBeginningOfEepromThatCannotBeRead)
 
 TEST(ReadRange, SaysThatThePortCannotBeOpened)
 {
-    ReadBench bench("small");
-    bench.line.simulated.unplug();
-    EXPECT_FALSE(bench.read_range(0x100A, 0x1010));
-    EXPECT_THAT(bench.line.recorder.operation(),
-                ElementsAre(testing::StartsWith("sig_error cannot open port "),
+    MissingPort missing("small");
+    TargetFile target;
+    EXPECT_FALSE(missing.device.read_range(target.file, missing.abort, true, true, 0x100A, 0x1010));
+    EXPECT_THAT(missing.recorder.lines(),
+                ElementsAre(port_cannot_be_opened(),
                             "sig_error eeprom read() at 0000100a could not be performed"));
 }

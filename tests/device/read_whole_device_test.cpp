@@ -1,3 +1,4 @@
+#include "tests/device/MissingPort.h"
 #include "tests/device/OperationCommands.h"
 #include "tests/device/OperationFaults.h"
 #include "tests/device/ReadBench.h"
@@ -169,11 +170,11 @@ TEST(Read, AsksForAWholeRowEvenWhereFlashEndsInTheMiddleOfIt)
 
 TEST(Read, SaysThatThePortCannotBeOpened)
 {
-    ReadBench bench("small");
-    bench.line.simulated.unplug();
-    EXPECT_FALSE(bench.read());
-    EXPECT_THAT(bench.line.recorder.operation(),
-                ElementsAre(testing::StartsWith("sig_error cannot open port "),
+    MissingPort missing("small");
+    TargetFile target;
+    EXPECT_FALSE(missing.device.read(target.file, missing.abort, true, true));
+    EXPECT_THAT(missing.recorder.lines(),
+                ElementsAre(port_cannot_be_opened(),
                             "sig_error read() at 00000100 could not be performed"));
-    EXPECT_FALSE(bench.target.exists());
+    EXPECT_FALSE(target.exists());
 }

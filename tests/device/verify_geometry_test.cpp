@@ -56,7 +56,8 @@ TEST_P(VerifyOfBadFlash, DoesNotMatterWhenFlashIsExcluded)
 
 INSTANTIATE_TEST_SUITE_P(, VerifyOfBadFlash,
                          Values(zero_flash_row, flash_row_below_word, zero_flash_block,
-                                flash_block_below_word, no_flash_words, flash_divisor_zero),
+                                flash_block_below_word, flash_block_above_flash, no_flash_words,
+                                flash_divisor_zero),
                          device_name);
 
 TEST_P(VerifyOfBadEeprom, NamesTheAttribute)
@@ -71,5 +72,19 @@ TEST_P(VerifyOfBadEeprom, DoesNotMatterForFlash)
 
 INSTANTIATE_TEST_SUITE_P(, VerifyOfBadEeprom,
                          Values(zero_eeprom_row, eeprom_row_below_word, zero_eeprom_block,
-                                eeprom_block_below_word, no_eeprom_words),
+                                eeprom_block_below_word, eeprom_block_above_eeprom,
+                                no_eeprom_words),
                          device_name);
+
+TEST(VerifyOfMisplacedEeprom, IsRefusedWhereABlockBeginsBeforeIt)
+{
+    OperationBench bench("misplaced-eeprom", {{0x1004, 2}});
+    bench.install_image();
+    EXPECT_FALSE(bench.verify());
+    EXPECT_THAT(bench.line.recorder.lines(),
+                testing::ElementsAre(
+                    "sig_error unusable geometry in device profile 'misplaced-eeprom': "
+                    "eeprom_start_address is 0x00001004, expected a multiple of eeprom_block_size "
+                    "8"));
+    EXPECT_THAT(bench.line.sent(), IsEmpty());
+}

@@ -1,3 +1,4 @@
+#include "tests/device/MissingPort.h"
 #include "tests/device/OperationBench.h"
 #include "tests/device/OperationCommands.h"
 #include "tests/support/DebugMessages.h"
@@ -214,9 +215,8 @@ TEST(Verify, ChangesNothing)
 
 TEST(Verify, SaysThatThePortCannotBeOpened)
 {
-    OperationBench bench("small", {{0x100, 4}});
-    bench.line.simulated.unplug();
-    EXPECT_FALSE(bench.verify());
-    EXPECT_THAT(bench.line.recorder.lines(),
-                ElementsAre(testing::StartsWith("sig_error cannot open port ")));
+    MissingPort missing("small");
+    const MemoryMap image = image_of({{0x100, 4}});
+    EXPECT_FALSE(missing.device.verify_firmware(&image, missing.abort, true, true));
+    EXPECT_THAT(missing.recorder.lines(), ElementsAre(port_cannot_be_opened()));
 }

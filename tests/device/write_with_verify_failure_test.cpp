@@ -1,3 +1,4 @@
+#include "tests/device/MissingPort.h"
 #include "tests/device/OperationBench.h"
 #include "tests/device/OperationCommands.h"
 #include "tests/device/OperationFaults.h"
@@ -184,10 +185,9 @@ TEST(WriteWithVerifyFailing, LeavesThePageErasedThatItCouldNotWrite)
 
 TEST(WriteWithVerifyFailing, TellsTheTotalBeforeItSaysThatThePortCannotBeOpened)
 {
-    OperationBench bench("small", image);
-    bench.line.simulated.unplug();
-    EXPECT_FALSE(bench.write_with_verify(false));
-    EXPECT_THAT(bench.line.recorder.lines(),
-                testing::ElementsAre("sig_upload_progress 0 of 272",
-                                     testing::StartsWith("sig_error cannot open port ")));
+    MissingPort missing("small");
+    const MemoryMap map = image_of(image);
+    EXPECT_FALSE(missing.device.write_with_verify(&map, missing.abort, true, true, false));
+    EXPECT_THAT(missing.recorder.lines(),
+                testing::ElementsAre("sig_upload_progress 0 of 272", port_cannot_be_opened()));
 }

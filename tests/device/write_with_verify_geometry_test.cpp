@@ -66,8 +66,8 @@ TEST_P(WriteOfBadFlash, DoesNotMatterWhenFlashIsExcluded)
 
 INSTANTIATE_TEST_SUITE_P(WithVerify, WriteOfBadFlash,
                          Values(zero_flash_row, flash_row_below_word, zero_flash_block,
-                                flash_block_below_word, no_flash_words, flash_divisor_zero,
-                                zero_flash_page, overflowing_page),
+                                flash_block_below_word, flash_block_above_flash, no_flash_words,
+                                flash_divisor_zero, zero_flash_page, page_above_flash),
                          device_name);
 
 TEST_P(WriteOfBadEeprom, NamesTheAttribute)
