@@ -4,10 +4,8 @@
 #include "tests/support/ProfileTable.h"
 #include "tests/support/Waiting.h"
 
-#include <QCoreApplication>
 #include <gmock/gmock.h>
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Kind = sim::Command::Kind;

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace
 {
@@ -194,6 +193,12 @@ TEST_F(Transaction, CountsAnswersInSixteenBits)
     line.simulated.set_reply_filter(always(frame_of(bytes("00 02") + data)));
     EXPECT_TRUE(ask("00 02", 2));
     EXPECT_EQ(response.size(), data.size());
+}
+
+TEST_F(Transaction, LeavesNothingOfItsAnswerBehind)
+{
+    EXPECT_TRUE(ask("00 02", 2));
+    EXPECT_FALSE(line.device.read_until_terminated_or_timed_out(1));
 }
 
 TEST_F(Transaction, PutsAnAnswerTogetherThatComesInPieces)

@@ -9,7 +9,6 @@
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // The sample writes flash from 0x800 to 0x4000 in rows of 64 and blocks of 16 bytes, EEPROM from
 // 0x8000 to 0x8100 in rows of 16; its flash is encrypted below 0x1000 and from 0x2000 on.
