@@ -12,7 +12,7 @@ QStringList port_lock_folders();
 /// The name of a port's lock file, such as LCK..pts_3 for /dev/pts/3.
 QString port_lock_name(const QString& port_path);
 
-/// Some program holds the port locked, or has not cleaned up after itself.
+/// Some program that is alive holds the port locked.
 bool has_port_lock(const QString& port_path);
 
 } // namespace sim

@@ -1,4 +1,5 @@
 #include "device/ZarnSerialDevice.h"
+#include "sim/PortLock.h"
 #include "tests/support/SignalRecorder.h"
 
 #include <gmock/gmock.h>
@@ -8,6 +9,7 @@
 #include <pty.h>
 #include <termios.h>
 #include <unistd.h>
+#include <vector>
 
 using testing::StartsWith;
 
@@ -18,17 +20,20 @@ namespace
 class StalledLine
 {
 public:
+    /// A number that is free again may still be locked by the host that had it before; such lines
+    /// are held until the end.
     StalledLine()
     {
-        termios raw{};
-        ::cfmakeraw(&raw);
-        EXPECT_EQ(::openpty(&m_master, &m_slave, nullptr, &raw, nullptr), 0);
+        do {
+            open_another();
+        } while (sim::has_port_lock(port_path()));
     }
 
     ~StalledLine()
     {
-        ::close(m_slave);
-        ::close(m_master);
+        for (const int descriptor : m_descriptors) {
+            ::close(descriptor);
+        }
     }
 
     StalledLine(const StalledLine&) = delete;
@@ -37,13 +42,22 @@ public:
     QString port_path() const
     {
         std::array<char, 64> name{};
-        EXPECT_EQ(::ttyname_r(m_slave, name.data(), name.size()), 0);
+        EXPECT_EQ(::ttyname_r(m_descriptors.back(), name.data(), name.size()), 0);
         return QString::fromLocal8Bit(name.data());
     }
 
 private:
-    int m_master = -1;
-    int m_slave = -1;
+    void open_another()
+    {
+        termios raw{};
+        ::cfmakeraw(&raw);
+        int master = -1;
+        int slave = -1;
+        ASSERT_EQ(::openpty(&master, &slave, nullptr, &raw, nullptr), 0);
+        m_descriptors.insert(m_descriptors.end(), {master, slave});
+    }
+
+    std::vector<int> m_descriptors;
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -174,20 +175,44 @@ TEST_F(SimPseudoTerminal, KnowsTheLockThatAHostPutsOnItsPort)
     EXPECT_FALSE(has_port_lock(terminal.path()));
 }
 
-TEST(SimPseudoTerminals, PassOverAPortThatIsStillLocked)
+namespace
 {
-    auto terminal = std::make_unique<PseudoTerminal>();
-    const QString path = terminal->path();
+
+QString writable_lock_folder()
+{
     const QStringList folders = port_lock_folders();
     const auto writable = std::find_if(folders.begin(), folders.end(), [](const QString& folder) {
         return QFileInfo(folder).isWritable();
     });
-    ASSERT_NE(writable, folders.end());
-    QFile lock(*writable + QLatin1Char('/') + port_lock_name(path));
-    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    return writable == folders.end() ? QString() : *writable;
+}
+
+QString lock_file_of(const QString& port_path)
+{
+    return writable_lock_folder() + QLatin1Char('/') + port_lock_name(port_path);
+}
+
+} // namespace
+
+// The system gives the lowest number that is free, which is the one just given back.
+TEST(SimPseudoTerminals, PassOverAPortThatIsStillLocked)
+{
+    auto terminal = std::make_unique<PseudoTerminal>();
+    const QString path = terminal->path();
+    QLockFile lock(lock_file_of(path));
+    ASSERT_TRUE(lock.tryLock());
     terminal.reset();
-    // The system gives the lowest number that is free, which is the one just given back.
     terminal = std::make_unique<PseudoTerminal>();
-    EXPECT_TRUE(lock.remove());
     EXPECT_NE(terminal->path(), path);
+}
+
+TEST(SimPseudoTerminals, TakeALockForReleasedWhenItsOwnerHasDied)
+{
+    const PseudoTerminal terminal;
+    QFile lock(lock_file_of(terminal.path()));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    lock.write("2147483647\nnobody\n\n"); // more than process numbers go up to
+    lock.close();
+    EXPECT_FALSE(has_port_lock(terminal.path()));
+    EXPECT_TRUE(lock.remove());
 }
