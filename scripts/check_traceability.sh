@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Checks that every test which docs/traceability.md names exists.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+# Only the tables name tests; whole suites stand there for all of their tests.
+rows=$(grep '^| ' docs/traceability.md)
+names=$(grep -oE '`[A-Z][A-Za-z0-9]*\.[A-Za-z][A-Za-z0-9_]*`' <<<"$rows" | sed 's/`//g')
+suites=$(grep -oE 'the suites? `[A-Za-z0-9]+`(, `[A-Za-z0-9]+`)*' <<<"$rows" |
+    grep -oE '`[A-Za-z0-9]+`' | sed 's/`//g')
+
+# Joined into one line, because a long name may stand on a line of its own.
+tests=$(find tests -name '*.cpp' -exec cat {} + | tr '\n' ' ' |
+    grep -oE '\bTEST(_F|_P)?\( *[A-Za-z0-9_]+, *[A-Za-z0-9_]+ *\)' |
+    sed -E 's/^[A-Z_]+\( *//; s/, */./; s/ *\)$//')
+
+if grep -vxF -f <(sed 'p; s/\..*//' <<<"$tests") <<<"$names"$'\n'"$suites"; then
+    echo "docs/traceability.md names these, which do not exist." >&2
+    exit 1
+fi
