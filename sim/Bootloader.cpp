@@ -12,7 +12,6 @@ constexpr char probe_byte = '\x55';
 constexpr unsigned int probe_baud = 9600;
 constexpr unsigned int identification_baud = 460800;
 
-constexpr int header_length = 5; ///< command, count and word address
 /// A device has a buffer for a row or a few; this also keeps a table's absurd word sizes harmless.
 constexpr std::uint64_t longest_answer = 0xFFFF;
 
@@ -27,8 +26,8 @@ Command::Kind kind_of(const QByteArray& payload)
     if (payload == reset_request) {
         return Command::Kind::Reset;
     }
-    const bool only_header = payload.size() == header_length;
-    const bool has_data = payload.size() > header_length;
+    const bool only_header = payload.size() == Command::header_length;
+    const bool has_data = payload.size() > Command::header_length;
     switch (payload.at(0)) {
     case 0x01:
     case 0x04:
@@ -43,19 +42,10 @@ Command::Kind kind_of(const QByteArray& payload)
     }
 }
 
-std::uint64_t byte_at(const QByteArray& payload, int index)
+/// What of a write's data gets into the cells.
+QByteArray stored_part(const QByteArray& data, Handling handling)
 {
-    return static_cast<unsigned char>(payload.at(index));
-}
-
-std::uint64_t count_of(const QByteArray& payload)
-{
-    return byte_at(payload, 1);
-}
-
-std::uint64_t word_address_of(const QByteArray& payload)
-{
-    return byte_at(payload, 2) | byte_at(payload, 3) << 8U | byte_at(payload, 4) << 16U;
+    return handling == Handling::Half ? data.left(data.size() / 2) : data;
 }
 
 } // namespace
@@ -102,7 +92,7 @@ void Bootloader::hear_probe(const QByteArray& bytes, unsigned int baud,
             continue;
         }
         Exchange exchange{{Command::Kind::Probe, QByteArray(1, byte), baud}, {}};
-        if (m_entry != Entry::Silent) {
+        if (judge(exchange.command) != Handling::Ignored && m_entry != Entry::Silent) {
             exchange.answer = "QV" + version_bytes();
             m_running = true;
         }
@@ -131,19 +121,27 @@ bool Bootloader::understands(const QByteArray& payload, unsigned int baud) const
 Exchange Bootloader::handle(const QByteArray& payload, unsigned int baud)
 {
     Exchange exchange{{kind_of(payload), payload, baud}, {}};
-    if (m_entry == Entry::Silent) {
+    const Handling handling = judge(exchange.command);
+    if (handling == Handling::Ignored || m_entry == Entry::Silent) {
         return exchange;
     }
     m_running = true;
-    const QByteArray answer_payload = carry_out(exchange.command);
+    const QByteArray answer_payload = carry_out(exchange.command, handling);
     if (!answer_payload.isEmpty()) {
         exchange.answer = make_frame(answer_payload);
     }
     return exchange;
 }
 
+Handling Bootloader::judge(Command& command) const
+{
+    const Handling handling = m_judge ? m_judge(command) : Handling::Normal;
+    command.ignored = handling == Handling::Ignored;
+    return handling;
+}
+
 /// The payload of the answer, empty where there is none; marks a command that is refused.
-QByteArray Bootloader::carry_out(Command& command)
+QByteArray Bootloader::carry_out(Command& command, Handling handling)
 {
     QByteArray answer;
     switch (command.kind) {
@@ -156,7 +154,7 @@ QByteArray Bootloader::carry_out(Command& command)
         answer = read(command);
         break;
     case Command::Kind::Write:
-        answer = write(command);
+        answer = write(command, handling);
         break;
     case Command::Kind::Erase:
         answer = erase(command);
@@ -171,9 +169,9 @@ QByteArray Bootloader::carry_out(Command& command)
 
 QByteArray Bootloader::read(const Command& command) const
 {
-    const Geometry memory = geometry(command.is_eeprom());
-    const std::uint64_t address = memory.byte_address(word_address_of(command.payload));
-    const std::uint64_t length = count_of(command.payload) * memory.word_size;
+    const MemoryGeometry memory = geometry_of(m_profile, command.is_eeprom());
+    const std::uint64_t address = memory.byte_address(command.word_address());
+    const std::uint64_t length = command.count() * memory.word_size;
     const bool inside = command.is_eeprom() ? m_memory.is_in_eeprom(address, length)
                                             : m_memory.is_in_flash(address, length);
     if (!memory.is_usable() || length == 0 || length > longest_answer || !inside) {
@@ -183,44 +181,53 @@ QByteArray Bootloader::read(const Command& command) const
            m_memory.read(static_cast<unsigned int>(address), static_cast<unsigned int>(length));
 }
 
-QByteArray Bootloader::write(const Command& command)
+QByteArray Bootloader::write(const Command& command, Handling handling)
 {
-    const Geometry memory = geometry(command.is_eeprom());
-    const std::uint64_t address = memory.byte_address(word_address_of(command.payload));
+    const MemoryGeometry memory = geometry_of(m_profile, command.is_eeprom());
+    const std::uint64_t address = memory.byte_address(command.word_address());
     if (!memory.is_usable() || memory.row_size == 0 || address > 0xFFFFFFFFU) {
         return {};
     }
     const auto target = static_cast<unsigned int>(address);
-    const bool done = command.is_eeprom() ? write_eeprom(command.payload, memory, target)
-                                          : program_row(command.payload, memory, target);
+    const bool done = command.is_eeprom() ? write_eeprom(command, target, handling)
+                                          : program_row(command, target, handling);
     return done ? command.payload.left(1) : QByteArray();
 }
 
 /// One row at a time, at its place in the row grid: that is how the cells are wired.
-bool Bootloader::program_row(const QByteArray& payload, const Geometry& flash, unsigned int address)
+bool Bootloader::program_row(const Command& command, unsigned int address, Handling handling)
 {
-    const QByteArray data = payload.mid(header_length);
-    return count_of(payload) == 1 && static_cast<std::uint64_t>(data.size()) == flash.row_size &&
-           address % flash.row_size == 0 && m_memory.program_flash(address, data);
+    const MemoryGeometry flash = geometry_of(m_profile, false);
+    const QByteArray data = command.data();
+    const auto size = static_cast<std::uint64_t>(data.size());
+    if (command.count() != 1 || size != flash.row_size || address % flash.row_size != 0 ||
+        !m_memory.is_in_user_flash(address, size)) {
+        return false;
+    }
+    return handling == Handling::Pretended ||
+           m_memory.program_flash(address, stored_part(data, handling));
 }
 
 /// The count names the words of one row, however many rows of data follow.
-bool Bootloader::write_eeprom(const QByteArray& payload, const Geometry& eeprom,
-                              unsigned int address)
+bool Bootloader::write_eeprom(const Command& command, unsigned int address, Handling handling)
 {
-    const QByteArray data = payload.mid(header_length);
-    return count_of(payload) == eeprom.row_size / eeprom.word_size &&
-           static_cast<std::uint64_t>(data.size()) % eeprom.row_size == 0 &&
-           m_memory.write_eeprom(address, data);
+    const MemoryGeometry eeprom = geometry_of(m_profile, true);
+    const QByteArray data = command.data();
+    const auto size = static_cast<std::uint64_t>(data.size());
+    if (command.count() != eeprom.row_size / eeprom.word_size || size % eeprom.row_size != 0 ||
+        !m_memory.is_in_eeprom(address, size)) {
+        return false;
+    }
+    return handling == Handling::Pretended ||
+           m_memory.write_eeprom(address, stored_part(data, handling));
 }
 
 QByteArray Bootloader::erase(const Command& command)
 {
-    const Geometry flash = geometry(false);
-    const std::uint64_t address = flash.byte_address(word_address_of(command.payload));
-    const auto pages = static_cast<unsigned int>(count_of(command.payload));
-    const bool done = flash.is_usable() && pages != 0 && address <= 0xFFFFFFFFU &&
-                      m_memory.erase_pages(static_cast<unsigned int>(address), pages);
+    const MemoryGeometry flash = geometry_of(m_profile, false);
+    const std::uint64_t address = flash.byte_address(command.word_address());
+    const bool done = flash.is_usable() && command.count() != 0 && address <= 0xFFFFFFFFU &&
+                      m_memory.erase_pages(static_cast<unsigned int>(address), command.count());
     return done ? command.payload.left(1) : QByteArray();
 }
 
@@ -231,20 +238,6 @@ QByteArray Bootloader::version_bytes() const
     bytes.append(static_cast<char>(version >> 8U & 0xFFU));
     bytes.append(static_cast<char>(version & 0xFFU));
     return bytes;
-}
-
-/// Worked out from the bare table values, so that the device shares no arithmetic with the host.
-Bootloader::Geometry Bootloader::geometry(bool eeprom) const
-{
-    const auto& values = m_profile.attributes;
-    Geometry memory;
-    memory.start = eeprom ? values[Profile::eeprom_start_address] : 0;
-    memory.word_size = values[eeprom ? Profile::eeprom_word_size : Profile::flash_word_size];
-    memory.row_size = values[eeprom ? Profile::eeprom_row_size : Profile::flash_row_size];
-    const unsigned int words_per_address =
-        values[eeprom ? Profile::eeprom_words_per_address : Profile::flash_words_per_address];
-    memory.bytes_per_address = words_per_address == 0 ? 0 : memory.word_size / words_per_address;
-    return memory;
 }
 
 } // namespace sim

@@ -3,10 +3,11 @@
 #include "sim/Command.h"
 #include "sim/DeviceMemory.h"
 #include "sim/FrameCodec.h"
+#include "sim/MemoryGeometry.h"
 
 #include <QByteArray>
 
-#include <cstdint>
+#include <functional>
 #include <vector>
 
 class Profile;
@@ -19,6 +20,14 @@ enum class Entry {
     Probe,   ///< starting: waits for a probe before it runs
     Version, ///< already running its bootloader; never answers a probe
     Silent,  ///< hears everything, does nothing and never answers
+};
+
+/// What becomes of a command that the device is about to take.
+enum class Handling {
+    Normal,
+    Ignored,   ///< as if it had never come
+    Pretended, ///< a write is acknowledged and not done
+    Half,      ///< of a write, the first half of the data is done
 };
 
 /// What the device heard and the bytes it answers with, empty where it stays silent.
@@ -39,6 +48,9 @@ struct Exchange {
 class Bootloader
 {
 public:
+    /// Asked once for every command that is made out, in their order, before anything is done.
+    using Judge = std::function<Handling(const Command& command)>;
+
     /// Neither argument is copied; both must outlive the bootloader.
     Bootloader(const Profile& profile, DeviceMemory& memory, Entry entry);
 
@@ -47,41 +59,33 @@ public:
 
     bool is_running() const { return m_running; }
 
+    /// Frames that began and came to nothing.
+    unsigned int dropped_frames() const { return m_receiver.dropped_frames(); }
+
+    /// Without a judge everything is handled normally.
+    void set_judge(Judge judge) { m_judge = std::move(judge); }
+
 private:
-    /// What a command's kind of memory looks like from the device's side.
-    struct Geometry {
-        std::uint64_t start = 0; ///< byte address that word address 0 stands for
-        std::uint64_t word_size = 0;
-        std::uint64_t bytes_per_address = 0; ///< 0 when the table's figures give none
-        std::uint64_t row_size = 0;
-
-        bool is_usable() const { return bytes_per_address != 0; }
-
-        std::uint64_t byte_address(std::uint64_t word_address) const
-        {
-            return start + word_address * bytes_per_address;
-        }
-    };
-
     void power_on();
     void hear_probe(const QByteArray& bytes, unsigned int baud, std::vector<Exchange>& exchanges);
     bool listens_to_probe(unsigned int baud) const;
     bool listens_to_frames(unsigned int baud) const;
     Exchange handle(const QByteArray& payload, unsigned int baud);
+    Handling judge(Command& command) const;
     bool understands(const QByteArray& payload, unsigned int baud) const;
-    QByteArray carry_out(Command& command);
+    QByteArray carry_out(Command& command, Handling handling);
     QByteArray read(const Command& command) const;
-    QByteArray write(const Command& command);
-    bool program_row(const QByteArray& payload, const Geometry& flash, unsigned int address);
-    bool write_eeprom(const QByteArray& payload, const Geometry& eeprom, unsigned int address);
+    QByteArray write(const Command& command, Handling handling);
+    bool program_row(const Command& command, unsigned int address, Handling handling);
+    bool write_eeprom(const Command& command, unsigned int address, Handling handling);
     QByteArray erase(const Command& command);
     QByteArray version_bytes() const;
-    Geometry geometry(bool eeprom) const;
 
     const Profile& m_profile;
     DeviceMemory& m_memory;
     FrameReceiver m_receiver;
     Entry m_entry;
+    Judge m_judge;
     bool m_running = false;
     unsigned int m_last_baud = 0;
 };

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QMetaType>
 
+#include <array>
+
 namespace sim
 {
 
@@ -18,6 +20,8 @@ struct Command {
         Unknown, ///< a sound frame with no command in it, or one of the wrong length
     };
 
+    static constexpr int header_length = 5; ///< of a read, write or erase: code, count, address
+
     Kind kind = Kind::Unknown;
     QByteArray payload;        ///< unescaped and without checksum; "U" for a probe
     unsigned int baud = 0;     ///< rate on the line when it came
@@ -25,10 +29,38 @@ struct Command {
     /// A command of its kind that the device did not carry out: its address, count or length is
     /// none that this device has, or it would touch the bootloader.
     bool refused = false;
+    /// It never got through to the device: lost or spoiled on the way, or the device has no power.
+    bool ignored = false;
+
+    /// The command is about flash or EEPROM: a read, a write or an erase.
+    bool is_access() const
+    {
+        return kind == Kind::Read || kind == Kind::Write || kind == Kind::Erase;
+    }
 
     /// The command is about EEPROM; meaningful for reads and writes.
     bool is_eeprom() const { return payload.startsWith('\x04') || payload.startsWith('\x05'); }
+
+    /// Words or pages, of an access.
+    unsigned int count() const { return byte_at(1); }
+
+    /// Of an access, in the units that the device counts in.
+    unsigned int word_address() const { return byte_at(2) | byte_at(3) << 8U | byte_at(4) << 16U; }
+
+    /// What a write brings.
+    QByteArray data() const { return payload.mid(header_length); }
+
+private:
+    unsigned int byte_at(int index) const { return static_cast<unsigned char>(payload.at(index)); }
 };
+
+constexpr std::array<Command::Kind, 7> command_kinds = {
+    Command::Kind::Probe, Command::Kind::Version, Command::Kind::Reset,   Command::Kind::Read,
+    Command::Kind::Write, Command::Kind::Erase,   Command::Kind::Unknown,
+};
+
+/// The kind's name in summaries and traces, such as "probe".
+const char* name_of(Command::Kind kind);
 
 } // namespace sim
 

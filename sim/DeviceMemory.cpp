@@ -49,6 +49,11 @@ bool DeviceMemory::is_in_eeprom(std::uint64_t address, std::uint64_t count) cons
     return m_eeprom.holds(address, count);
 }
 
+bool DeviceMemory::is_in_user_flash(std::uint64_t address, std::uint64_t count) const
+{
+    return m_user_flash.holds(address, count);
+}
+
 bool DeviceMemory::is_user_memory(unsigned int address) const
 {
     return m_user_flash.holds(address, 1) || m_eeprom.holds(address, 1);
@@ -80,7 +85,9 @@ bool DeviceMemory::program_flash(unsigned int address, const QByteArray& data)
     for (const char byte : data) {
         const auto wanted = static_cast<unsigned char>(byte);
         const auto result = static_cast<unsigned char>(cell(target) & wanted);
-        m_statistics.cells_programmed_without_erase += result != wanted ? 1 : 0;
+        // A broken cell is not the host's mistake.
+        const bool mistaken = result != wanted && m_stuck_bits.count(target) == 0;
+        m_statistics.cells_programmed_without_erase += mistaken ? 1 : 0;
         set_cell(target++, result);
     }
     ++m_statistics.flash_rows_programmed;
@@ -129,6 +136,18 @@ unsigned int DeviceMemory::preset(unsigned int address, const QByteArray& data)
     return left_out;
 }
 
+bool DeviceMemory::stick_bits(unsigned int address, unsigned char mask, bool level)
+{
+    if (!m_flash.holds(address, 1) && !m_eeprom.holds(address, 1)) {
+        return false;
+    }
+    StuckBits& stuck = m_stuck_bits[address];
+    (level ? stuck.high : stuck.low) |= mask;
+    (level ? stuck.low : stuck.high) &= static_cast<unsigned char>(~mask);
+    set_cell(address, cell(address));
+    return true;
+}
+
 std::vector<DeviceMemory::Stretch> DeviceMemory::programmed_stretches() const
 {
     std::vector<Stretch> stretches;
@@ -157,8 +176,13 @@ unsigned char DeviceMemory::cell(std::uint64_t address) const
     return static_cast<unsigned char>(value);
 }
 
+/// Whatever is put into a cell passes here, so that stuck bits hold whatever is done.
 void DeviceMemory::set_cell(std::uint64_t address, unsigned char value)
 {
+    const auto stuck = m_stuck_bits.find(address);
+    if (stuck != m_stuck_bits.end()) {
+        value = static_cast<unsigned char>((value | stuck->second.high) & ~stuck->second.low);
+    }
     const auto byte = static_cast<char>(value);
     auto it = m_blocks.find(address / block_size);
     if (it == m_blocks.end()) {
@@ -181,6 +205,10 @@ void DeviceMemory::erase_range(std::uint64_t start, std::uint64_t end)
         const std::uint64_t from = std::max(block_start, start) - block_start;
         const std::uint64_t to = std::min(block_start + block_size, end) - block_start;
         std::fill(it->second.begin() + from, it->second.begin() + to, erased);
+    }
+    for (auto it = m_stuck_bits.lower_bound(start); it != m_stuck_bits.end() && it->first < end;
+         ++it) {
+        set_cell(it->first, 0xFF);
     }
 }
 

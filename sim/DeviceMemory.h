@@ -38,6 +38,8 @@ public:
     /// All `count` bytes from `address` on lie in flash, the bootloader's part included.
     bool is_in_flash(std::uint64_t address, std::uint64_t count) const;
     bool is_in_eeprom(std::uint64_t address, std::uint64_t count) const;
+    /// The same for the part of flash that a host can write, which begins behind the bootloader.
+    bool is_in_user_flash(std::uint64_t address, std::uint64_t count) const;
     /// The byte lies where a host can write: in EEPROM or in flash beyond the bootloader.
     bool is_user_memory(unsigned int address) const;
 
@@ -58,6 +60,10 @@ public:
     /// many of them lie outside of flash and EEPROM and were left out.
     unsigned int preset(unsigned int address, const QByteArray& data);
 
+    /// From now on the bits of `mask` in the byte at `address` hold `level`, whatever is done to
+    /// them. False, with nothing done, when the device has no such byte.
+    bool stick_bits(unsigned int address, unsigned char mask, bool level);
+
     /// Every stretch of flash and EEPROM that is not 0xFF, in ascending order.
     std::vector<Stretch> programmed_stretches() const;
 
@@ -70,6 +76,12 @@ private:
         bool holds(std::uint64_t address, std::uint64_t count) const;
     };
 
+    /// Bits of a cell that are worn out or broken.
+    struct StuckBits {
+        unsigned char high = 0; ///< always 1
+        unsigned char low = 0;  ///< always 0
+    };
+
     unsigned char cell(std::uint64_t address) const;
     void set_cell(std::uint64_t address, unsigned char value);
     void erase_range(std::uint64_t start, std::uint64_t end);
@@ -80,6 +92,7 @@ private:
     std::uint64_t m_page_size = 0;
     /// Cells in blocks of equal size by block number; a block that is missing is erased.
     std::map<std::uint64_t, QByteArray> m_blocks;
+    std::map<std::uint64_t, StuckBits> m_stuck_bits; ///< by address
     Statistics m_statistics;
 };
 

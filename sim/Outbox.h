@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sim/PacedQueue.h"
+
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QObject>
@@ -10,7 +12,7 @@
 namespace sim
 {
 
-class PseudoTerminal;
+class Line;
 
 /// Bytes that the device puts on the line, and how long after the command.
 struct Delivery {
@@ -18,34 +20,35 @@ struct Delivery {
     int delay_ms = 0;
 };
 
-/// Puts deliveries on the line when they are due, in the order of their times and, for equal times,
+/// Puts pieces on the line when they are due, in the order of their times and, for equal times,
 /// in the order in which they were posted.
 class Outbox : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The terminal must outlive the outbox.
-    explicit Outbox(PseudoTerminal& terminal);
+    /// The line must outlive the outbox.
+    explicit Outbox(Line& line);
 
-    /// A delivery due now with nothing before it goes out at once. One that is `apart` is held back
+    /// A piece due now with nothing before it goes out at once. One that is `apart` is held back
     /// until the host has read everything before it, so that no single read of the host returns
     /// both; a host that does not read at all gets it after a while all the same.
-    void post(const Delivery& delivery, bool apart);
+    void post(const Piece& piece, int delay_ms, bool apart);
     /// Drops everything that has not gone out.
     void clear();
 
 private:
     struct Entry {
-        QByteArray bytes;
+        Piece piece;
         qint64 due_ms;
         bool apart;
+        int looks; ///< at whether it may go yet
     };
 
     void send_due();
-    int time_until(const Entry& entry) const;
+    int time_until(Entry& entry) const;
 
-    PseudoTerminal& m_terminal;
+    Line& m_line;
     std::list<Entry> m_entries;
     QElapsedTimer m_clock;
     qint64 m_last_write_ms = 0;

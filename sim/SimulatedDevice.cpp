@@ -1,28 +1,43 @@
 #include "sim/SimulatedDevice.h"
 
+#include "sim/MemoryGeometry.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace sim
 {
 
+namespace
+{
+
+LineOptions line_options(const Options& options)
+{
+    return {options.paced, options.latency_ms, options.echo == Options::Echo::Together};
+}
+
+} // namespace
+
 SimulatedDevice::SimulatedDevice(const Profile& profile, Options options)
-    : m_options(options),
+    : m_profile(profile),
+      m_options(options),
       m_memory(profile),
       m_bootloader(profile, m_memory, options.entry),
-      m_outbox(m_terminal)
+      m_line(line_options(options)),
+      m_outbox(m_line)
 {
-    connect(&m_terminal, &PseudoTerminal::received, this, &SimulatedDevice::hear);
+    m_clock.start();
+    connect(&m_line, &Line::received, this, &SimulatedDevice::hear);
 }
 
 QString SimulatedDevice::port_path() const
 {
-    return m_terminal.path();
+    return m_line.path();
 }
 
 unsigned int SimulatedDevice::host_baud() const
 {
-    return m_terminal.host_baud();
+    return m_line.host_baud();
 }
 
 std::vector<QByteArray> SimulatedDevice::payloads() const
@@ -39,57 +54,95 @@ std::vector<QByteArray> SimulatedDevice::payloads() const
 void SimulatedDevice::unplug()
 {
     m_outbox.clear();
-    m_terminal.unplug();
+    m_line.unplug();
 }
 
 void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
 {
     m_heard.append(bytes);
-    std::vector<std::vector<Delivery>> replies;
-    for (Exchange& exchange : m_bootloader.hear(bytes, baud)) {
+    const QByteArray got_through = m_request_filter ? m_request_filter(bytes) : bytes;
+    std::vector<Reply> replies;
+    for (Exchange& exchange : m_bootloader.hear(got_through, baud)) {
         replies.push_back(reply_to(exchange));
     }
     if (m_options.echo != Options::Echo::None) {
-        add_echo(bytes, replies);
+        echo(bytes, baud, replies);
     }
-    for (const std::vector<Delivery>& reply : replies) {
+    for (const Reply& reply : replies) {
         post(reply);
     }
 }
 
-std::vector<Delivery> SimulatedDevice::reply_to(Exchange& exchange)
+SimulatedDevice::Reply SimulatedDevice::reply_to(Exchange& exchange)
 {
     exchange.command.sequence = static_cast<unsigned int>(m_commands.size());
     m_commands.push_back(exchange.command);
     Q_EMIT command_received(exchange.command);
+    return {exchange.command.baud, wait_for_work(work_ms(exchange)), deliveries_for(exchange)};
+}
+
+std::vector<Delivery> SimulatedDevice::deliveries_for(const Exchange& exchange) const
+{
     if (m_filter) {
         return m_filter(exchange.command, exchange.answer);
     }
+    return exchange.answer.isEmpty() ? std::vector<Delivery>()
+                                     : std::vector<Delivery>{{exchange.answer}};
+}
+
+int SimulatedDevice::work_ms(const Exchange& exchange) const
+{
     if (exchange.answer.isEmpty()) {
-        return {};
+        return 0;
     }
-    return {{exchange.answer}};
+    switch (exchange.command.kind) {
+    case Command::Kind::Erase:
+        return m_options.erase_page_ms * static_cast<int>(exchange.command.count());
+    case Command::Kind::Write:
+        return m_options.write_row_ms * static_cast<int>(rows_of(m_profile, exchange.command));
+    default:
+        return 0;
+    }
+}
+
+/// A device does one thing after the other; what it is asked meanwhile waits its turn.
+int SimulatedDevice::wait_for_work(int work_ms)
+{
+    const qint64 now_ms = m_clock.elapsed();
+    m_busy_until_ms = std::max(m_busy_until_ms, now_ms) + work_ms;
+    return static_cast<int>(m_busy_until_ms - now_ms);
 }
 
 /// The echo of bytes in which several commands came together precedes the answers to all of them.
-void SimulatedDevice::add_echo(const QByteArray& bytes, std::vector<std::vector<Delivery>>& replies)
+void SimulatedDevice::echo(const QByteArray& bytes, unsigned int baud,
+                           const std::vector<Reply>& replies)
 {
-    const auto at_once = [](const std::vector<Delivery>& reply) {
-        return !reply.empty() && reply.front().delay_ms <= 0;
-    };
-    const auto first = std::find_if(replies.begin(), replies.end(), at_once);
-    if (m_options.echo == Options::Echo::Together && first != replies.end()) {
-        first->front().bytes.prepend(bytes);
+    const bool answered_at_once = std::any_of(
+        replies.begin(), replies.end(), [](const Reply& reply) { return reply.is_immediate(); });
+    if (m_options.echo == Options::Echo::Together && answered_at_once) {
+        m_held_echo = bytes;
     } else {
-        m_outbox.post({bytes}, false);
+        m_outbox.post({bytes, baud, bytes.size()}, 0, false);
     }
 }
 
-void SimulatedDevice::post(const std::vector<Delivery>& reply)
+bool SimulatedDevice::Reply::is_immediate() const
 {
-    const bool apart = reply.size() > 1 || m_options.echo == Options::Echo::Apart;
-    for (const Delivery& delivery : reply) {
-        m_outbox.post(delivery, apart);
+    return work_ms == 0 && !deliveries.empty() && deliveries.front().delay_ms <= 0;
+}
+
+void SimulatedDevice::post(const Reply& reply)
+{
+    const bool apart = reply.deliveries.size() > 1 || m_options.echo == Options::Echo::Apart;
+    bool is_first = true;
+    for (const Delivery& delivery : reply.deliveries) {
+        Piece piece{delivery.bytes, reply.baud};
+        if (is_first && reply.is_immediate() && !m_held_echo.isEmpty()) {
+            piece = {m_held_echo + delivery.bytes, reply.baud, m_held_echo.size(), true};
+            m_held_echo.clear();
+        }
+        is_first = false;
+        m_outbox.post(piece, std::max(delivery.delay_ms, 0) + reply.work_ms, apart);
     }
 }
 

@@ -3,8 +3,8 @@
 #include "sim/Bootloader.h"
 #include "sim/Command.h"
 #include "sim/DeviceMemory.h"
+#include "sim/Line.h"
 #include "sim/Outbox.h"
-#include "sim/PseudoTerminal.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -28,6 +28,10 @@ struct Options {
 
     Entry entry = Entry::Probe;
     Echo echo = Echo::None;
+    bool paced = false;    ///< see LineOptions
+    int latency_ms = 0;    ///< see LineOptions
+    int erase_page_ms = 0; ///< what the device needs to erase a page
+    int write_row_ms = 0;  ///< and to write a row
 };
 
 /// A device of the family with its bootloader, reached through a pseudo-terminal as through a
@@ -37,6 +41,7 @@ class SimulatedDevice : public QObject
     Q_OBJECT
 
 public:
+    using RequestFilter = std::function<QByteArray(const QByteArray& bytes)>;
     /// The deliveries that take the place of an answer.
     using ReplyFilter =
         std::function<std::vector<Delivery>(const Command& command, const QByteArray& answer)>;
@@ -67,11 +72,24 @@ public:
     /// Every raw byte received, whatever the rate.
     QByteArray heard() const { return m_heard; }
 
+    /// Frames that began and came to nothing.
+    unsigned int dropped_frames() const { return m_bootloader.dropped_frames(); }
+
+    /// The line with its figures.
+    const Line& line() const { return m_line; }
+
     /// Asked for every command what to put on the line instead of its answer. The answer handed in
     /// is complete: a whole frame, the raw reply for a probe, empty where the device stays silent.
     /// No delivery drops it; the bytes of each of several deliveries can be read apart. An empty
     /// filter lets answers pass as they are.
     void set_reply_filter(ReplyFilter filter) { m_filter = std::move(filter); }
+
+    /// Asked for what comes from the host before the device hears it, to spoil it on the way. Of no
+    /// consequence for the echo.
+    void set_request_filter(RequestFilter filter) { m_request_filter = std::move(filter); }
+
+    /// Asked for every command how the device takes it.
+    void set_judge(Bootloader::Judge judge) { m_bootloader.set_judge(std::move(judge)); }
 
     /// Closes the line at both ends, as when the adapter is pulled out; drops what was still due.
     void unplug();
@@ -81,19 +99,36 @@ Q_SIGNALS:
     void command_received(const sim::Command& command);
 
 private:
-    void hear(const QByteArray& bytes, unsigned int baud);
-    std::vector<Delivery> reply_to(Exchange& exchange);
-    void add_echo(const QByteArray& bytes, std::vector<std::vector<Delivery>>& replies);
-    void post(const std::vector<Delivery>& reply);
+    /// What goes out for one command.
+    struct Reply {
+        unsigned int baud = 0;
+        int work_ms = 0;
+        std::vector<Delivery> deliveries;
 
+        bool is_immediate() const;
+    };
+
+    void hear(const QByteArray& bytes, unsigned int baud);
+    Reply reply_to(Exchange& exchange);
+    std::vector<Delivery> deliveries_for(const Exchange& exchange) const;
+    int work_ms(const Exchange& exchange) const;
+    int wait_for_work(int work_ms);
+    void echo(const QByteArray& bytes, unsigned int baud, const std::vector<Reply>& replies);
+    void post(const Reply& reply);
+
+    const Profile& m_profile;
     Options m_options;
     DeviceMemory m_memory;
     Bootloader m_bootloader;
-    PseudoTerminal m_terminal;
+    Line m_line;
     Outbox m_outbox;
     ReplyFilter m_filter;
+    RequestFilter m_request_filter;
     std::vector<Command> m_commands;
     QByteArray m_heard;
+    QByteArray m_held_echo; ///< goes out in front of the next answer
+    QElapsedTimer m_clock;
+    qint64 m_busy_until_ms = 0; ///< by the clock: the device works on what it was asked
 };
 
 } // namespace sim

@@ -9,6 +9,7 @@ using sim::Command;
 using sim::DeviceMemory;
 using sim::Entry;
 using sim::Exchange;
+using sim::Handling;
 using sim::make_frame;
 using sim_test::bytes;
 using sim_test::Changes;
@@ -450,3 +451,68 @@ INSTANTIATE_TEST_SUITE_P(
                             Command::Kind::Erase,
                             {{Profile::flash_word_size, "0"}}}),
     refusal_name);
+
+TEST(SimBootloader, DoesNothingAboutACommandThatItsJudgeIgnores)
+{
+    Device device(Entry::Probe);
+    device.bootloader.set_judge([](const Command&) { return Handling::Ignored; });
+    const std::vector<Exchange> probed = device.hear(probe_byte, 9600);
+    ASSERT_EQ(probed.size(), 1U);
+    EXPECT_TRUE(probed.front().command.ignored);
+    EXPECT_EQ(probed.front().answer, silence);
+    const Exchange erase = device.ask(bytes("03 01 00 08 00"));
+    EXPECT_TRUE(erase.command.ignored);
+    EXPECT_FALSE(erase.command.refused);
+    EXPECT_EQ(erase.answer, silence);
+    EXPECT_EQ(device.memory.statistics().pages_erased, 0U);
+    EXPECT_FALSE(device.bootloader.is_running());
+}
+
+TEST(SimBootloader, AsksItsJudgeAboutEveryCommandInOrder)
+{
+    Device device(Entry::Silent);
+    std::vector<Command::Kind> asked;
+    device.bootloader.set_judge([&asked](const Command& command) {
+        asked.push_back(command.kind);
+        return Handling::Normal;
+    });
+    device.hear(version_frame + reset_frame + read_frame);
+    device.hear(probe_byte, 9600);
+    using Kind = Command::Kind;
+    EXPECT_THAT(asked, testing::ElementsAre(Kind::Version, Kind::Reset, Kind::Read, Kind::Probe));
+}
+
+TEST(SimBootloader, AcknowledgesWritesThatItOnlyPretends)
+{
+    Device device(Entry::Version);
+    device.bootloader.set_judge([](const Command&) { return Handling::Pretended; });
+    const QByteArray flash_row = bytes("02 01 00 08 00") + QByteArray(0x40, '\x11');
+    EXPECT_EQ(device.ask(flash_row).answer, make_frame(bytes("02")));
+    const QByteArray eeprom_row = bytes("05 10 00 00 00") + QByteArray(0x10, '\x22');
+    EXPECT_EQ(device.ask(eeprom_row).answer, make_frame(bytes("05")));
+    EXPECT_TRUE(device.memory.programmed_stretches().empty());
+    EXPECT_EQ(device.memory.statistics().flash_rows_programmed, 0U);
+    EXPECT_EQ(device.memory.statistics().eeprom_writes, 0U);
+    // What it would refuse it does not pretend either.
+    EXPECT_TRUE(device.ask(bytes("02 01 01 08 00") + QByteArray(0x40, '\x11')).command.refused);
+}
+
+TEST(SimBootloader, DoesTheFirstHalfOfAWriteThatIsCutShort)
+{
+    Device device(Entry::Version);
+    device.bootloader.set_judge([](const Command&) { return Handling::Half; });
+    const QByteArray flash_row = bytes("02 01 00 08 00") + QByteArray(0x40, '\x11');
+    EXPECT_EQ(device.ask(flash_row).answer, make_frame(bytes("02")));
+    EXPECT_EQ(device.memory.read(0x1000, 0x40),
+              QByteArray(0x20, '\x11') + QByteArray(0x20, '\xFF'));
+    const QByteArray eeprom_row = bytes("05 10 00 00 00") + QByteArray(0x10, '\x22');
+    EXPECT_EQ(device.ask(eeprom_row).answer, make_frame(bytes("05")));
+    EXPECT_EQ(device.memory.read(0x400000, 0x10), QByteArray(8, '\x22') + QByteArray(8, '\xFF'));
+}
+
+TEST(SimBootloader, CountsTheFramesThatCameToNothing)
+{
+    Device device(Entry::Version);
+    device.hear(bytes("55 55 00 02 FF 04"));
+    EXPECT_EQ(device.bootloader.dropped_frames(), 1U);
+}

@@ -222,3 +222,41 @@ TEST(SimDeviceMemoryLimits, HasNoEepromWhereTheTableGivesNone)
     EXPECT_FALSE(memory.is_in_eeprom(0, 1));
     EXPECT_FALSE(memory.write_eeprom(0, bytes("00")));
 }
+
+TEST_F(SimDeviceMemory, HoldsStuckBitsWhateverIsDone)
+{
+    EXPECT_TRUE(memory.stick_bits(0x1000, 0x81, false));
+    EXPECT_TRUE(memory.stick_bits(0x1001, 0x0F, true));
+    EXPECT_EQ(memory.read(0x1000, 2), bytes("7E FF"));
+    memory.program_flash(0x1000, bytes("F3 30"));
+    EXPECT_EQ(memory.read(0x1000, 2), bytes("72 3F"));
+    memory.erase_pages(0x1000, 1);
+    EXPECT_EQ(memory.read(0x1000, 2), bytes("7E FF"));
+    memory.preset(0x1000, bytes("FF 00"));
+    EXPECT_EQ(memory.read(0x1000, 2), bytes("7E 0F"));
+    // A broken cell is no mistake of the host's.
+    EXPECT_EQ(memory.statistics().cells_programmed_without_erase, 0U);
+}
+
+TEST_F(SimDeviceMemory, SticksTheBitsOfEepromTooAndTheLatestWord)
+{
+    EXPECT_TRUE(memory.stick_bits(0x400000, 0x03, false));
+    EXPECT_TRUE(memory.stick_bits(0x400000, 0x01, true));
+    memory.write_eeprom(0x400000, bytes("00"));
+    EXPECT_EQ(memory.read(0x400000, 1), bytes("01"));
+    memory.write_eeprom(0x400000, bytes("FF"));
+    EXPECT_EQ(memory.read(0x400000, 1), bytes("FD"));
+}
+
+TEST_F(SimDeviceMemory, HasNoBitsToStickWhereItHasNoMemory)
+{
+    EXPECT_FALSE(memory.stick_bits(0x10000, 0x01, false));
+    EXPECT_EQ(memory.read(0x10000, 1), bytes("FF"));
+}
+
+TEST_F(SimDeviceMemory, KnowsWhereAHostCanWriteFlash)
+{
+    EXPECT_TRUE(memory.is_in_user_flash(0x800, 0xF800));
+    EXPECT_FALSE(memory.is_in_user_flash(0x7FF, 2));
+    EXPECT_FALSE(memory.is_in_user_flash(0xFFFF, 2));
+}

@@ -261,3 +261,39 @@ TEST_F(SimSimulatedDevice, StopsInTheMiddleWhenItIsUnplugged)
     EXPECT_EQ(device->host_baud(), 0U);
     EXPECT_EQ(device->payloads().size(), 1U);
 }
+
+TEST_F(SimSimulatedDevice, HearsWhatItsRequestFilterLetsThrough)
+{
+    start({Entry::Version, Options::Echo::Apart});
+    device->set_request_filter([](const QByteArray& bytes) {
+        QByteArray spoilt = bytes;
+        spoilt[4] = '\x01';
+        return spoilt;
+    });
+    EXPECT_EQ(host->ask(version_frame, version_frame), version_frame);
+    EXPECT_THAT(device->commands(), IsEmpty());
+    EXPECT_EQ(device->dropped_frames(), 1U);
+    device->set_request_filter({});
+    EXPECT_EQ(host->ask(version_frame, version_frame + version_answer),
+              version_frame + version_answer);
+}
+
+TEST_F(SimSimulatedDevice, TakesCommandsAsItsJudgeSays)
+{
+    start({Entry::Version});
+    device->set_judge([](const Command& command) {
+        return command.kind == Command::Kind::Erase ? sim::Handling::Ignored
+                                                    : sim::Handling::Normal;
+    });
+    host->send(make_frame(bytes("03 01 00 08 00")));
+    EXPECT_EQ(host->ask(version_frame, version_answer), version_answer);
+    ASSERT_EQ(device->commands().size(), 2U);
+    EXPECT_TRUE(device->commands().front().ignored);
+}
+
+TEST_F(SimSimulatedDevice, CountsWhatItHandsToTheHost)
+{
+    start({Entry::Version, Options::Echo::Together});
+    host->ask(version_frame, version_frame + version_answer);
+    EXPECT_EQ(device->line().bytes_to_host(), version_frame.size() + version_answer.size());
+}

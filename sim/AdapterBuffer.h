@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <optional>
+
+namespace sim
+{
+
+/// What a USB adapter does with the bytes that come from the device: a full packet goes to the host
+/// at once, a short one when nothing has filled it up for the latency time. Knows no clock.
+class AdapterBuffer
+{
+public:
+    static constexpr int packet_size = 62; ///< payload of a full-speed USB packet
+
+    /// Without latency everything goes to the host at once.
+    explicit AdapterBuffer(qint64 latency_ns) : m_latency_ns(latency_ns) {}
+
+    /// Takes bytes and returns the full packets that they complete, one after the other.
+    QByteArray add(const QByteArray& bytes, qint64 now_ns);
+    /// The short packet, once its time is up; empty before.
+    QByteArray expire(qint64 now_ns);
+
+    /// When the short packet's time is up.
+    std::optional<qint64> deadline_ns() const { return m_deadline_ns; }
+
+    void clear();
+
+private:
+    qint64 m_latency_ns;
+    QByteArray m_rest;
+    std::optional<qint64> m_deadline_ns;
+};
+
+} // namespace sim

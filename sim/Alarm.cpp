@@ -1,0 +1,65 @@
+#include "sim/Alarm.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <sys/timerfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr qint64 ns_per_second = 1000000000;
+
+int open_timer()
+{
+    const int descriptor = ::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+    if (descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot make a timer");
+    }
+    return descriptor;
+}
+
+} // namespace
+
+Alarm::Alarm() : m_descriptor(open_timer()), m_notifier(m_descriptor.get(), QSocketNotifier::Read)
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, &Alarm::take);
+}
+
+qint64 Alarm::now_ns()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * ns_per_second + now.tv_nsec;
+}
+
+void Alarm::set(qint64 time_ns)
+{
+    // All zeros would disarm the timer instead of letting it go off at once.
+    const qint64 time = std::max<qint64>(time_ns, 1);
+    itimerspec setting{};
+    setting.it_value.tv_sec = time / ns_per_second;
+    setting.it_value.tv_nsec = time % ns_per_second;
+    ::timerfd_settime(m_descriptor.get(), TFD_TIMER_ABSTIME, &setting, nullptr);
+}
+
+void Alarm::stop()
+{
+    const itimerspec never{};
+    ::timerfd_settime(m_descriptor.get(), 0, &never, nullptr);
+}
+
+void Alarm::take()
+{
+    quint64 times = 0;
+    if (::read(m_descriptor.get(), &times, sizeof times) == sizeof times) {
+        Q_EMIT went_off();
+    }
+}
+
+} // namespace sim

@@ -1,0 +1,34 @@
+#include "sim/LineTiming.h"
+
+#include <algorithm>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr qint64 bits_per_byte = 10;
+constexpr qint64 ns_per_second = 1000000000;
+
+} // namespace
+
+qint64 line_time_ns(int count, unsigned int baud)
+{
+    return baud == 0 ? 0 : count * bits_per_byte * ns_per_second / baud;
+}
+
+std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud, qint64 slice_ns)
+{
+    const qint64 in_time = slice_ns * baud / (bits_per_byte * ns_per_second);
+    const int most =
+        baud == 0 ? count : static_cast<int>(std::max<qint64>(1, std::min<qint64>(in_time, count)));
+    std::vector<Slice> result;
+    for (int offset = 0; offset < count; offset += most) {
+        const int size = std::min(most, count - offset);
+        result.push_back({offset, size, start_ns + line_time_ns(offset + size, baud)});
+    }
+    return result;
+}
+
+} // namespace sim

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <vector>
+
+namespace sim
+{
+
+/// Bytes that pass on the line together, as far as anybody can tell.
+struct Slice {
+    int offset = 0; ///< of its first byte in the bytes it was cut from
+    int count = 0;
+    qint64 due_ns = 0; ///< when its last byte has passed
+
+    bool operator==(const Slice& other) const
+    {
+        return offset == other.offset && count == other.count && due_ns == other.due_ns;
+    }
+};
+
+/// How long `count` bytes take at `baud`: eight data bits each, a start bit and a stop bit. Nothing
+/// takes time at the rate 0, which is that of a line that is hung up.
+qint64 line_time_ns(int count, unsigned int baud);
+
+/// Cuts `count` bytes, the first of which begins at `start_ns`, into slices that last `slice_ns` at
+/// most; a byte that takes longer is a slice by itself. Every due time is reckoned from the start,
+/// so that no rounding adds up.
+std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud, qint64 slice_ns);
+
+} // namespace sim

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <deque>
+#include <optional>
+
+namespace sim
+{
+
+/// One piece of traffic in one direction.
+struct Piece {
+    QByteArray bytes;
+    unsigned int baud = 0;
+    /// So many of the first bytes have had their time on the line already, as the echo of something
+    /// that was sent.
+    int passed = 0;
+    bool whole = false; ///< comes in one piece, when its last byte has passed
+};
+
+/// One direction of a line that takes its time. Knows no clock: times are handed in, in
+/// nanoseconds of any steady one.
+class PacedQueue
+{
+public:
+    struct Due {
+        QByteArray bytes;
+        unsigned int baud = 0;
+        qint64 due_ns = 0;
+        bool last = false; ///< ends its piece
+    };
+
+    /// The piece begins at `now_ns` or, if later, when everything before it has passed.
+    void add(const Piece& piece, qint64 now_ns);
+    /// The next bytes that have passed by `now_ns`.
+    std::optional<Due> take(qint64 now_ns);
+    /// When there will be something to take.
+    std::optional<qint64> next_due_ns() const;
+
+    bool is_empty() const { return m_waiting.empty(); }
+
+    void clear() { m_waiting.clear(); }
+
+private:
+    void add_slices(const QByteArray& bytes, unsigned int baud, qint64 start_ns);
+
+    std::deque<Due> m_waiting;
+    qint64 m_free_ns = 0; ///< when the last byte accepted has passed
+};
+
+} // namespace sim
