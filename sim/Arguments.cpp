@@ -1,6 +1,7 @@
 #include "sim/Arguments.h"
 
-#include <QCommandLineParser>
+#include "sim/OptionParser.h"
+#include "sim/UsageError.h"
 
 #include <map>
 
@@ -10,41 +11,7 @@ namespace sim
 namespace
 {
 
-const char* const description =
-    "Simulates a device with a serial bootloader on a pseudo-terminal.\n\n"
-    "The path of the port is the first line printed. The device serves until it is stopped by\n"
-    "SIGINT or SIGTERM; then a summary is printed. Exit status: 0 when all is well, 1 when the\n"
-    "device's memory differs from the image of --check, 2 when it can't do what is asked.";
-
-QCommandLineOption option(const char* name, const char* text, const char* value = "",
-                          const QString& preset = QString())
-{
-    return QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(text),
-                              QString::fromLatin1(value), preset);
-}
-
-void add_options(QCommandLineParser& parser)
-{
-    parser.setApplicationDescription(QString::fromLatin1(description));
-    parser.addOption(option("help", "Show this help and exit."));
-    parser.addOption(option("version", "Show the version and exit."));
-    parser.addOption(option("table", "Read the devices from <file> (./device.txt).", "file",
-                            QStringLiteral("./device.txt")));
-    parser.addOption(option("device",
-                            "Simulate the device with the bootloader version <version>, in "
-                            "hexadecimal; needed when the table has more than one.",
-                            "version"));
-    parser.addOption(option("list", "List the table's devices and exit."));
-    parser.addOption(option("entry",
-                            "What the device does after power-on: it waits for a \"probe\" (the "
-                            "default), it runs already and answers the \"version\" command, or it "
-                            "is \"silent\" for good.",
-                            "behaviour", QStringLiteral("probe")));
-    parser.addOption(option("echo", "The line is half-duplex: the host hears what it sends."));
-    parser.addOption(option("memory", "Fill the memory from <image> at the start.", "image"));
-    parser.addOption(option("save", "Write what is not erased to <image> at the end.", "image"));
-    parser.addOption(option("check", "Compare the memory with <image> at the end.", "image"));
-}
+constexpr int longest_ms = 600000;
 
 unsigned short version_of(const QString& text)
 {
@@ -72,54 +39,109 @@ Entry entry_of(const QString& text)
     return found->second;
 }
 
-QString image_of(const QCommandLineParser& parser, const char* name)
+Options::Echo echo_of(const QString& text)
 {
-    const QString option_name = QString::fromLatin1(name);
-    QString path = parser.value(option_name);
-    if (parser.isSet(option_name) && path.isEmpty()) {
-        throw UsageError(QStringLiteral("--%1 needs the name of an image").arg(option_name));
+    if (text == QLatin1String("apart")) {
+        return Options::Echo::Apart;
     }
-    return path;
+    if (text == QLatin1String("together")) {
+        return Options::Echo::Together;
+    }
+    throw UsageError(QStringLiteral("'%1' is no --echo: apart or together").arg(text));
 }
 
-Arguments::Action action_of(const QCommandLineParser& parser)
+int ms_of(const OptionParser& parser, const char* name)
 {
-    if (parser.isSet(QStringLiteral("help"))) {
+    const QString text = parser.value(name, QStringLiteral("0"));
+    bool converted = false;
+    const int ms = text.toInt(&converted);
+    if (!converted || ms < 0 || ms > longest_ms) {
+        throw UsageError(QStringLiteral("--%1: '%2' is no number of milliseconds from 0 to %3")
+                             .arg(QString::fromLatin1(name), text, QString::number(longest_ms)));
+    }
+    return ms;
+}
+
+std::uint64_t seed_of(const QString& text)
+{
+    bool converted = false;
+    const qulonglong seed = text.toULongLong(&converted);
+    if (!converted) {
+        throw UsageError(QStringLiteral("--seed: '%1' is no whole number").arg(text));
+    }
+    return seed;
+}
+
+Arguments::Action action_of(const OptionParser& parser)
+{
+    if (parser.has("help")) {
         return Arguments::Action::ShowHelp;
     }
-    if (parser.isSet(QStringLiteral("version"))) {
+    if (parser.has("version")) {
         return Arguments::Action::ShowVersion;
     }
-    return parser.isSet(QStringLiteral("list")) ? Arguments::Action::ListDevices
-                                                : Arguments::Action::Serve;
+    return parser.has("list") ? Arguments::Action::ListDevices : Arguments::Action::Serve;
+}
+
+Options device_options(const OptionParser& parser)
+{
+    Options options;
+    options.entry = entry_of(parser.value("entry", QStringLiteral("probe")));
+    if (parser.has("echo")) {
+        options.echo = echo_of(parser.value("echo"));
+    }
+    options.paced = parser.has("pace");
+    options.latency_ms = ms_of(parser, "latency-ms");
+    options.erase_page_ms = ms_of(parser, "erase-ms");
+    options.write_row_ms = ms_of(parser, "write-ms");
+    return options;
+}
+
+RigOptions rig_options(const OptionParser& parser)
+{
+    RigOptions options;
+    options.device = device_options(parser);
+    for (const QString& fault : parser.values("fault")) {
+        add_fault(options.faults, fault);
+    }
+    options.faults.seed = seed_of(parser.value("seed", QStringLiteral("1")));
+    options.trace = parser.value("trace");
+    options.replay = parser.value("replay");
+    return options;
+}
+
+QStringList command_of(const OptionParser& parser)
+{
+    QStringList rest = parser.rest();
+    if (parser.has("exec") && rest.isEmpty()) {
+        throw UsageError(QStringLiteral("--exec needs a command: --exec -- COMMAND {} ..."));
+    }
+    if (!parser.has("exec") && !rest.isEmpty()) {
+        throw UsageError(QStringLiteral("'%1' is no option").arg(rest.first()));
+    }
+    return rest;
 }
 
 } // namespace
 
 Arguments parse_arguments(const QStringList& command_line)
 {
-    QCommandLineParser parser;
-    add_options(parser);
-    if (!parser.parse(command_line)) {
-        throw UsageError(parser.errorText());
-    }
-    if (!parser.positionalArguments().isEmpty()) {
-        throw UsageError(
-            QStringLiteral("'%1' is no option").arg(parser.positionalArguments().first()));
-    }
+    const OptionParser parser(command_line);
     Arguments arguments;
     arguments.action = action_of(parser);
-    arguments.help_text = parser.helpText();
-    arguments.table = parser.value(QStringLiteral("table"));
-    if (parser.isSet(QStringLiteral("device"))) {
-        arguments.version = version_of(parser.value(QStringLiteral("device")));
+    arguments.help_text = parser.help_text();
+    arguments.table = parser.value("table", QStringLiteral("./device.txt"));
+    if (parser.has("device")) {
+        arguments.version = version_of(parser.value("device"));
     }
-    arguments.options.entry = entry_of(parser.value(QStringLiteral("entry")));
-    arguments.options.echo =
-        parser.isSet(QStringLiteral("echo")) ? Options::Echo::Apart : Options::Echo::None;
-    arguments.memory_image = image_of(parser, "memory");
-    arguments.save_image = image_of(parser, "save");
-    arguments.check_image = image_of(parser, "check");
+    arguments.rig = rig_options(parser);
+    arguments.memory_image = parser.value("memory");
+    arguments.save_image = parser.value("save");
+    arguments.check_image = parser.value("check");
+    arguments.state = parser.value("state");
+    arguments.link = parser.value("link");
+    arguments.command = command_of(parser);
+    arguments.json = parser.has("json");
     return arguments;
 }
 

@@ -1,17 +1,16 @@
 #pragma once
 
-#include "sim/SimulatedDevice.h"
+#include "sim/Rig.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <optional>
-#include <stdexcept>
 
 namespace sim
 {
 
-/// What the user of the program zserial-sim asks for.
+/// What the user of the program zserial-sim asks for. Empty names: not asked for.
 struct Arguments {
     enum class Action { Serve, ListDevices, ShowHelp, ShowVersion };
 
@@ -19,17 +18,14 @@ struct Arguments {
     QString help_text; ///< for ShowHelp
     QString table;
     std::optional<unsigned short> version; ///< of the device to simulate
-    Options options;
-    QString memory_image; ///< empty, as the two below: not asked for
+    RigOptions rig;
+    QString memory_image;
     QString save_image;
     QString check_image;
-};
-
-/// The command line can't be carried out; what() says why, in words for the user.
-class UsageError : public std::runtime_error
-{
-public:
-    explicit UsageError(const QString& text) : std::runtime_error(text.toStdString()) {}
+    QString state;
+    QString link;
+    QStringList command; ///< to run on the port
+    bool json = false;
 };
 
 /// Takes the command line apart, the program's name first. Throws UsageError.

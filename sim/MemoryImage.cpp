@@ -4,7 +4,7 @@
 #include "sim/DeviceMemory.h"
 #include "util/Util.h"
 
-#include <QFile>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -36,7 +36,7 @@ QString difference_text(const QString& path, unsigned int address, char in_memor
 }
 
 /// The records of one stretch, each within one 64 KiB segment as readers of such files expect.
-void write_stretch(QFile& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
+void write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
 {
     const auto size = static_cast<unsigned int>(stretch.bytes.size());
     for (unsigned int done = 0; done < size;) {
@@ -94,16 +94,15 @@ MemoryImage::Comparison MemoryImage::compare(const DeviceMemory& memory) const
 
 void save_memory(const DeviceMemory& memory, const QString& path)
 {
-    QFile file(path);
+    QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly)) {
         unsigned short upper = 0;
         for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
             write_stretch(file, stretch, upper);
         }
         AddressedBLOB(chunk_size).write_eof_to_file(file);
-        file.flush();
     }
-    if (file.error() != QFileDevice::NoError) {
+    if (!file.commit()) {
         throw ImageError(QStringLiteral("cannot write the image %1").arg(path));
     }
 }

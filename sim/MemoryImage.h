@@ -43,7 +43,7 @@ private:
     MemoryMap m_map;
 };
 
-/// Writes what is not erased as an Intel HEX file. Throws ImageError when that fails.
+/// Writes what is not erased as an Intel HEX file, or leaves what is there and throws ImageError.
 void save_memory(const DeviceMemory& memory, const QString& path);
 
 } // namespace sim

@@ -6,30 +6,12 @@ namespace sim
 void Tally::count(const Command& command)
 {
     ++m_by_kind[command.kind];
-    m_refused += command.refused ? 1 : 0;
-}
-
-QStringList Tally::summary(const DeviceMemory::Statistics& statistics) const
-{
-    using Kind = Command::Kind;
-    return {
-        QStringLiteral("commands: %1 probe, %2 version, %3 reset, %4 read, %5 write, %6 erase, "
-                       "%7 unknown; %8 refused")
-            .arg(number_of(Kind::Probe))
-            .arg(number_of(Kind::Version))
-            .arg(number_of(Kind::Reset))
-            .arg(number_of(Kind::Read))
-            .arg(number_of(Kind::Write))
-            .arg(number_of(Kind::Erase))
-            .arg(number_of(Kind::Unknown))
-            .arg(m_refused),
-        QStringLiteral("flash: %1 pages erased, %2 rows programmed, "
-                       "%3 cells programmed without erase")
-            .arg(statistics.pages_erased)
-            .arg(statistics.flash_rows_programmed)
-            .arg(statistics.cells_programmed_without_erase),
-        QStringLiteral("EEPROM: %1 writes").arg(statistics.eeprom_writes),
-    };
+    m_refused += command.refused ? 1U : 0U;
+    // Hosts probe again and again by nature, so probes don't count as repeated.
+    if (command.kind != Command::Kind::Probe) {
+        m_repeated += command.payload == m_last ? 1U : 0U;
+        m_last = command.payload;
+    }
 }
 
 unsigned int Tally::number_of(Command::Kind kind) const

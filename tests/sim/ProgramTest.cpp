@@ -3,6 +3,9 @@
 #include "tests/sim/SampleDevice.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -59,13 +62,27 @@ protected:
                       QString::fromLatin1(words).split(QLatin1Char(' '), Qt::SkipEmptyParts));
     }
 
+    /// With a line for the shell after the words.
+    void start_shell(const char* words, const char* line)
+    {
+        process.start(QStringLiteral(ZSERIAL_SIM),
+                      QString::fromLatin1(words).split(QLatin1Char(' ')) +
+                          QStringList{QStringLiteral("--"), QStringLiteral("/bin/sh"),
+                                      QStringLiteral("-c"), QString::fromLatin1(line)});
+    }
+
+    QByteArray read_line()
+    {
+        while (!process.canReadLine() && process.waitForReadyRead()) {
+        }
+        return process.readLine();
+    }
+
     /// Starts serving and returns the path of the port from the first line.
     QString serve(const char* words)
     {
         start(words);
-        while (!process.canReadLine() && process.waitForReadyRead()) {
-        }
-        const QString line = QString::fromLocal8Bit(process.readLine());
+        const QString line = QString::fromLocal8Bit(read_line());
         EXPECT_TRUE(line.startsWith(QLatin1String("/dev/")) && line.endsWith(QLatin1Char('\n')))
             << line.toStdString() << process.readAllStandardError().toStdString();
         return line.trimmed();
@@ -93,7 +110,9 @@ protected:
 };
 
 const QByteArray idle_summary =
-    "commands: 0 probe, 0 version, 0 reset, 0 read, 0 write, 0 erase, 0 unknown; 0 refused\n"
+    "commands: 0 probe, 0 version, 0 reset, 0 read, 0 write, 0 erase, 0 unknown; 0 refused, "
+    "0 repeated\n"
+    "line: 0 bytes from the host, 0 to the host, 0 frames dropped\n"
     "flash: 0 pages erased, 0 rows programmed, 0 cells programmed without erase\n"
     "EEPROM: 0 writes\n";
 
@@ -121,7 +140,8 @@ TEST_F(SimProgram, ServesUntilItIsTerminatedAndSumsUp)
     EXPECT_EQ(stop_by(SIGTERM), 0);
     EXPECT_EQ(output(),
               "commands: 1 probe, 0 version, 0 reset, 1 read, 3 write, 1 erase, 0 unknown; "
-              "0 refused\n"
+              "0 refused, 0 repeated\n"
+              "line: 192 bytes from the host, 36 to the host, 0 frames dropped\n"
               "flash: 2 pages erased, 2 rows programmed, 64 cells programmed without erase\n"
               "EEPROM: 1 writes\n");
     EXPECT_EQ(errors(), "");
@@ -188,8 +208,155 @@ TEST_F(SimProgram, TellsWhatOfAnImageHasNoPlace)
 TEST_F(SimProgram, CannotSaveWhereThereIsNoFolder)
 {
     serve("--table one.txt --save nowhere/saved.hex");
-    EXPECT_EQ(stop_by(SIGTERM), 2);
+    EXPECT_EQ(stop_by(SIGTERM), 1);
     EXPECT_EQ(errors(), "zserial-sim: cannot write the image nowhere/saved.hex\n");
+}
+
+TEST_F(SimProgram, KeepsItsMemoryFromOneRunToTheNext)
+{
+    write_file("image.hex", image);
+    serve("--table one.txt --state state --memory image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    serve("--table one.txt --state state --check image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
+}
+
+TEST_F(SimProgram, CannotKeepItsMemoryWhereThereIsNoFolderButSavesTheImage)
+{
+    write_file("image.hex", image);
+    serve("--table one.txt --memory image.hex --state nowhere/state --save saved.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 1);
+    EXPECT_EQ(errors(), "zserial-sim: cannot write the state nowhere/state\n");
+    EXPECT_EQ(file_content("saved.hex"), image);
+}
+
+TEST_F(SimProgram, GivesItsPortANameOfTheUsersChoice)
+{
+    const QString link = folder.filePath(QStringLiteral("port"));
+    const QString port = serve("--table one.txt --link port");
+    EXPECT_EQ(QFileInfo(link).symLinkTarget(), port);
+    HostPort host(link);
+    EXPECT_EQ(host.ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_FALSE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(SimProgram, TracesWhatItIsAsked)
+{
+    HostPort host(serve("--table one.txt --trace trace"));
+    host.ask(bytes("55"), bytes("51 56 01 23"));
+    EXPECT_TRUE(file_content("trace").endsWith(
+        " #1 9600 probe request=1 answer=version sent=4 faults=none\n"));
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+}
+
+TEST_F(SimProgram, LetsFaultsHappenAndSumsThemUp)
+{
+    HostPort host(serve("--table one.txt --entry version --fault lose-response@1 --seed 5"), 57600);
+    host.send(make_frame(bytes("03 01 00 08 00")));
+    EXPECT_EQ(host.ask(make_frame(bytes("00 02")), make_frame(bytes("00 02 01 23"))),
+              make_frame(bytes("00 02 01 23")));
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_TRUE(output().contains("\nfaults with seed 5: 1 lose-response\n"));
+}
+
+TEST_F(SimProgram, AnswersFromALog)
+{
+    write_file("log", "\nTX:" + make_frame(bytes("00 02")).toHex() + "\nRX:616263");
+    HostPort host(serve("--table one.txt --entry version --replay log"), 57600);
+    host.send(make_frame(bytes("00 00")));
+    EXPECT_EQ(host.ask(make_frame(bytes("00 02")), "abc"), "abc");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_TRUE(output().endsWith("\nreplay: 1 of 1 recorded frames came\n"
+                                  "replay: not in the rest of the log, 1 times: 00 00\n"));
+}
+
+TEST_F(SimProgram, SumsUpInJson)
+{
+    write_file("image.hex", image);
+    serve("--table one.txt --json --pace --memory image.hex --check image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    const QJsonObject summary = QJsonDocument::fromJson(output()).object();
+    EXPECT_EQ(summary.value(QStringLiteral("commands")).toObject().size(), 7);
+    EXPECT_TRUE(summary.contains(QStringLiteral("pace")));
+    EXPECT_TRUE(summary.value(QStringLiteral("check"))
+                    .toObject()
+                    .value(QStringLiteral("matches"))
+                    .toBool());
+}
+
+TEST_F(SimProgram, RunsACommandOnItsPortAndEndsAsItDoes)
+{
+    start_shell("--table one.txt --exec", "echo {} is {}; echo oops >&2; exit 7");
+    EXPECT_EQ(exit_status(), 7);
+    const QList<QByteArray> lines = output().split('\n');
+    EXPECT_TRUE(lines[0].startsWith("/dev/"));
+    EXPECT_EQ(lines[1], lines[0] + " is " + lines[0]);
+    EXPECT_EQ(lines.mid(2).join('\n'), idle_summary);
+    EXPECT_EQ(errors(), "oops\n");
+}
+
+TEST_F(SimProgram, HearsTheLastWordOfACommand)
+{
+    start_shell("--table one.txt --entry silent --json --exec", "printf 12345 > {}");
+    EXPECT_EQ(exit_status(), 0);
+    EXPECT_TRUE(output().contains("\"bytes_from_host\":5,"));
+}
+
+TEST_F(SimProgram, HearsTheLastWordOfACommandOnAPacedLineToo)
+{
+    start_shell("--table one.txt --entry silent --json --pace --exec",
+                "stty -F {} 300; printf 12345 > {}");
+    EXPECT_EQ(exit_status(), 0);
+    EXPECT_TRUE(output().contains("\"bytes_from_host\":5,"));
+}
+
+TEST_F(SimProgram, EndsAsACommandThatASignalKilled)
+{
+    start_shell("--table one.txt --exec", "kill -KILL $$");
+    EXPECT_EQ(exit_status(), 128 + SIGKILL);
+    start_shell("--table one.txt --exec", "kill -TERM $$; sleep 60");
+    EXPECT_EQ(exit_status(), 128 + SIGTERM);
+}
+
+TEST_F(SimProgram, StopsItsCommandWhenItIsStopped)
+{
+    start_shell("--table one.txt --exec", "echo ready; exec sleep 60");
+    read_line();
+    EXPECT_EQ(read_line(), "ready\n");
+    EXPECT_EQ(stop_by(SIGINT), 128 + SIGTERM);
+    EXPECT_EQ(output(), idle_summary);
+}
+
+TEST_F(SimProgram, MakesAStubbornCommandEndAtTheSecondTime)
+{
+    start_shell("--table one.txt --exec",
+                "trap 'echo no' TERM; echo ready; for i in 1 2 3; do sleep 5 & wait; done");
+    read_line();
+    EXPECT_EQ(read_line(), "ready\n");
+    EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
+    EXPECT_EQ(read_line(), "no\n");
+    EXPECT_EQ(stop_by(SIGTERM), 128 + SIGKILL);
+}
+
+TEST_F(SimProgram, FailsWhenItsCommandCannotBeStarted)
+{
+    start("--table one.txt --exec -- ./no-such-tool {}");
+    EXPECT_EQ(exit_status(), 1);
+    EXPECT_TRUE(errors().startsWith("zserial-sim: cannot start ./no-such-tool: "));
+    EXPECT_TRUE(output().endsWith(idle_summary));
+}
+
+TEST_F(SimProgram, FailsWhenTheCommandIsFineButTheCheckIsNot)
+{
+    write_file("image.hex", image);
+    start_shell("--table one.txt --check image.hex --exec", "exit 0");
+    EXPECT_EQ(exit_status(), 1);
+    start_shell("--table one.txt --check image.hex --exec", "exit 3");
+    EXPECT_EQ(exit_status(), 3);
+    start_shell("--table one.txt --memory image.hex --check image.hex --exec", "exit 0");
+    EXPECT_EQ(exit_status(), 0);
 }
 
 TEST_F(SimProgram, ListsTheDevices)
@@ -218,6 +385,18 @@ TEST_F(SimProgram, RefusesWhatItCannotDo)
 {
     const std::vector<std::pair<const char*, QByteArray>> refusals = {
         {"--unknown", "zserial-sim: Unknown option 'unknown'.\n"},
+        {"--fault noise=2", "zserial-sim: --fault noise=2: '2' is no probability from 0 to 1\n"},
+        {"--exec", "zserial-sim: --exec needs a command: --exec -- COMMAND {} ...\n"},
+        {"--table one.txt --fault stuck-bits:0x10000:1:1",
+         "zserial-sim: --fault stuck-bits: the device has no memory at 0x00010000\n"},
+        {"--table one.txt --link one.txt",
+         "zserial-sim: --link one.txt: something else is there\n"},
+        {"--table one.txt --trace nowhere/trace",
+         "zserial-sim: --trace nowhere/trace: cannot write there\n"},
+        {"--table one.txt --replay missing",
+         "zserial-sim: --replay missing: cannot read the log\n"},
+        {"--table one.txt --state one.txt",
+         "zserial-sim: one.txt holds no whole state of device 0123\n"},
         {"--entry loud", "zserial-sim: 'loud' is no --entry behaviour: probe, version or silent\n"},
         {"", "zserial-sim: the table ./device.txt has several devices: choose with --device "
              "(--list shows them)\n"},

@@ -1,44 +1,59 @@
 #include "sim/Tally.h"
 
+#include "tests/sim/SampleDevice.h"
+
 #include <gtest/gtest.h>
 
 using sim::Command;
-using sim::DeviceMemory;
 using sim::Tally;
+using sim_test::bytes;
 
 TEST(SimTally, CountsCommandsByKind)
 {
     Tally tally;
-    int times = 0;
-    using Kind = Command::Kind;
-    for (const Kind kind : {Kind::Probe, Kind::Version, Kind::Reset, Kind::Read, Kind::Write,
-                            Kind::Erase, Kind::Unknown}) {
+    unsigned int times = 0;
+    for (const Command::Kind kind : sim::command_kinds) {
         ++times;
-        for (int i = 0; i < times; ++i) {
+        for (unsigned int i = 0; i < times; ++i) {
             Command command;
             command.kind = kind;
-            command.refused = kind == Kind::Read && i > 0;
+            command.refused = kind == Command::Kind::Read && i > 0;
             tally.count(command);
         }
     }
-    DeviceMemory::Statistics statistics;
-    statistics.pages_erased = 8;
-    statistics.flash_rows_programmed = 9;
-    statistics.cells_programmed_without_erase = 10;
-    statistics.eeprom_writes = 11;
-    const QStringList expected = {
-        QStringLiteral("commands: 1 probe, 2 version, 3 reset, 4 read, 5 write, 6 erase, "
-                       "7 unknown; 3 refused"),
-        QStringLiteral(
-            "flash: 8 pages erased, 9 rows programmed, 10 cells programmed without erase"),
-        QStringLiteral("EEPROM: 11 writes"),
-    };
-    EXPECT_EQ(tally.summary(statistics), expected);
+    unsigned int expected = 0;
+    for (const Command::Kind kind : sim::command_kinds) {
+        EXPECT_EQ(tally.number_of(kind), ++expected) << name_of(kind);
+    }
+    EXPECT_EQ(tally.refused(), 3U);
 }
 
 TEST(SimTally, StartsAtZero)
 {
-    EXPECT_EQ(Tally().summary({}).first(),
-              QStringLiteral("commands: 0 probe, 0 version, 0 reset, 0 read, 0 write, 0 erase, "
-                             "0 unknown; 0 refused"));
+    const Tally tally;
+    EXPECT_EQ(tally.number_of(Command::Kind::Probe), 0U);
+    EXPECT_EQ(tally.refused(), 0U);
+    EXPECT_EQ(tally.repeated(), 0U);
+}
+
+TEST(SimTally, CountsFramesThatComeAgainAtOnce)
+{
+    Tally tally;
+    const Command version = {Command::Kind::Version, bytes("00 02")};
+    const Command erase = {Command::Kind::Erase, bytes("03 01 00 08 00")};
+    for (const Command& command : {version, erase, erase, erase, version, erase}) {
+        tally.count(command);
+    }
+    EXPECT_EQ(tally.repeated(), 2U);
+}
+
+TEST(SimTally, DoesNotCountProbesAsRepeated)
+{
+    Tally tally;
+    const Command probe = {Command::Kind::Probe, "U"};
+    const Command version = {Command::Kind::Version, bytes("00 02")};
+    for (const Command& command : {probe, probe, version, probe, version}) {
+        tally.count(command);
+    }
+    EXPECT_EQ(tally.repeated(), 1U);
 }

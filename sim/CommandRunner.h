@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+#include <QStringList>
+
+namespace sim
+{
+
+/// Runs the user's command on the port. Its input and output are those of this program.
+class CommandRunner : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `command` is the program and its arguments; every {} in them stands for the port's path.
+    CommandRunner(const QStringList& command, const QString& port_path);
+
+    void start();
+    /// Asks the command to end; when asked for the second time, makes it end.
+    void stop();
+
+Q_SIGNALS:
+    /// The command has ended; `status` is what a shell would say: its own, or 128 and the number of
+    /// the signal that killed it.
+    void ended(int status);
+    void not_started(const QString& reason);
+
+private:
+    /// A child that takes the signals which this process has reserved for itself.
+    class Process : public QProcess
+    {
+    protected:
+        void setupChildProcess() override;
+    };
+
+    void tell_end(int code, QProcess::ExitStatus status);
+    void tell_error(QProcess::ProcessError error);
+
+    Process m_process;
+    bool m_asked = false;
+};
+
+} // namespace sim

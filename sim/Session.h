@@ -1,0 +1,63 @@
+#pragma once
+
+#include "sim/Arguments.h"
+#include "sim/CommandRunner.h"
+#include "sim/DeviceTable.h"
+#include "sim/MemoryImage.h"
+#include "sim/PortLink.h"
+#include "sim/StateFile.h"
+#include "sim/StopSignals.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace sim
+{
+
+/// How the program ends.
+enum ExitStatus {
+    ExitGood = 0,
+    ExitFailed = 1, ///< the check failed, the command did not start, a file can't be written
+    ExitCannot = 2, ///< the command line can't be carried out
+};
+
+/// One run of the program: a device served from its table to its summary. Prints on standard output
+/// and complains on standard error.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Makes everything ready. Throws an exception that tells the user what can't be done.
+    explicit Session(const Arguments& arguments);
+
+    /// Serves until the command ends or somebody stops the program; returns the exit status.
+    int run();
+
+private:
+    void prepare_memory();
+    void start_command();
+    void stop();
+    void end_command(int status);
+    void leave_when_quiet();
+    bool check_and_sum_up();
+    bool save();
+
+    Arguments m_arguments;
+    DeviceTable m_table;
+    const Profile& m_profile;
+    Rig m_rig;
+    std::optional<StateFile> m_state;
+    std::optional<MemoryImage> m_expected;
+    StopSignals m_signals;
+    std::unique_ptr<PortLink> m_link;
+    std::unique_ptr<CommandRunner> m_command;
+    QTimer m_quiet;
+    int m_heard_before = 0; ///< bytes, when it was last looked whether all is quiet
+    int m_status = ExitGood;
+};
+
+} // namespace sim

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+namespace sim
+{
+
+class DeviceMemory;
+
+/// A device's memory between two runs: a text file with a title that names the device, a line for
+/// each sixteen or fewer bytes that are not erased, and an end. Unlike an Intel HEX file it holds
+/// every address that a device can have, and the whole of it or nothing.
+class StateFile
+{
+public:
+    /// `version` is the device's; the state of another one is refused.
+    StateFile(const QString& path, unsigned int version) : m_path(path), m_version(version) {}
+
+    /// Presets the memory; a file that does not exist leaves it alone. Throws ImageError when the
+    /// file can't be read, is not whole, or belongs to another device.
+    void load(DeviceMemory& memory) const;
+    /// Replaces the file, or leaves it as it was and throws ImageError.
+    void save(const DeviceMemory& memory) const;
+
+private:
+    QString m_path;
+    unsigned int m_version;
+};
+
+} // namespace sim

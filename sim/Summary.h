@@ -1,0 +1,48 @@
+#pragma once
+
+#include "sim/DeviceMemory.h"
+#include "sim/FaultKind.h"
+#include "sim/Lateness.h"
+#include "sim/MemoryImage.h"
+#include "sim/Replay.h"
+#include "sim/Tally.h"
+
+#include <QJsonObject>
+#include <QStringList>
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace sim
+{
+
+/// What is told of a device's run when it is over.
+struct Summary {
+    struct Replayed {
+        int matched = 0;
+        int recorded = 0;
+        std::vector<Replay::Unmatched> unmatched;
+    };
+
+    Tally commands;
+    unsigned int dropped_frames = 0;
+    qint64 bytes_from_host = 0;
+    qint64 bytes_to_host = 0;
+    DeviceMemory::Statistics memory;
+    /// Set when there were faults to inject.
+    std::optional<std::uint64_t> seed;
+    std::map<FaultKind, unsigned int> faults;
+    /// Set when the line was paced.
+    std::optional<Lateness> lateness;
+    std::optional<Replayed> replayed;
+    std::optional<MemoryImage::Comparison> check;
+};
+
+/// For a reader.
+QStringList text_of(const Summary& summary);
+/// For a program.
+QJsonObject json_of(const Summary& summary);
+
+} // namespace sim

@@ -1,0 +1,104 @@
+#include "sim/Summary.h"
+
+namespace sim
+{
+
+namespace
+{
+
+/// The first of many are enough to see what a host did that the recorded one had not done.
+constexpr std::size_t unmatched_shown = 10;
+
+QString command_line(const Tally& commands)
+{
+    QStringList numbers;
+    for (const Command::Kind kind : command_kinds) {
+        numbers.append(QStringLiteral("%1 %2").arg(QString::number(commands.number_of(kind)),
+                                                   QString::fromLatin1(name_of(kind))));
+    }
+    return QStringLiteral("commands: %1; %2 refused, %3 repeated")
+        .arg(numbers.join(QStringLiteral(", ")))
+        .arg(commands.refused())
+        .arg(commands.repeated());
+}
+
+QString line_line(const Summary& summary)
+{
+    return QStringLiteral("line: %1 bytes from the host, %2 to the host, %3 frames dropped")
+        .arg(summary.bytes_from_host)
+        .arg(summary.bytes_to_host)
+        .arg(summary.dropped_frames);
+}
+
+QStringList memory_lines(const DeviceMemory::Statistics& memory)
+{
+    return {
+        QStringLiteral("flash: %1 pages erased, %2 rows programmed, "
+                       "%3 cells programmed without erase")
+            .arg(memory.pages_erased)
+            .arg(memory.flash_rows_programmed)
+            .arg(memory.cells_programmed_without_erase),
+        QStringLiteral("EEPROM: %1 writes").arg(memory.eeprom_writes),
+    };
+}
+
+QString fault_line(const Summary& summary)
+{
+    QStringList numbers;
+    for (const auto& [kind, count] : summary.faults) {
+        numbers.append(QStringLiteral("%1 %2").arg(QString::number(count),
+                                                   QString::fromLatin1(name_of(kind))));
+    }
+    const QString list =
+        numbers.isEmpty() ? QStringLiteral("none") : numbers.join(QStringLiteral(", "));
+    return QStringLiteral("faults with seed %1: %2").arg(QString::number(*summary.seed), list);
+}
+
+QString lateness_line(const Lateness& lateness)
+{
+    return QStringLiteral("pace: last bytes late by %1 us in the mean and %2 us at most, of %3")
+        .arg(lateness.mean_ns() / 1000)
+        .arg(lateness.most_ns() / 1000)
+        .arg(lateness.count());
+}
+
+QStringList replay_lines(const Summary::Replayed& replayed)
+{
+    QStringList lines = {QStringLiteral("replay: %1 of %2 recorded frames came")
+                             .arg(replayed.matched)
+                             .arg(replayed.recorded)};
+    for (std::size_t i = 0; i < replayed.unmatched.size() && i < unmatched_shown; ++i) {
+        const Replay::Unmatched& unmatched = replayed.unmatched[i];
+        lines.append(QStringLiteral("replay: not in the rest of the log, %1 times: %2")
+                         .arg(QString::number(unmatched.times),
+                              QString::fromLatin1(unmatched.payload.toHex(' '))));
+    }
+    if (replayed.unmatched.size() > unmatched_shown) {
+        lines.append(QStringLiteral("replay: and %1 others")
+                         .arg(replayed.unmatched.size() - unmatched_shown));
+    }
+    return lines;
+}
+
+} // namespace
+
+QStringList text_of(const Summary& summary)
+{
+    QStringList lines = {command_line(summary.commands), line_line(summary)};
+    lines += memory_lines(summary.memory);
+    if (summary.seed) {
+        lines += fault_line(summary);
+    }
+    if (summary.lateness) {
+        lines += lateness_line(*summary.lateness);
+    }
+    if (summary.replayed) {
+        lines += replay_lines(*summary.replayed);
+    }
+    if (summary.check) {
+        lines += summary.check->report;
+    }
+    return lines;
+}
+
+} // namespace sim
