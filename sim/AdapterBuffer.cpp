@@ -9,7 +9,7 @@ QByteArray AdapterBuffer::add(const QByteArray& bytes, qint64 now_ns)
         return bytes;
     }
     m_rest.append(bytes);
-    const QByteArray full = m_rest.left(m_rest.size() / packet_size * packet_size);
+    QByteArray full = m_rest.left(m_rest.size() / packet_size * packet_size);
     m_rest.remove(0, full.size());
     if (m_rest.isEmpty()) {
         m_deadline_ns.reset();

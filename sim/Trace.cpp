@@ -24,7 +24,7 @@ qint64 data_size(const Profile& profile, const Command& command)
         return command.data().size();
     }
     const MemoryGeometry memory = geometry_of(profile, command.is_eeprom());
-    return static_cast<qint64>(command.count() * memory.word_size);
+    return qint64{command.count()} * static_cast<qint64>(memory.word_size);
 }
 
 QStringList access_fields(const Profile& profile, const Command& command)
