@@ -46,7 +46,7 @@ struct Effect {
     Sent expected;
 };
 
-class Effects : public testing::TestWithParam<Effect>
+class SimFaultEffects : public testing::TestWithParam<Effect>
 {
 };
 
@@ -64,7 +64,7 @@ TEST(SimFaultyReply, IsTheAnswerWithoutFaults)
     EXPECT_THAT(reply.applied, IsEmpty());
 }
 
-TEST_P(Effects, AreWhatTheirNamesSay)
+TEST_P(SimFaultEffects, AreWhatTheirNamesSay)
 {
     const FaultyReply reply = apply_to_reply(read_command, answer, {GetParam().fault});
     EXPECT_EQ(sent(reply), GetParam().expected);
@@ -72,7 +72,7 @@ TEST_P(Effects, AreWhatTheirNamesSay)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Sim, Effects,
+    Sim, SimFaultEffects,
     testing::Values(
         Effect{"Lose", fault(FaultKind::LoseResponse), {}},
         Effect{"CorruptTheFirstByte",

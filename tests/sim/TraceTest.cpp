@@ -21,7 +21,7 @@ struct Line {
     const char* expected;
 };
 
-class TraceLines : public testing::TestWithParam<Line>
+class SimTraceLines : public testing::TestWithParam<Line>
 {
 };
 
@@ -49,7 +49,7 @@ Command ignored(Command command)
 
 } // namespace
 
-TEST_P(TraceLines, TellEverythingOfACommand)
+TEST_P(SimTraceLines, TellEverythingOfACommand)
 {
     const auto profile = sample_profile();
     EXPECT_EQ(trace_line(*profile, GetParam().command, GetParam().outcome).toStdString(),
@@ -59,7 +59,7 @@ TEST_P(TraceLines, TellEverythingOfACommand)
 using Kind = Command::Kind;
 
 INSTANTIATE_TEST_SUITE_P(
-    Sim, TraceLines,
+    Sim, SimTraceLines,
     testing::Values(
         Line{"Probe",
              command(Kind::Probe, "55", 9600),
