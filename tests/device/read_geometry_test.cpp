@@ -81,6 +81,13 @@ TEST_P(ReadOfBadEeprom, DoesNotMatterForARangeInFlash)
 
 INSTANTIATE_TEST_SUITE_P(, ReadOfBadEeprom, bad_eeprom, device_name);
 
+TEST(ReadOfADeviceWithoutBlockSize, NamesTheAttributeForARangeThatOnlyEndsInFlash)
+{
+    ReadBench bench(zero_flash_block.device);
+    EXPECT_FALSE(bench.read_range(0x50, 0x200));
+    EXPECT_EQ(bench.line.recorder.lines(), zero_flash_block.message());
+}
+
 // No address of its flash is a multiple of the block, so ranges in it are refused for that.
 TEST(ReadOfABlockThatReachesAboveFlash, NamesTheAttribute)
 {

@@ -243,6 +243,18 @@ TEST_P(EmptyRanges, FailSilently)
 
 INSTANTIATE_TEST_SUITE_P(ReadRange, EmptyRanges, testing::ValuesIn(empty_ranges), row_name);
 
+TEST(ReadRange, WritesTheFileInPiecesOf16Bytes)
+{
+    ReadBench bench("small");
+    bench.line.simulated.memory().preset(0x1000, counting(0x30));
+    EXPECT_TRUE(bench.read_range(0x1006, 0x1019));
+    EXPECT_EQ(bench.target.text(), ":020000040000FA\n"
+                                   ":10100600060708090A0B0C0D0E0F10111213141502\n"
+                                   ":020000040000FA\n"
+                                   ":0310160016171892\n"
+                                   ":00000001FF\n");
+}
+
 TEST(ReadRange, StopsAtAFlashRowThatCannotBeRead)
 {
     ReadBench bench("small");
