@@ -70,9 +70,8 @@ bool put(QFileDevice& file, const QByteArray& text)
     return file.write(text) == text.size();
 }
 
-/// Ends the file that took the `complete` text or not; whether all of it has arrived. That a disk
-/// had room for a part of a block only shows in no error state of the file, but in what writing and
-/// flushing return.
+/// Ends the file that took the `complete` text or not; whether all of it has arrived. commit()
+/// alone does not notice when the disk takes only a part of what was still buffered.
 bool finish(QFileDevice& file, bool complete)
 {
     const bool arrived = complete && file.flush();
