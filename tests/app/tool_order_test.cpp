@@ -138,6 +138,17 @@ TEST_F(ToolOrder, EndsAtAFailedRead)
                                       Commands(attempts, read_flash(0x60))));
 }
 
+TEST_F(ToolOrder, EndsAtAFailedRangedRead)
+{
+    reply_from(1, frame("02"));
+    EXPECT_EQ(operate("-W 0x40 0x60 a.hex -l 0x40 0x60 out.hex -v b.hex -R"),
+              failed(progress({0, 100}) + given_up_on_wrong_answers() +
+                     "read() at 00000040 could not be performed\n"
+                     "Now writingMemory range written!\n"
+                     "Failed to read memory range, aborting...\n"));
+    EXPECT_EQ(commands_of(m_device), Commands{m_write_a} + Commands(attempts, read_flash(0x40)));
+}
+
 TEST_F(ToolOrder, EndsAtAFailedVerification)
 {
     EXPECT_EQ(operate("-e -l 0x40 0x60 out.hex -v b.hex -R"),
