@@ -1,11 +1,10 @@
 #pragma once
 
+#include "sim/Alarm.h"
 #include "sim/PacedQueue.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QObject>
-#include <QTimer>
 
 #include <list>
 
@@ -30,29 +29,29 @@ public:
     /// The line must outlive the outbox.
     explicit Outbox(Line& line);
 
-    /// A piece due now with nothing before it goes out at once. One that is `apart` is held back
-    /// until the host has read everything before it, so that no single read of the host returns
-    /// both; a host that does not read at all gets it after a while all the same.
-    void post(const Piece& piece, int delay_ms, bool apart);
+    /// `due_ns` is by the clock of Alarm. A piece that is due with nothing before it goes out at
+    /// once. One that is `apart` is held back until the host has read everything before it, so that
+    /// no single read of the host returns both; a host that does not read at all gets it after a
+    /// while all the same.
+    void post(const Piece& piece, qint64 due_ns, bool apart);
     /// Drops everything that has not gone out.
     void clear();
 
 private:
     struct Entry {
         Piece piece;
-        qint64 due_ms;
+        qint64 due_ns;
         bool apart;
         int looks; ///< at whether it may go yet
     };
 
     void send_due();
-    int time_until(Entry& entry) const;
+    qint64 next_chance(Entry& entry, qint64 now_ns) const;
 
     Line& m_line;
     std::list<Entry> m_entries;
-    QElapsedTimer m_clock;
-    qint64 m_last_write_ms = 0;
-    QTimer m_timer;
+    qint64 m_last_write_ns = 0;
+    Alarm m_alarm;
 };
 
 } // namespace sim

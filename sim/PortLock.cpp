@@ -1,13 +1,37 @@
 #include "sim/PortLock.h"
 
-#include <QLockFile>
+#include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <unistd.h>
 
 namespace sim
 {
+
+namespace
+{
+
+/// The first line of a lock names the process that made it.
+bool is_left_by_the_dead(const QString& lock)
+{
+    QFile file(lock);
+    bool converted = false;
+    const int process =
+        file.open(QIODevice::ReadOnly) ? file.readLine().trimmed().toInt(&converted) : 0;
+    return converted && process > 0 && ::kill(process, 0) != 0 && errno == ESRCH;
+}
+
+/// A program that wants the port removes the lock of a dead one, if it is allowed to.
+bool is_in_force(const QString& lock)
+{
+    const bool can_be_removed = QFileInfo(lock).ownerId() == ::geteuid();
+    return QFile::exists(lock) && !(can_be_removed && is_left_by_the_dead(lock));
+}
+
+} // namespace
 
 QStringList port_lock_folders()
 {
@@ -28,27 +52,12 @@ QString port_lock_name(const QString& port_path)
     return QStringLiteral("LCK..") + name.replace(QLatin1Char('/'), QLatin1Char('_'));
 }
 
-namespace
-{
-
-/// A lock whose owner has died is only a file left behind: hosts pass it over.
-bool is_held(const QString& lock_file)
-{
-    qint64 owner = 0;
-    QString host;
-    QString program;
-    return QLockFile(lock_file).getLockInfo(&owner, &host, &program) &&
-           (::kill(static_cast<pid_t>(owner), 0) == 0 || errno == EPERM);
-}
-
-} // namespace
-
 bool has_port_lock(const QString& port_path)
 {
     const QString name = port_lock_name(port_path);
     const QStringList folders = port_lock_folders();
     return std::any_of(folders.begin(), folders.end(), [&name](const QString& folder) {
-        return is_held(folder + QLatin1Char('/') + name);
+        return is_in_force(folder + QLatin1Char('/') + name);
     });
 }
 

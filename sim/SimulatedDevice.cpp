@@ -11,6 +11,8 @@ namespace sim
 namespace
 {
 
+constexpr qint64 ns_per_ms = 1000000;
+
 LineOptions line_options(const Options& options)
 {
     return {options.paced, options.latency_ms, options.echo == Options::Echo::Together};
@@ -26,7 +28,6 @@ SimulatedDevice::SimulatedDevice(const Profile& profile, Options options)
       m_line(line_options(options)),
       m_outbox(m_line)
 {
-    m_clock.start();
     connect(&m_line, &Line::received, this, &SimulatedDevice::hear);
 }
 
@@ -61,24 +62,27 @@ void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
 {
     m_heard.append(bytes);
     const QByteArray got_through = m_request_filter ? m_request_filter(bytes) : bytes;
+    const qint64 now_ns = Alarm::now_ns();
     std::vector<Reply> replies;
     for (Exchange& exchange : m_bootloader.hear(got_through, baud)) {
-        replies.push_back(reply_to(exchange));
+        replies.push_back(reply_to(exchange, now_ns));
     }
     if (m_options.echo != Options::Echo::None) {
-        echo(bytes, baud, replies);
+        echo({bytes, baud, bytes.size()}, now_ns, replies);
     }
     for (const Reply& reply : replies) {
         post(reply);
     }
 }
 
-SimulatedDevice::Reply SimulatedDevice::reply_to(Exchange& exchange)
+/// A device does one thing after the other; what it is asked meanwhile waits its turn.
+SimulatedDevice::Reply SimulatedDevice::reply_to(Exchange& exchange, qint64 now_ns)
 {
     exchange.command.sequence = static_cast<unsigned int>(m_commands.size());
     m_commands.push_back(exchange.command);
     Q_EMIT command_received(exchange.command);
-    return {exchange.command.baud, wait_for_work(work_ms(exchange)), deliveries_for(exchange)};
+    m_busy_until_ns = std::max(m_busy_until_ns, now_ns) + work_ms(exchange) * ns_per_ms;
+    return {exchange.command.baud, now_ns, m_busy_until_ns, deliveries_for(exchange)};
 }
 
 std::vector<Delivery> SimulatedDevice::deliveries_for(const Exchange& exchange) const
@@ -105,30 +109,21 @@ int SimulatedDevice::work_ms(const Exchange& exchange) const
     }
 }
 
-/// A device does one thing after the other; what it is asked meanwhile waits its turn.
-int SimulatedDevice::wait_for_work(int work_ms)
-{
-    const qint64 now_ms = m_clock.elapsed();
-    m_busy_until_ms = std::max(m_busy_until_ms, now_ms) + work_ms;
-    return static_cast<int>(m_busy_until_ms - now_ms);
-}
-
 /// The echo of bytes in which several commands came together precedes the answers to all of them.
-void SimulatedDevice::echo(const QByteArray& bytes, unsigned int baud,
-                           const std::vector<Reply>& replies)
+void SimulatedDevice::echo(const Piece& heard, qint64 now_ns, const std::vector<Reply>& replies)
 {
     const bool answered_at_once = std::any_of(
         replies.begin(), replies.end(), [](const Reply& reply) { return reply.is_immediate(); });
     if (m_options.echo == Options::Echo::Together && answered_at_once) {
-        m_held_echo = bytes;
+        m_held_echo = heard.bytes;
     } else {
-        m_outbox.post({bytes, baud, bytes.size()}, 0, false);
+        m_outbox.post(heard, now_ns, false);
     }
 }
 
 bool SimulatedDevice::Reply::is_immediate() const
 {
-    return work_ms == 0 && !deliveries.empty() && deliveries.front().delay_ms <= 0;
+    return ready_ns == heard_ns && !deliveries.empty() && deliveries.front().delay_ms <= 0;
 }
 
 void SimulatedDevice::post(const Reply& reply)
@@ -142,7 +137,8 @@ void SimulatedDevice::post(const Reply& reply)
             m_held_echo.clear();
         }
         is_first = false;
-        m_outbox.post(piece, std::max(delivery.delay_ms, 0) + reply.work_ms, apart);
+        const qint64 delay_ns = std::max(delivery.delay_ms, 0) * ns_per_ms;
+        m_outbox.post(piece, reply.ready_ns + delay_ns, apart);
     }
 }
 

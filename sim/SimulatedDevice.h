@@ -102,18 +102,18 @@ private:
     /// What goes out for one command.
     struct Reply {
         unsigned int baud = 0;
-        int work_ms = 0;
+        qint64 heard_ns = 0; ///< when the device had heard the command, by the clock of Alarm
+        qint64 ready_ns = 0; ///< when it is done with it
         std::vector<Delivery> deliveries;
 
         bool is_immediate() const;
     };
 
     void hear(const QByteArray& bytes, unsigned int baud);
-    Reply reply_to(Exchange& exchange);
+    Reply reply_to(Exchange& exchange, qint64 now_ns);
     std::vector<Delivery> deliveries_for(const Exchange& exchange) const;
     int work_ms(const Exchange& exchange) const;
-    int wait_for_work(int work_ms);
-    void echo(const QByteArray& bytes, unsigned int baud, const std::vector<Reply>& replies);
+    void echo(const Piece& heard, qint64 now_ns, const std::vector<Reply>& replies);
     void post(const Reply& reply);
 
     const Profile& m_profile;
@@ -126,9 +126,8 @@ private:
     RequestFilter m_request_filter;
     std::vector<Command> m_commands;
     QByteArray m_heard;
-    QByteArray m_held_echo; ///< goes out in front of the next answer
-    QElapsedTimer m_clock;
-    qint64 m_busy_until_ms = 0; ///< by the clock: the device works on what it was asked
+    QByteArray m_held_echo;     ///< goes out in front of the next answer
+    qint64 m_busy_until_ns = 0; ///< with what it was asked before
 };
 
 } // namespace sim

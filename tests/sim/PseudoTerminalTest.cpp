@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -178,41 +177,61 @@ TEST_F(SimPseudoTerminal, KnowsTheLockThatAHostPutsOnItsPort)
 namespace
 {
 
-QString writable_lock_folder()
+/// A lock file for a port that nobody has, as a program with these contents in mind leaves it.
+class LockFile
 {
-    const QStringList folders = port_lock_folders();
-    const auto writable = std::find_if(folders.begin(), folders.end(), [](const QString& folder) {
-        return QFileInfo(folder).isWritable();
-    });
-    return writable == folders.end() ? QString() : *writable;
-}
+public:
+    explicit LockFile(const QString& port_path)
+    {
+        const QStringList folders = port_lock_folders();
+        const auto writable =
+            std::find_if(folders.begin(), folders.end(),
+                         [](const QString& folder) { return QFileInfo(folder).isWritable(); });
+        EXPECT_NE(writable, folders.end());
+        m_file.setFileName(*writable + QLatin1Char('/') + port_lock_name(port_path));
+    }
 
-QString lock_file_of(const QString& port_path)
-{
-    return writable_lock_folder() + QLatin1Char('/') + port_lock_name(port_path);
-}
+    ~LockFile() { EXPECT_TRUE(m_file.remove()); }
+
+    LockFile(const LockFile&) = delete;
+    LockFile& operator=(const LockFile&) = delete;
+    LockFile(LockFile&&) = delete;
+    LockFile& operator=(LockFile&&) = delete;
+
+    void write(const QByteArray& content)
+    {
+        EXPECT_TRUE(m_file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        m_file.write(content);
+        m_file.close();
+    }
+
+private:
+    QFile m_file;
+};
 
 } // namespace
 
-// The system gives the lowest number that is free, which is the one just given back.
 TEST(SimPseudoTerminals, PassOverAPortThatIsStillLocked)
 {
     auto terminal = std::make_unique<PseudoTerminal>();
     const QString path = terminal->path();
-    QLockFile lock(lock_file_of(path));
-    ASSERT_TRUE(lock.tryLock());
+    LockFile lock(path);
+    lock.write(QByteArray::number(QCoreApplication::applicationPid()) + '\n');
     terminal.reset();
+    // The system gives the lowest number that is free, which is the one just given back.
     terminal = std::make_unique<PseudoTerminal>();
     EXPECT_NE(terminal->path(), path);
 }
 
-TEST(SimPseudoTerminals, TakeALockForReleasedWhenItsOwnerHasDied)
+TEST_F(SimPseudoTerminal, DoesNotMindTheLockOfADeadProgram)
 {
-    const PseudoTerminal terminal;
-    QFile lock(lock_file_of(terminal.path()));
-    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-    lock.write("2147483647\nnobody\n\n"); // more than process numbers go up to
-    lock.close();
+    LockFile lock(terminal.path());
+    lock.write("2147483647\ntool\nhost\n"); // a number that no process can have
     EXPECT_FALSE(has_port_lock(terminal.path()));
-    EXPECT_TRUE(lock.remove());
+    lock.write(QByteArray::number(QCoreApplication::applicationPid()) + "\ntool\nhost\n");
+    EXPECT_TRUE(has_port_lock(terminal.path()));
+    for (const char* unreadable : {"", "tool\n", "0\n", "-1\n"}) {
+        lock.write(unreadable);
+        EXPECT_TRUE(has_port_lock(terminal.path())) << unreadable;
+    }
 }
