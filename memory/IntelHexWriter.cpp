@@ -1,14 +1,12 @@
 #include "memory/AddressedBLOB.h"
 #include "memory/MemoryMap.h"
+#include "util/WholeFile.h"
 
 #include <QDebug>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
+#include <QFileDevice>
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace
 {
@@ -52,36 +50,9 @@ void append_extended_linear_address_record(QByteArray& text, unsigned int addres
     append_record(text, IntelHexFileRecordType::ExtendedLinearAddress, 0, upper.data(), 2);
 }
 
-/// A file is replaced as a whole once everything is written, so that a full disk leaves what was
-/// there before. What is no regular file (a pipe, a terminal) can only be written in place.
-std::unique_ptr<QFileDevice> target_for(const QString& path)
-{
-    const QFileInfo existing(path);
-    if (existing.exists() && !existing.isFile()) {
-        return std::make_unique<QFile>(path);
-    }
-    auto file = std::make_unique<QSaveFile>(path);
-    file->setDirectWriteFallback(true); // for a writable file in a folder that is not
-    return file;
-}
-
 bool put(QFileDevice& file, const QByteArray& text)
 {
     return file.write(text) == text.size();
-}
-
-/// Ends the file that took the `complete` text or not; whether all of it has arrived. commit()
-/// alone does not notice when the disk takes only a part of what was still buffered.
-bool finish(QFileDevice& file, bool complete)
-{
-    const bool arrived = complete && file.flush();
-    if (auto* replacement = qobject_cast<QSaveFile*>(&file)) {
-        if (!arrived) {
-            replacement->cancelWriting();
-        }
-        return replacement->commit();
-    }
-    return arrived;
 }
 
 } // namespace
@@ -141,16 +112,15 @@ bool AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short uppe
 
 bool MemoryMap::save_to_hex_file(QString path) const
 {
-    const std::unique_ptr<QFileDevice> file = target_for(path);
-    if (file->open(QIODevice::WriteOnly)) {
-        const auto write_content = [&](const auto& blob) {
-            return blob->write_content_to_file(*file, 0xFFFF);
+    const auto write = [this](QFileDevice& file) {
+        const auto write_content = [&file](const auto& blob) {
+            return blob->write_content_to_file(file, 0xFFFF);
         };
-        const bool complete = std::all_of(m_blobs.begin(), m_blobs.end(), write_content) &&
-                              AddressedBLOB(m_chunk_size).write_eof_to_file(*file);
-        if (finish(*file, complete)) {
-            return true;
-        }
+        return std::all_of(m_blobs.begin(), m_blobs.end(), write_content) &&
+               AddressedBLOB(m_chunk_size).write_eof_to_file(file);
+    };
+    if (Util::write_whole_file(path, write)) {
+        return true;
     }
     qDebug() << QStringLiteral("MemoryMap::save_to_hex_file(): could not open file '%1' for "
                                "writing")

@@ -3,8 +3,9 @@
 #include "memory/AddressedBLOB.h"
 #include "sim/DeviceMemory.h"
 #include "util/Util.h"
+#include "util/WholeFile.h"
 
-#include <QSaveFile>
+#include <QFileDevice>
 
 #include <algorithm>
 
@@ -36,7 +37,7 @@ QString difference_text(const QString& path, unsigned int address, char in_memor
 }
 
 /// The records of one stretch, each within one 64 KiB segment as readers of such files expect.
-void write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
+bool write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
 {
     const auto size = static_cast<unsigned int>(stretch.bytes.size());
     for (unsigned int done = 0; done < size;) {
@@ -44,10 +45,22 @@ void write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsi
         blob.address = stretch.address + done;
         const unsigned int piece = std::min(size - done, 0x10000U - (blob.address & 0xFFFFU));
         blob.write(0, piece, stretch.bytes.constData() + done);
-        blob.write_content_to_file(file, upper);
+        if (!blob.write_content_to_file(file, upper)) {
+            return false;
+        }
         upper = static_cast<unsigned short>(blob.address >> 16U);
         done += piece;
     }
+    return true;
+}
+
+bool write_image(QFileDevice& file, const DeviceMemory& memory)
+{
+    unsigned short upper = 0;
+    const std::vector<DeviceMemory::Stretch> stretches = memory.programmed_stretches();
+    return std::all_of(stretches.begin(), stretches.end(),
+                       [&](const auto& stretch) { return write_stretch(file, stretch, upper); }) &&
+           AddressedBLOB(chunk_size).write_eof_to_file(file);
 }
 
 } // namespace
@@ -94,15 +107,10 @@ MemoryImage::Comparison MemoryImage::compare(const DeviceMemory& memory) const
 
 void save_memory(const DeviceMemory& memory, const QString& path)
 {
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly)) {
-        unsigned short upper = 0;
-        for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
-            write_stretch(file, stretch, upper);
-        }
-        AddressedBLOB(chunk_size).write_eof_to_file(file);
-    }
-    if (!file.commit()) {
+    const auto write = [&memory](QFileDevice& file) {
+        return write_image(file, memory);
+    };
+    if (!Util::write_whole_file(path, write)) {
         throw ImageError(QStringLiteral("cannot write the image %1").arg(path));
     }
 }

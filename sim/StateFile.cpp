@@ -3,9 +3,9 @@
 #include "sim/DeviceMemory.h"
 #include "sim/MemoryImage.h"
 #include "util/Util.h"
+#include "util/WholeFile.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 #include <utility>
 
@@ -77,11 +77,11 @@ void StateFile::load(DeviceMemory& memory) const
 
 void StateFile::save(const DeviceMemory& memory) const
 {
-    QSaveFile file(m_path);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(lines_of(memory, m_version).join('\n') + '\n');
-    }
-    if (!file.commit()) {
+    const QByteArray text = lines_of(memory, m_version).join('\n') + '\n';
+    const auto write = [&text](QFileDevice& file) {
+        return file.write(text) == text.size();
+    };
+    if (!Util::write_whole_file(m_path, write)) {
         throw ImageError(QStringLiteral("cannot write the state %1").arg(m_path));
     }
 }

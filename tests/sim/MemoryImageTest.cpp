@@ -1,11 +1,20 @@
 #include "sim/MemoryImage.h"
 
+#include "sim/Descriptor.h"
 #include "sim/DeviceMemory.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/SmallDisk.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using sim::DeviceMemory;
 using sim::ImageError;
@@ -185,4 +194,29 @@ TEST_F(SimMemoryImage, TellsWhenItCannotBeSaved)
     const QString name = path("no_such_folder/saved.hex");
     EXPECT_EQ(what_of([this, &name] { save_memory(memory, name); }),
               QStringLiteral("cannot write the image %1").arg(name).toStdString());
+}
+
+TEST_F(SimMemoryImage, LeavesWhatWasThereWhenTheDiskIsFull)
+{
+    const QString name = write_file("saved.hex", "former");
+    memory.preset(0, QByteArray(0x1000, 'a'));
+    const SmallDisk disk(1000);
+    EXPECT_EQ(what_of([this, &name] { save_memory(memory, name); }),
+              QStringLiteral("cannot write the image %1").arg(name).toStdString());
+    QFile file(name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "former");
+}
+
+// Such as /dev/null, which every other program needs, too.
+TEST_F(SimMemoryImage, IsSavedInPlaceIntoWhatIsNoFile)
+{
+    const QByteArray pipe = QFile::encodeName(path("pipe"));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    const sim::Descriptor other_end(::open(pipe.constData(), O_RDWR | O_NONBLOCK));
+    save_memory(memory, path("pipe"));
+    std::array<char, 100> buffer{};
+    const ssize_t count = ::read(other_end.get(), buffer.data(), buffer.size());
+    EXPECT_EQ(std::string(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))),
+              ":00000001FF\n");
 }

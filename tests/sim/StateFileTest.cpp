@@ -3,6 +3,7 @@
 #include "sim/DeviceMemory.h"
 #include "sim/MemoryImage.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/SmallDisk.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -121,6 +122,16 @@ TEST_F(SimStateFile, IsNotWrittenWhereThereIsNoFolder)
     const StateFile nowhere(folder.filePath(QStringLiteral("nowhere/state")), 0x0123);
     const DeviceMemory memory(*profile);
     EXPECT_THROW(nowhere.save(memory), ImageError);
+}
+
+TEST_F(SimStateFile, StaysAsItWasWhenTheDiskIsFull)
+{
+    write(whole);
+    DeviceMemory memory(*profile);
+    memory.preset(0, QByteArray(0x1000, 'a'));
+    const SmallDisk disk(1000);
+    EXPECT_THROW(state.save(memory), ImageError);
+    EXPECT_EQ(content(), whole);
 }
 
 TEST_F(SimStateFile, IsRefusedWhenItCannotBeRead)

@@ -1,0 +1,48 @@
+#include "util/WholeFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <memory>
+
+namespace Util
+{
+
+namespace
+{
+
+std::unique_ptr<QFileDevice> target_for(const QString& path)
+{
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isFile()) {
+        return std::make_unique<QFile>(path);
+    }
+    auto file = std::make_unique<QSaveFile>(path);
+    file->setDirectWriteFallback(true); // for a writable file in a folder that is not
+    return file;
+}
+
+/// Ends the file that took the `complete` content or not; whether all of it has arrived. commit()
+/// alone does not notice when the disk takes only a part of what was still buffered.
+bool finish(QFileDevice& file, bool complete)
+{
+    const bool arrived = complete && file.flush();
+    if (auto* replacement = qobject_cast<QSaveFile*>(&file)) {
+        if (!arrived) {
+            replacement->cancelWriting();
+        }
+        return replacement->commit();
+    }
+    return arrived;
+}
+
+} // namespace
+
+bool write_whole_file(const QString& path, const std::function<bool(QFileDevice&)>& write)
+{
+    const std::unique_ptr<QFileDevice> file = target_for(path);
+    return file->open(QIODevice::WriteOnly) && finish(*file, write(*file));
+}
+
+} // namespace Util
