@@ -33,6 +33,9 @@ public:
     /// How things stand; without a check, which is the caller's.
     Summary summary() const;
 
+    /// No line of a trace is missing in its file.
+    bool is_trace_whole() const { return !m_trace || m_trace->is_whole(); }
+
 private:
     std::vector<Delivery> reply_to(const Command& command, const QByteArray& answer);
     QByteArray recorded_answer(const Command& command, const QByteArray& answer);

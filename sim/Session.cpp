@@ -75,8 +75,9 @@ int Session::run()
     }
     QCoreApplication::exec();
     m_link.reset();
-    const bool holds = check_and_sum_up();
+    // Saved first: who was to read the summary may be gone, and its pipe end the program.
     const bool saved = save();
+    const bool holds = check_and_sum_up();
     return m_status == ExitGood && !(holds && saved) ? ExitFailed : m_status;
 }
 
@@ -146,7 +147,10 @@ bool Session::save()
     const bool image = m_arguments.save_image.isEmpty() ||
                        succeeds([&] { save_memory(memory, m_arguments.save_image); });
     const bool state = !m_state || succeeds([&] { m_state->save(memory); });
-    return image && state;
+    if (!m_rig.is_trace_whole()) {
+        complain(QStringLiteral("cannot write the trace %1").arg(m_arguments.rig.trace));
+    }
+    return image && state && m_rig.is_trace_whole();
 }
 
 } // namespace sim

@@ -109,9 +109,10 @@ Trace::Trace(const QString& path, const Profile& profile) : m_profile(profile), 
 void Trace::add(const Command& command, const Outcome& outcome)
 {
     const double ms = static_cast<double>(m_clock.nsecsElapsed()) / 1e6;
-    const QString line = trace_line(m_profile, command, outcome);
-    m_file.write(QStringLiteral("%1 %2\n").arg(QString::number(ms, 'f', 3), line).toUtf8());
-    m_file.flush();
+    const QString fields = trace_line(m_profile, command, outcome);
+    const QByteArray line =
+        QStringLiteral("%1 %2\n").arg(QString::number(ms, 'f', 3), fields).toUtf8();
+    m_is_whole = m_file.write(line) == line.size() && m_file.flush() && m_is_whole;
 }
 
 } // namespace sim

@@ -36,10 +36,14 @@ public:
     /// A line is in the file at once, for those who follow it.
     void add(const Command& command, const Outcome& outcome);
 
+    /// Every line so far has got into the file.
+    bool is_whole() const { return m_is_whole; }
+
 private:
     const Profile& m_profile;
     QFile m_file;
     QElapsedTimer m_clock;
+    bool m_is_whole = true;
 };
 
 } // namespace sim

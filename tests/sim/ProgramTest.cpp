@@ -222,6 +222,19 @@ TEST_F(SimProgram, KeepsItsMemoryFromOneRunToTheNext)
     EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
 }
 
+TEST_F(SimProgram, KeepsItsMemoryWhenNobodyReadsTheSummary)
+{
+    write_file("image.hex", image);
+    const char* const stop_behind_the_first_line =
+        "{ \"$0\" --table one.txt --state state --memory image.hex & echo $! > pid; wait; } | "
+        "{ read -r port; exec <&-; until [ -s pid ]; do :; done; kill -TERM $(cat pid); }";
+    process.start(QStringLiteral("/bin/sh"),
+                  {QStringLiteral("-c"), QString::fromLatin1(stop_behind_the_first_line),
+                   QStringLiteral(ZSERIAL_SIM)});
+    EXPECT_EQ(exit_status(), 0);
+    EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
+}
+
 TEST_F(SimProgram, CannotKeepItsMemoryWhereThereIsNoFolderButSavesTheImage)
 {
     write_file("image.hex", image);
@@ -249,6 +262,14 @@ TEST_F(SimProgram, TracesWhatItIsAsked)
     EXPECT_TRUE(file_content("trace").endsWith(
         " #1 9600 probe request=1 answer=version sent=4 faults=none\n"));
     EXPECT_EQ(stop_by(SIGTERM), 0);
+}
+
+TEST_F(SimProgram, FailsWhenItsTraceIsNotWhole)
+{
+    HostPort host(serve("--table one.txt --trace /dev/full"));
+    host.ask(bytes("55"), bytes("51 56 01 23"));
+    EXPECT_EQ(stop_by(SIGTERM), 1);
+    EXPECT_EQ(errors(), "zserial-sim: cannot write the trace /dev/full\n");
 }
 
 TEST_F(SimProgram, LetsFaultsHappenAndSumsThemUp)
