@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstring>
 
 namespace
 {
@@ -25,6 +27,17 @@ public:
 
     bool next(char& character) { return m_file.getChar(&character); }
 
+    bool skip_past(char wanted)
+    {
+        char character = 0;
+        while (next(character)) {
+            if (character == wanted) {
+                return true;
+            }
+        }
+        return false;
+    }
+
 private:
     QFile& m_file;
 };
@@ -41,6 +54,21 @@ public:
         }
         character = *m_at++;
         return true;
+    }
+
+    /// Looks at whole blocks at once: of a large file that is no HEX file, all is gone through.
+    bool skip_past(char wanted)
+    {
+        while (m_at != m_end || read_block()) {
+            const auto* found = static_cast<const char*>(
+                std::memchr(m_at, wanted, static_cast<std::size_t>(m_end - m_at)));
+            if (found != nullptr) {
+                m_at = found + 1;
+                return true;
+            }
+            m_at = m_end;
+        }
+        return false;
     }
 
     /// Goes past line ends and blanks; true when that leads to the end of the file. A file that
@@ -132,18 +160,6 @@ bool read_bytes(Characters& in, unsigned char count, QByteArray& data, unsigned 
 }
 
 template <typename Characters>
-bool skip_past_colon(Characters& in)
-{
-    char character = 0;
-    while (in.next(character)) {
-        if (character == ':') {
-            return true;
-        }
-    }
-    return false;
-}
-
-template <typename Characters>
 bool read_record(Characters& in, IntelHexFileRecordType& type, unsigned short& address,
                  QByteArray& data)
 {
@@ -153,7 +169,7 @@ bool read_record(Characters& in, IntelHexFileRecordType& type, unsigned short& a
     unsigned char address_lo = 0;
     unsigned char record_type_byte = 0;
     unsigned char checksum = 0;
-    if (!skip_past_colon(in)) {
+    if (!in.skip_past(':')) {
         return fail("MemoryMap::read_record(): failed to read character");
     }
     if (!read_byte(in, byte_count, sum)) {
