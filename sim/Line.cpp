@@ -1,5 +1,7 @@
 #include "sim/Line.h"
 
+#include "sim/LineTiming.h"
+
 #include <algorithm>
 #include <initializer_list>
 
@@ -41,7 +43,9 @@ void Line::take_from_host(const QByteArray& bytes, unsigned int baud)
         Q_EMIT received(bytes, baud);
         return;
     }
-    m_to_device.add({bytes, baud, 0, m_options.keeps_writes_whole}, Alarm::now_ns());
+    const qint64 now_ns = Alarm::now_ns();
+    m_use.add(line_time_ns(bytes.size(), baud), now_ns);
+    m_to_device.add({bytes, baud, 0, m_options.keeps_writes_whole}, now_ns);
     move_on();
 }
 
@@ -49,6 +53,7 @@ void Line::send(const Piece& piece)
 {
     const qint64 now_ns = Alarm::now_ns();
     if (m_options.paced) {
+        m_use.add(line_time_ns(piece.bytes.size() - piece.passed, piece.baud), now_ns);
         m_to_host.add(piece, m_hearing_ns.value_or(now_ns));
     } else {
         hand_to_host(m_adapter.add(piece.bytes, now_ns));
@@ -104,6 +109,7 @@ bool Line::deliver_to_host(qint64 now_ns)
     const std::optional<PacedQueue::Due> due = m_to_host.take(now_ns);
     if (due) {
         note_lateness(*due, now_ns);
+        m_use.pass(now_ns);
         hand_to_host(m_adapter.add(due->bytes, due->due_ns));
     }
     return due.has_value();

@@ -3,6 +3,7 @@
 #include "sim/AdapterBuffer.h"
 #include "sim/Alarm.h"
 #include "sim/Lateness.h"
+#include "sim/LineUse.h"
 #include "sim/PacedQueue.h"
 #include "sim/PseudoTerminal.h"
 
@@ -48,6 +49,9 @@ public:
     /// Of the last bytes of everything that was paced.
     const Lateness& lateness() const { return m_lateness; }
 
+    /// By what was paced.
+    const LineUse& use() const { return m_use; }
+
 Q_SIGNALS:
     /// Bytes have reached the device; `baud` as in PseudoTerminal.
     void received(const QByteArray& bytes, unsigned int baud);
@@ -72,6 +76,7 @@ private:
     /// on that, so that being late once doesn't make everything after it late.
     std::optional<qint64> m_hearing_ns;
     Lateness m_lateness;
+    LineUse m_use;
     qint64 m_bytes_to_host = 0;
 };
 

@@ -85,7 +85,7 @@ Summary Rig::summary() const
         summary.faults = m_faults.counts();
     }
     if (m_options.device.paced) {
-        summary.lateness = m_device.line().lateness();
+        summary.pace = {m_device.line().lateness(), m_device.line().use()};
     }
     if (m_replay) {
         summary.replayed = {m_replay->matched(), m_replay->recorded(), m_replay->unmatched()};

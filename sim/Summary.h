@@ -3,6 +3,7 @@
 #include "sim/DeviceMemory.h"
 #include "sim/FaultKind.h"
 #include "sim/Lateness.h"
+#include "sim/LineUse.h"
 #include "sim/MemoryImage.h"
 #include "sim/Replay.h"
 #include "sim/Tally.h"
@@ -20,6 +21,11 @@ namespace sim
 
 /// What is told of a device's run when it is over.
 struct Summary {
+    struct Pace {
+        Lateness lateness;
+        LineUse use;
+    };
+
     struct Replayed {
         int matched = 0;
         int recorded = 0;
@@ -35,7 +41,7 @@ struct Summary {
     std::optional<std::uint64_t> seed;
     std::map<FaultKind, unsigned int> faults;
     /// Set when the line was paced.
-    std::optional<Lateness> lateness;
+    std::optional<Pace> pace;
     std::optional<Replayed> replayed;
     std::optional<MemoryImage::Comparison> check;
 };

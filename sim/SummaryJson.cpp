@@ -42,9 +42,12 @@ QJsonObject faults_of(const std::map<FaultKind, unsigned int>& faults)
     return object;
 }
 
-QJsonObject lateness_of(const Lateness& lateness)
+QJsonObject pace_of(const Summary::Pace& pace)
 {
+    const Lateness& lateness = pace.lateness;
     return {
+        {QStringLiteral("busy_us"), number(pace.use.busy_ns() / 1000)},
+        {QStringLiteral("span_us"), number(pace.use.span_ns() / 1000)},
         {QStringLiteral("last_bytes"), number(lateness.count())},
         {QStringLiteral("mean_lateness_us"), number(lateness.mean_ns() / 1000)},
         {QStringLiteral("max_lateness_us"), number(lateness.most_ns() / 1000)},
@@ -74,8 +77,8 @@ void add_extras(QJsonObject& object, const Summary& summary)
         object.insert(QStringLiteral("seed"), QString::number(*summary.seed));
         object.insert(QStringLiteral("faults"), faults_of(summary.faults));
     }
-    if (summary.lateness) {
-        object.insert(QStringLiteral("pace"), lateness_of(*summary.lateness));
+    if (summary.pace) {
+        object.insert(QStringLiteral("pace"), pace_of(*summary.pace));
     }
     if (summary.replayed) {
         object.insert(QStringLiteral("replay"), replay_of(*summary.replayed));

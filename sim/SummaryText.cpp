@@ -54,9 +54,13 @@ QString fault_line(const Summary& summary)
     return QStringLiteral("faults with seed %1: %2").arg(QString::number(*summary.seed), list);
 }
 
-QString lateness_line(const Lateness& lateness)
+QString pace_line(const Summary::Pace& pace)
 {
-    return QStringLiteral("pace: last bytes late by %1 us in the mean and %2 us at most, of %3")
+    const Lateness& lateness = pace.lateness;
+    return QStringLiteral("pace: line busy for %1 of %2 ms, last bytes late by %3 us in the mean "
+                          "and %4 us at most, of %5")
+        .arg(pace.use.busy_ns() / 1000000)
+        .arg(pace.use.span_ns() / 1000000)
         .arg(lateness.mean_ns() / 1000)
         .arg(lateness.most_ns() / 1000)
         .arg(lateness.count());
@@ -89,8 +93,8 @@ QStringList text_of(const Summary& summary)
     if (summary.seed) {
         lines += fault_line(summary);
     }
-    if (summary.lateness) {
-        lines += lateness_line(*summary.lateness);
+    if (summary.pace) {
+        lines += pace_line(*summary.pace);
     }
     if (summary.replayed) {
         lines += replay_lines(*summary.replayed);

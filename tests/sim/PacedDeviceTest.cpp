@@ -103,6 +103,16 @@ TEST_F(SimPacedDevice, MeasuresItsOwnLatenessWithEachLastByte)
     EXPECT_EQ(device->line().bytes_to_host(), read_answer.size());
 }
 
+TEST_F(SimPacedDevice, KnowsHowLongItsLineWasInUse)
+{
+    start(paced());
+    host->ask(read_request, read_answer);
+    const sim::LineUse& use = device->line().use();
+    EXPECT_EQ(use.busy_ns(), line_time_ns(read_request.size(), slow_baud) +
+                                 line_time_ns(read_answer.size(), slow_baud));
+    EXPECT_GE(use.span_ns(), use.busy_ns());
+}
+
 TEST_F(SimPacedDevice, EchoesWhileTheBytesPassAndAnswersApart)
 {
     Options options = paced();

@@ -302,7 +302,7 @@ TEST_F(SimRig, SumsUpWhatWasHeardAndSaid)
     EXPECT_EQ(summary.bytes_to_host, 2 * version_answer.size() + erase_answer.size());
     EXPECT_EQ(summary.memory.pages_erased, 1U);
     EXPECT_EQ(summary.dropped_frames, 0U);
-    EXPECT_FALSE(summary.lateness.has_value());
+    EXPECT_FALSE(summary.pace.has_value());
     EXPECT_FALSE(summary.replayed.has_value());
 }
 
@@ -311,8 +311,8 @@ TEST_F(SimRig, TellsItsLatenessWhenItPaces)
     options.device.paced = true;
     start();
     host->ask(version_request, version_answer);
-    ASSERT_TRUE(rig->summary().lateness.has_value());
-    EXPECT_EQ(rig->summary().lateness->count(), 2);
+    ASSERT_TRUE(rig->summary().pace.has_value());
+    EXPECT_EQ(rig->summary().pace->lateness.count(), 2);
 }
 
 TEST_F(SimRig, TracesEachCommandAtOnce)

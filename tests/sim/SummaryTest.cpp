@@ -33,9 +33,11 @@ Summary full()
     Summary summary = plain();
     summary.seed = 18446744073709551615U;
     summary.faults = {{FaultKind::Noise, 2}, {FaultKind::LoseRequest, 1}};
-    summary.lateness.emplace();
-    summary.lateness->add(30999);
-    summary.lateness->add(10000);
+    summary.pace.emplace();
+    summary.pace->lateness.add(30999);
+    summary.pace->lateness.add(10000);
+    summary.pace->use.add(7000000, 2000000);
+    summary.pace->use.pass(10000000);
     summary.replayed = Summary::Replayed{4, 6, {{QByteArray("\x00\x02", 2), 40}, {"\x06", 1}}};
     summary.check = sim::MemoryImage::Comparison{true, QStringLiteral("it holds")};
     return summary;
@@ -69,8 +71,8 @@ TEST(SimSummary, TellsAReaderWhatOnlySomeRunsHave)
 {
     EXPECT_EQ(text(full()), plain_text +
                                 "\nfaults with seed 18446744073709551615: 1 lose-request, 2 noise\n"
-                                "pace: last bytes late by 20 us in the mean and 30 us at most, "
-                                "of 2\n"
+                                "pace: line busy for 7 of 8 ms, last bytes late by 20 us in the "
+                                "mean and 30 us at most, of 2\n"
                                 "replay: 4 of 6 recorded frames came\n"
                                 "replay: not in the rest of the log, 40 times: 00 02\n"
                                 "replay: not in the rest of the log, 1 times: 06\n"
@@ -112,7 +114,8 @@ TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
               R"("write":0},"eeprom_writes":11,"faults":{"lose-request":1,"noise":2},)"
               R"("flash":{"cells_programmed_without_erase":10,"pages_erased":8,)"
               R"("rows_programmed":9},"frames_dropped":3,)"
-              R"("pace":{"last_bytes":2,"max_lateness_us":30,"mean_lateness_us":20},)"
+              R"("pace":{"busy_us":7000,"last_bytes":2,"max_lateness_us":30,)"
+              R"("mean_lateness_us":20,"span_us":8000},)"
               R"("refused":0,"repeated":1,)"
               R"("replay":{"matched":4,"recorded":6,)"
               R"("unmatched":[{"payload":"0002","times":40},{"payload":"06","times":1}]},)"
