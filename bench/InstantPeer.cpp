@@ -11,7 +11,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-InstantPeer::InstantPeer(QByteArray answer) : m_answer(std::move(answer))
+InstantPeer::InstantPeer(Answers answers) : m_answers(std::move(answers))
 {
     termios raw{};
     ::cfmakeraw(&raw);
@@ -48,11 +48,17 @@ void InstantPeer::serve()
         const ssize_t count = ::read(m_master, buffer.data(), buffer.size());
         heard.append(buffer.data(), static_cast<int>(qMax<ssize_t>(count, 0)));
         if (frame::is_terminated(heard)) {
+            answer(heard);
             heard.clear();
-            if (::write(m_master, m_answer.constData(),
-                        static_cast<std::size_t>(m_answer.size())) != m_answer.size()) {
-                throw std::runtime_error("the pseudo-terminal did not take an answer whole");
-            }
         }
+    }
+}
+
+void InstantPeer::answer(const QByteArray& frame) const
+{
+    const QByteArray answer = m_answers(frame);
+    if (::write(m_master, answer.constData(), static_cast<std::size_t>(answer.size())) !=
+        answer.size()) {
+        throw std::runtime_error("the pseudo-terminal did not take an answer whole");
     }
 }

@@ -1,86 +1,157 @@
+#include "bench/BareLoop.h"
 #include "bench/InstantPeer.h"
 #include "device/FrameCodec.h"
 #include "device/ZarnSerialDevice.h"
+#include "memory/MemoryMap.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
-#include <array>
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
-
-// One read of a row, there and back, against a peer that answers at once: what the uploader's
-// device object needs for it beside the barest loop of system calls that does the same exchange.
+// Whole exchanges with a peer that answers at once: what the uploader's device object needs for
+// them beside the barest loop of system calls that does the same. To be run in this folder, where
+// the device table is.
 
 namespace
 {
 
+constexpr unsigned int baud = 460800;
+constexpr unsigned short version = 0x0203;
+constexpr unsigned int flash_begin = 0x2000;
+constexpr unsigned int flash_size = 128 * 1024;
 constexpr unsigned short row_size = 256;
+constexpr int echo_size = 5;
+constexpr char read_command = 0x01;
 
-QByteArray read_command()
+QByteArray row_read_command()
 {
-    return QByteArray("\x01\x80\x00\x10\x00", 5);
+    return QByteArray("\x01\x40\x00\x20\x00", echo_size);
 }
 
-QByteArray answer_frame()
+/// Reads get a row back, everything else its acknowledgement.
+QByteArray answer_to(const QByteArray& frame)
 {
-    return frame::encode(read_command() + QByteArray(row_size, '\x37'));
+    static const QByteArray row(row_size, '\x37');
+    QByteArray request;
+    frame::decode(frame, request);
+    return frame::encode(request.at(0) == read_command ? request.left(echo_size) + row
+                                                       : request.left(1));
 }
 
 void transaction_of_the_device_object(benchmark::State& state)
 {
-    const InstantPeer peer(answer_frame());
-    ZarnSerialDevice device(peer.port_path(), nullptr, 115200, false, 0);
+    const InstantPeer peer(answer_to);
+    ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
     QByteArray response;
     device.open_port();
     for (auto _ : state) {
-        if (!device.send_and_receive(read_command(), response, row_size, 1, 300)) {
+        if (!device.send_and_receive(row_read_command(), response, row_size, 1, 300)) {
             state.SkipWithError("a transaction failed");
             break;
         }
     }
     state.SetItemsProcessed(state.iterations());
-}
-
-/// Sends a frame and reads until an answer is complete; false when none comes.
-bool exchange(int port, const QByteArray& frame, QByteArray& heard)
-{
-    heard.resize(0);
-    if (::write(port, frame.constData(), static_cast<std::size_t>(frame.size())) != frame.size()) {
-        return false;
-    }
-    std::array<char, 4096> buffer{};
-    while (!frame::is_terminated(heard)) {
-        pollfd ready{port, POLLIN, 0};
-        if (::poll(&ready, 1, 300) <= 0) {
-            return false;
-        }
-        const ssize_t count = ::read(port, buffer.data(), buffer.size());
-        heard.append(buffer.data(), static_cast<int>(qMax<ssize_t>(count, 0)));
-    }
-    return true;
 }
 
 void transaction_of_a_bare_loop(benchmark::State& state)
 {
-    const InstantPeer peer(answer_frame());
-    const int port = ::open(peer.port_path().toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
-    const QByteArray frame = frame::encode(read_command());
-    QByteArray heard;
-    QByteArray payload;
+    const InstantPeer peer(answer_to);
+    BareLoop port(peer.port_path(), baud);
     for (auto _ : state) {
-        if (!exchange(port, frame, heard) || frame::decode(heard, payload)) {
+        benchmark::DoNotOptimize(port.exchange(row_read_command()));
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void read_of_the_device_object(benchmark::State& state)
+{
+    const InstantPeer peer(answer_to);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("read.hex")));
+    const bool never = false;
+    ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
+    for (auto _ : state) {
+        if (!device.read(file, never, true, true)) {
+            state.SkipWithError("the read failed");
+            break;
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * flash_size);
+}
+
+void read_of_a_bare_loop(benchmark::State& state)
+{
+    const InstantPeer peer(answer_to);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("read.bin")));
+    BareLoop port(peer.port_path(), baud);
+    for (auto _ : state) {
+        if (!file.open(QIODevice::WriteOnly)) {
+            state.SkipWithError("the file cannot be written");
+            break;
+        }
+        file.write(port.read_flash(flash_begin, flash_size));
+        file.close();
+    }
+    state.SetBytesProcessed(state.iterations() * flash_size);
+}
+
+void write_of_the_device_object(benchmark::State& state)
+{
+    const InstantPeer peer(answer_to);
+    const bool never = false;
+    MemoryMap image(MemoryMap::default_chunk_size);
+    image.write(flash_begin, QByteArray(flash_size, '\x37'));
+    ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
+    for (auto _ : state) {
+        if (!device.write(&image, never, true, true)) {
+            state.SkipWithError("the write failed");
+            break;
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * flash_size);
+}
+
+void write_of_a_bare_loop(benchmark::State& state)
+{
+    const InstantPeer peer(answer_to);
+    const QByteArray image(flash_size, '\x37');
+    BareLoop port(peer.port_path(), baud);
+    for (auto _ : state) {
+        port.write_flash(flash_begin, image);
+    }
+    state.SetBytesProcessed(state.iterations() * flash_size);
+}
+
+/// Every other answer is lost: one wait of 300 ms, and the second attempt succeeds.
+void transaction_with_a_lost_response(benchmark::State& state)
+{
+    int heard = 0;
+    const InstantPeer peer([&heard](const QByteArray& frame) {
+        return ++heard % 2 == 1 ? QByteArray() : answer_to(frame);
+    });
+    ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
+    QByteArray response;
+    device.open_port();
+    for (auto _ : state) {
+        if (!device.send_and_receive(row_read_command(), response, row_size, 2, 300)) {
             state.SkipWithError("a transaction failed");
             break;
         }
     }
-    ::close(port);
-    state.SetItemsProcessed(state.iterations());
 }
 
-BENCHMARK(transaction_of_the_device_object)->UseRealTime();
-BENCHMARK(transaction_of_a_bare_loop)->UseRealTime();
+BENCHMARK(transaction_of_the_device_object)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(transaction_of_a_bare_loop)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(read_of_the_device_object)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(read_of_a_bare_loop)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(write_of_the_device_object)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(write_of_a_bare_loop)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(transaction_with_a_lost_response)
+    ->UseRealTime()
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -1,0 +1,25 @@
+#include "bench/BareLoop.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+// Reads the 128 KiB of flash of a device of bench/device.txt and throws them away:
+// bare_reader PORT BAUD
+
+int main(int argc, char** argv)
+{
+    if (argc != 3) {
+        std::fputs("usage: bare_reader PORT BAUD\n", stderr);
+        return EXIT_FAILURE;
+    }
+    try {
+        BareLoop port(QString::fromLocal8Bit(argv[1]),
+                      static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)));
+        port.read_flash(0x2000, 128 * 1024);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
+}
