@@ -1,5 +1,6 @@
 #include "device/FrameCodec.h"
 
+#include <algorithm>
 #include <numeric>
 
 namespace frame
@@ -32,6 +33,13 @@ void append_escaped(QByteArray& out, char byte)
     out.append(byte);
 }
 
+/// How many bytes from `begin` on stand for themselves on the line. Most of a frame does, and is
+/// copied in such runs.
+int plain_run(const char* begin, const char* end)
+{
+    return static_cast<int>(std::find_if(begin, end, needs_escaping) - begin);
+}
+
 std::optional<QString> check_envelope(const QByteArray& frame)
 {
     if (frame.size() < minimum_length) {
@@ -51,7 +59,7 @@ std::optional<QString> check_envelope(const QByteArray& frame)
     return std::nullopt;
 }
 
-/// Walks everything before checksum and terminator, byte by byte.
+/// Walks everything before checksum and terminator.
 class PayloadScanner
 {
 public:
@@ -61,7 +69,18 @@ public:
 
     State state() const { return m_state; }
 
-    std::optional<QString> take(int position, char byte)
+    /// Takes the bytes from `begin` on that stand for themselves; returns how many.
+    int take_plain(const char* begin, const char* end)
+    {
+        const int count = m_state == State::Escape ? 0 : plain_run(begin, end);
+        if (count > 0) {
+            store(begin, count);
+        }
+        return count;
+    }
+
+    /// Takes one that does not, or whichever comes behind an escape symbol.
+    std::optional<QString> take_special(int position, char byte)
     {
         if (m_state == State::Escape) {
             return take_escaped(position, byte);
@@ -72,11 +91,8 @@ public:
         case terminator:
             return QStringLiteral("response contains premature terminator symbol at position %1")
                 .arg(position);
-        case escape:
+        default: // the escape symbol
             m_state = State::Escape;
-            return std::nullopt;
-        default:
-            store(byte);
             return std::nullopt;
         }
     }
@@ -88,7 +104,7 @@ private:
             return QStringLiteral("response byte at position %1 (%2) was needlessly escaped")
                 .arg(QString::number(position), sign_extended_hex(byte));
         }
-        store(byte);
+        store(&byte, 1);
         return std::nullopt;
     }
 
@@ -101,9 +117,9 @@ private:
             .arg(position);
     }
 
-    void store(char byte)
+    void store(const char* bytes, int count)
     {
-        m_payload.append(byte);
+        m_payload.append(bytes, count);
         m_state = State::Data;
     }
 
@@ -155,8 +171,15 @@ QByteArray encode(const QByteArray& payload)
 {
     QByteArray frame(2, sync);
     frame.reserve(2 * payload.size() + 5);
-    for (const char byte : payload) {
-        append_escaped(frame, byte);
+    const char* const end = payload.constEnd();
+    for (const char* at = payload.constBegin(); at != end;) {
+        const int run = plain_run(at, end);
+        if (run > 0) {
+            frame.append(at, run);
+            at += run;
+        } else {
+            append_escaped(frame, *at++);
+        }
     }
     append_escaped(frame, checksum(payload));
     frame.append(terminator);
@@ -171,10 +194,16 @@ std::optional<QString> decode(const QByteArray& frame, QByteArray& payload)
     }
     payload.reserve(frame.size());
     PayloadScanner scanner(payload);
+    const char* const bytes = frame.constData();
     const int checksum_position = frame.size() - 2;
-    for (int i = 0; i < checksum_position; ++i) {
-        if (auto fault = scanner.take(i, frame[i])) {
+    for (int i = 0; i < checksum_position;) {
+        const int run = scanner.take_plain(bytes + i, bytes + checksum_position);
+        if (run > 0) {
+            i += run;
+        } else if (auto fault = scanner.take_special(i, bytes[i])) {
             return fault;
+        } else {
+            ++i;
         }
     }
     if (scanner.state() == PayloadScanner::State::Sync) {

@@ -82,9 +82,9 @@ void ZarnSerialDevice::initialize_array(unsigned int num_bytes, QByteArray& data
     if (words * word_size > largest_request) {
         return;
     }
-    for (quint64 i = 0; i < words; ++i) {
-        append_filler_word(m_profile->get_filler_word(type), word_size, data);
-    }
+    QByteArray word;
+    append_filler_word(m_profile->get_filler_word(type), word_size, word);
+    data = word.repeated(static_cast<int>(words));
 }
 
 /// Most significant byte first always begins at the top of the 32-bit filler value, even for words
