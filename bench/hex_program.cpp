@@ -12,6 +12,7 @@
 //   hex_program load FILE               loads and prints the number of bytes
 //   hex_program convert FILE RESULT     loads and saves
 //   hex_program dense SIZE RESULT       makes an image of SIZE bytes without gaps
+//   hex_program device SIZE RESULT      the same, as the flash of a device of bench/device.txt
 //   hex_program islands COUNT RESULT    makes an image of COUNT islands of 200 bytes in 16 MiB
 
 namespace
@@ -20,6 +21,7 @@ namespace
 constexpr unsigned int image_size = 16 * 1024 * 1024;
 constexpr unsigned int longest_piece = 8 * 1024 * 1024; // as far as bit 23 stays clear
 constexpr unsigned int island_size = 200;
+constexpr unsigned int flash_begin = 0x2000;
 
 /// Address of the nth byte of an image. Bit 23 stays clear, as a HEX file cannot say it.
 unsigned int address_of(unsigned int n)
@@ -43,12 +45,13 @@ bool load(MemoryMap& image, const char* path)
     return image.load_from_hex_file(QString::fromLocal8Bit(path), {});
 }
 
-bool make(unsigned int count, unsigned int size, unsigned int spacing, const char* path)
+bool make(unsigned int start, unsigned int count, unsigned int size, unsigned int spacing,
+          const char* path)
 {
     MemoryMap image(size);
     const QByteArray bytes = noise(size);
     for (unsigned int i = 0; i < count; ++i) {
-        image.write(address_of(i * spacing), bytes);
+        image.write(address_of(start + i * spacing), bytes);
     }
     return image.save_to_hex_file(QString::fromLocal8Bit(path));
 }
@@ -67,10 +70,13 @@ bool run(const char* job, const char* input, const char* result)
     const auto number = static_cast<unsigned int>(std::strtoul(input, nullptr, 10));
     if (std::strcmp(job, "dense") == 0) {
         const unsigned int piece = qMin(number, longest_piece);
-        return make(number / piece, piece, piece, result);
+        return make(0, number / piece, piece, piece, result);
+    }
+    if (std::strcmp(job, "device") == 0) {
+        return make(flash_begin, 1, number, number, result);
     }
     return std::strcmp(job, "islands") == 0 &&
-           make(number, island_size, image_size / number, result);
+           make(0, number, island_size, image_size / number, result);
 }
 
 } // namespace
@@ -80,7 +86,7 @@ int main(int argc, char** argv)
     const bool has_result = argc == 4;
     if (!has_result && !(argc == 3 && std::strcmp(argv[1], "load") == 0)) {
         std::fputs("usage: hex_program load FILE | convert FILE RESULT | dense SIZE RESULT | "
-                   "islands COUNT RESULT\n",
+                   "device SIZE RESULT | islands COUNT RESULT\n",
                    stderr);
         return EXIT_FAILURE;
     }

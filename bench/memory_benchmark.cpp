@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <random>
+#include <string>
 
 // Images of the sizes that devices have, through the same calls that the tool makes.
 
@@ -13,12 +14,11 @@ namespace
 {
 
 constexpr unsigned int mib = 1024 * 1024;
-constexpr unsigned int image_size = 16 * mib;
 constexpr unsigned int longest_piece = 8 * mib; // as far as addresses run on with bit 23 clear
 constexpr unsigned int chunk_size = 16;         // as in the tool
 constexpr unsigned int row_size = 256;
-constexpr unsigned int island_count = 20000;
-constexpr unsigned int island_size = 200;
+constexpr unsigned int island_size = 100;
+constexpr unsigned int island_spacing = 256;
 
 /// Address of the nth byte of an image. Bit 23 stays clear, as a HEX file cannot say it.
 unsigned int address_of(unsigned int n)
@@ -60,143 +60,142 @@ private:
     std::int64_t m_bytes = 0;
 };
 
+/// Makes an image of as many bytes or islands as the benchmark is asked for.
+using Fill = void (*)(HexFile& file, unsigned int amount);
+
 void fill_dense(HexFile& file, unsigned int size)
 {
     for (unsigned int n = 0; n < size; n += longest_piece) {
         file.add(address_of(n), random_bytes(std::min(longest_piece, size - n)));
     }
-    file.save();
 }
 
-void fill_with_islands(HexFile& file)
+void fill_with_islands(HexFile& file, unsigned int count)
 {
     const QByteArray bytes = random_bytes(island_size);
-    for (unsigned int i = 0; i < island_count; ++i) {
-        file.add(address_of(i * (image_size / island_count)), bytes);
+    for (unsigned int i = 0; i < count; ++i) {
+        file.add(address_of(i * island_spacing), bytes);
     }
-    file.save();
 }
 
-/// Loads the file or ends the benchmark with an error.
-bool load(benchmark::State& state, MemoryMap& map, const HexFile& file)
+/// An image file of the benchmark's size, and the map that it is loaded into.
+class Subject
 {
-    const bool loaded = map.load_from_hex_file(file.path(), {});
-    if (!loaded) {
-        state.SkipWithError("the image does not load");
+public:
+    Subject(benchmark::State& state, Fill fill)
+        : m_state(state),
+          m_file(fill == fill_dense ? longest_piece : island_size)
+    {
+        fill(m_file, static_cast<unsigned int>(state.range(0)));
+        m_file.save();
+        load();
     }
-    return loaded;
-}
 
-void count_bytes(benchmark::State& state, std::int64_t bytes)
-{
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * bytes);
-}
+    MemoryMap& map() { return m_map; }
 
-void load_again_and_again(benchmark::State& state, const HexFile& file)
-{
-    MemoryMap map(chunk_size);
-    while (state.KeepRunning()) {
-        map.clear();
-        if (!load(state, map, file)) {
-            return;
+    /// Loads the file or ends the benchmark with an error.
+    void load()
+    {
+        m_map.clear();
+        if (!m_map.load_from_hex_file(m_file.path(), {})) {
+            m_state.SkipWithError("the image does not load");
         }
     }
-    count_bytes(state, file.bytes());
-}
 
-void load_dense(benchmark::State& state)
-{
-    HexFile file(longest_piece);
-    fill_dense(file, static_cast<unsigned int>(state.range(0)));
-    load_again_and_again(state, file);
-    state.SetComplexityN(state.range(0));
-}
-
-void load_islands(benchmark::State& state)
-{
-    HexFile file(island_size);
-    fill_with_islands(file);
-    load_again_and_again(state, file);
-}
-
-void save_dense(benchmark::State& state)
-{
-    HexFile file(longest_piece);
-    fill_dense(file, static_cast<unsigned int>(state.range(0)));
-    MemoryMap map(chunk_size);
-    if (!load(state, map, file)) {
-        return;
-    }
-    while (state.KeepRunning()) {
-        if (!map.save_to_hex_file(file.path())) {
-            state.SkipWithError("the image cannot be saved");
-            return;
+    void save()
+    {
+        if (!m_map.save_to_hex_file(m_file.path())) {
+            m_state.SkipWithError("the image cannot be saved");
         }
     }
-    count_bytes(state, file.bytes());
-    state.SetComplexityN(state.range(0));
+
+    void count_bytes() const
+    {
+        m_state.SetBytesProcessed(static_cast<std::int64_t>(m_state.iterations()) * m_file.bytes());
+    }
+
+private:
+    benchmark::State& m_state;
+    HexFile m_file;
+    MemoryMap m_map{chunk_size};
+};
+
+void load(benchmark::State& state, Fill fill)
+{
+    Subject subject(state, fill);
+    while (state.KeepRunning()) {
+        subject.load();
+    }
+    subject.count_bytes();
 }
 
-void assemble_all_rows(benchmark::State& state, const HexFile& file)
+void save(benchmark::State& state, Fill fill)
 {
-    MemoryMap map(chunk_size);
-    if (!load(state, map, file)) {
-        return;
+    Subject subject(state, fill);
+    while (state.KeepRunning()) {
+        subject.save();
     }
+    subject.count_bytes();
+}
+
+void check_overlaps(benchmark::State& state, Fill fill)
+{
+    Subject subject(state, fill);
+    while (state.KeepRunning()) {
+        benchmark::DoNotOptimize(subject.map().has_overlaps());
+    }
+    subject.count_bytes();
+}
+
+/// Every row from the first byte of the image to the last, as a write to a device takes them.
+void assemble_rows(benchmark::State& state, Fill fill)
+{
+    Subject subject(state, fill);
+    const auto amount = static_cast<unsigned int>(state.range(0));
+    const unsigned int span = fill == fill_dense ? amount : amount * island_spacing;
     QByteArray row(row_size, '\xFF');
     while (state.KeepRunning()) {
-        for (unsigned int n = 0; n < image_size; n += row_size) {
-            benchmark::DoNotOptimize(map.read(address_of(n), row_size, row.data()));
+        for (unsigned int n = 0; n < span; n += row_size) {
+            benchmark::DoNotOptimize(subject.map().read(address_of(n), row_size, row.data()));
         }
     }
-    count_bytes(state, image_size);
+    subject.count_bytes();
 }
 
-void assemble_rows_of_dense(benchmark::State& state)
+void sizes(benchmark::internal::Benchmark* benchmark)
 {
-    HexFile file(longest_piece);
-    fill_dense(file, image_size);
-    assemble_all_rows(state, file);
-}
-
-void assemble_rows_of_islands(benchmark::State& state)
-{
-    HexFile file(island_size);
-    fill_with_islands(file);
-    assemble_all_rows(state, file);
-}
-
-void check_overlaps_of_islands(benchmark::State& state)
-{
-    HexFile file(island_size);
-    fill_with_islands(file);
-    MemoryMap map(chunk_size);
-    if (!load(state, map, file)) {
-        return;
+    benchmark->Unit(benchmark::kMillisecond);
+    for (const int size : {1, 4, 16, 64}) {
+        benchmark->Arg(size * static_cast<int>(mib));
     }
-    while (state.KeepRunning()) {
-        benchmark::DoNotOptimize(map.has_overlaps());
-    }
-    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * island_count);
 }
 
-BENCHMARK(load_dense)
-    ->Arg(mib)
-    ->Arg(4 * mib)
-    ->Arg(16 * mib)
-    ->Unit(benchmark::kMillisecond)
-    ->Complexity(benchmark::oN);
-BENCHMARK(load_islands)->Unit(benchmark::kMillisecond);
-BENCHMARK(save_dense)
-    ->Arg(mib)
-    ->Arg(4 * mib)
-    ->Arg(16 * mib)
-    ->Unit(benchmark::kMillisecond)
-    ->Complexity(benchmark::oN);
-BENCHMARK(assemble_rows_of_dense)->Unit(benchmark::kMillisecond);
-BENCHMARK(assemble_rows_of_islands)->Unit(benchmark::kMillisecond);
-BENCHMARK(check_overlaps_of_islands)->Unit(benchmark::kMicrosecond);
+void counts(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->Unit(benchmark::kMillisecond);
+    for (const int count : {1000, 10000, 100000}) {
+        benchmark->Arg(count);
+    }
+}
+
+void add(const char* name, void (*job)(benchmark::State&, Fill))
+{
+    benchmark::RegisterBenchmark((std::string(name) + "_of_dense").c_str(), job, fill_dense)
+        ->Apply(sizes);
+    benchmark::RegisterBenchmark((std::string(name) + "_of_islands").c_str(), job,
+                                 fill_with_islands)
+        ->Apply(counts);
+}
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    add("load", load);
+    add("save", save);
+    add("check_overlaps", check_overlaps);
+    add("assemble_rows", assemble_rows);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

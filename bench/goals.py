@@ -1,0 +1,89 @@
+#!/usr/bin/env python3
+"""Measures what the uploader promises of its speed and prints a line for every promise."""
+
+import argparse
+import os
+import platform
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+import goal
+import host
+import images
+import wire
+
+FIGURES = re.compile(r"(<!-- figures -->\n).*(<!-- end of figures -->)", re.DOTALL)
+
+
+class Context:
+    """Where things are and how thoroughly to measure."""
+
+    def __init__(self, options, scratch):
+        self.bench = Path(__file__).resolve().parent
+        self.build = options.build.resolve()
+        self.scratch = Path(scratch)
+        self.image = self.scratch / "device.hex"
+        self.short = options.short
+        self.rounds = 1 if options.short else options.rounds
+        self.slow_rounds = max(1, self.rounds // 3)
+        self.repetitions = 3 if options.short else max(3, options.rounds)
+        self.min_seconds = 0.02 if options.short else 0.3
+        # A short run is for machines that are busy with other things.
+        self.slack = 2.5 if options.short else 1
+
+    def at_most(self, bound):
+        return bound * self.slack
+
+    def at_least(self, bound):
+        return bound / self.slack
+
+
+def arguments():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("build", type=Path, help="folder of a release build with benchmarks")
+    parser.add_argument("--short", action="store_true", help="less than a minute, wide bounds")
+    parser.add_argument("--rounds", type=int, default=5, help="of which medians are taken")
+    parser.add_argument("--write", type=Path, help="page to put the table into")
+    return parser.parse_args()
+
+
+def make_device_image(context):
+    """Fills the flash of the devices of device.txt."""
+    program = context.build / "bench/hex_program"
+    subprocess.run([program, "device", str(128 * 1024), context.image], check=True)
+
+
+def machine():
+    model = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
+    return f"{os.cpu_count()} × {model[1] if model else platform.machine()}, Linux"
+
+
+def write_page(path, goals, rounds):
+    table = f"Medians of {rounds} rounds on {machine()}.\n\n{goal.as_markdown(goals)}\n\n"
+    page, count = FIGURES.subn(lambda found: found[1] + "\n" + table + found[2], path.read_text())
+    if count != 1:
+        sys.exit(f"{path} has no place for figures")
+    path.write_text(page)
+
+
+def main():
+    options = arguments()
+    goals = []
+    with tempfile.TemporaryDirectory() as scratch:
+        context = Context(options, scratch)
+        make_device_image(context)
+        for part in (host, images, wire):
+            for reached in part.goals(context):
+                print(*reached.cells(), sep="  ", file=sys.stderr, flush=True)
+                goals.append(reached)
+    print(goal.as_text(goals))
+    if options.write:
+        write_page(options.write, goals, options.rounds)
+    sys.exit(0 if all(reached.met for reached in goals) else 1)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,112 @@
+"""Loading and saving of images, beside other programs and as they grow."""
+
+import math
+import subprocess
+
+from goal import Goal
+from measuring import benchmark, medians
+
+MIB = 1024 * 1024
+ISLAND_BYTES = 200
+
+# What each image is made of: hex_program's words, and its number of bytes.
+FULL_IMAGES = {
+    "dense 16 MiB": (["dense", str(16 * MIB)], 16 * MIB),
+    "dense 64 MiB": (["dense", str(64 * MIB)], 64 * MIB),
+    "20,000 islands": (["islands", "20000"], 20000 * ISLAND_BYTES),
+}
+SHORT_IMAGES = {"dense 4 MiB": (["dense", str(4 * MIB)], 4 * MIB)}
+
+
+def commands_for(context, image, result):
+    programs = context.build / "bench"
+    commands = {
+        "minimal": [programs / "minimal_hex", image],
+        "load": [programs / "hex_program", "load", image],
+        "convert": [programs / "hex_program", "convert", image, result],
+        "objcopy": ["objcopy", "-I", "ihex", "-O", "ihex", image, result],
+    }
+    if not context.short:
+        commands["srec_cat"] = ["srec_cat", image, "-intel", "-o", result, "-intel"]
+    return commands
+
+
+def hex_goals(context):
+    for name, (words, size) in (SHORT_IMAGES if context.short else FULL_IMAGES).items():
+        image, result = context.scratch / "image.hex", context.scratch / "result.hex"
+        subprocess.run([context.build / "bench/hex_program", *words, image], check=True)
+        times = medians(commands_for(context, image, result), context.rounds)
+        yield from ratio_goals(context, name, times)
+        most = 3.5 * size + 10 * MIB
+        for job in ("load", "convert"):
+            yield Goal(
+                "HEX",
+                f"{name}, peak memory of {job} ÷ (3.5 × image + 10 MiB)",
+                times[job].peak_kib * 1024 / most,
+                1,
+                beside=f"{times[job].peak_kib / 1024:.0f} MiB",
+            )
+
+
+def ratio_goals(context, name, times):
+    pairs = [("load", "minimal", 2), ("convert", "objcopy", 0.8), ("convert", "srec_cat", 0.25)]
+    titles = {"minimal": "a minimal C parser"}
+    for mine, other, bound in pairs:
+        if other in times:
+            yield Goal(
+                "HEX",
+                f"{name}, {mine} ÷ {titles.get(other, other)}",
+                times[mine].seconds / times[other].seconds,
+                context.at_most(bound),
+                beside=f"{times[mine].seconds * 1e3:.0f} ms and"
+                f" {times[other].seconds * 1e3:.0f} ms",
+            )
+
+
+def growth_goals(context):
+    """From one size to the next, time grows like a power of the size: to the power of 1 where it is
+    linear, of 1.1 where it is n·log n, of 2 where it is a square. What small images gain from
+    fitting into the processor's caches is left out by looking at the two largest."""
+    sizes = (1, 4) if context.short else (1, 4, 16, 64)
+    counts = (1000, 10000) if context.short else (1000, 10000, 100000)
+    times = benchmark(
+        context.build / "bench/memory_benchmark",
+        "/(" + "|".join(str(n) for n in [*(MIB * size for size in sizes), *counts]) + ")$",
+        context.repetitions,
+        context.min_seconds,
+    )
+    for subject, numbers, unit in (
+        ("dense", [MIB * size for size in sizes], "bytes"),
+        ("islands", counts, "islands"),
+    ):
+        for job in ("load", "check_overlaps", "assemble_rows", "save"):
+            yield growth_goal(context, times, f"{job}_of_{subject}", numbers, unit)
+    for count in counts:
+        ratio = (
+            times[f"assemble_rows_of_islands/{count}"].cpu_ns
+            / times[f"load_of_islands/{count}"].cpu_ns
+        )
+        yield Goal(
+            "growth",
+            f"{count:,} islands, row assembly ÷ load",
+            ratio,
+            context.at_most(2),
+        )
+
+
+def growth_goal(context, times, benchmark_name, numbers, unit):
+    series = [times[f"{benchmark_name}/{number}"].cpu_ns for number in numbers]
+    exponent = math.log(series[-1] / series[-2]) / math.log(numbers[-1] / numbers[-2])
+    return Goal(
+        "growth",
+        f"{benchmark_name.replace('_', ' ')}, up to {numbers[-1]:,} {unit}: last exponent",
+        exponent,
+        1.2 if not context.short else 1.6,
+        beside=", ".join(f"{ns / number:.3g}" for ns, number in zip(series, numbers))
+        + f" ns per {unit[:-1]}",
+    )
+
+
+def goals(context):
+    yield from hex_goals(context)
+    yield from growth_goals(context)

@@ -1,0 +1,82 @@
+"""Runs programs and tells what they needed."""
+
+import json
+import os
+import statistics
+import subprocess
+import time
+from dataclasses import dataclass
+
+
+@dataclass
+class Usage:
+    seconds: float  # from start to end
+    peak_kib: int  # of memory
+
+
+def usage_of(command):
+    """Runs a command to its end; what it prints is thrown away, how it ends is not looked at."""
+    nothing = os.open(os.devnull, os.O_RDWR)
+    redirections = [(os.POSIX_SPAWN_DUP2, nothing, number) for number in (0, 1, 2)]
+    begin = time.perf_counter()
+    process = os.posix_spawnp(command[0], command, os.environ, file_actions=redirections)
+    _, status, resources = os.wait4(process, 0)
+    end = time.perf_counter()
+    os.close(nothing)
+    if os.waitstatus_to_exitcode(status) == 127:
+        raise RuntimeError(f"cannot run {command[0]}")
+    return Usage(end - begin, resources.ru_maxrss)
+
+
+def medians(commands, rounds):
+    """Runs each of the named commands once a round, so that a busy moment falls on all alike."""
+    usages = {name: [] for name in commands}
+    for _ in range(rounds):
+        for name, command in commands.items():
+            usages[name].append(usage_of(command))
+    return {
+        name: Usage(
+            statistics.median(usage.seconds for usage in runs),
+            max(usage.peak_kib for usage in runs),
+        )
+        for name, runs in usages.items()
+    }
+
+
+@dataclass
+class Timing:
+    real_ns: float
+    cpu_ns: float
+
+
+UNIT_NS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def benchmark(program, pattern, rounds, min_seconds, folder="."):
+    """Medians of a benchmark program's timings, by name."""
+    output = subprocess.run(
+        [
+            program,
+            f"--benchmark_filter={pattern}",
+            f"--benchmark_repetitions={rounds}",
+            f"--benchmark_min_time={min_seconds}",
+            "--benchmark_enable_random_interleaving=true",
+            "--benchmark_format=json",
+        ],
+        cwd=folder,
+        check=True,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+    ).stdout
+    timings = {}
+    for entry in json.loads(output)["benchmarks"]:
+        if entry.get("error_occurred"):
+            raise RuntimeError(f"{entry['name']}: {entry['error_message']}")
+        if entry.get("aggregate_name", "median") != "median":
+            continue
+        name = entry["run_name"].split("/real_time")[0].split("/iterations")[0]
+        unit = UNIT_NS[entry["time_unit"]]
+        timing = Timing(entry["real_time"] * unit, entry["cpu_time"] * unit)
+        if entry["run_type"] == "aggregate" or name not in timings:
+            timings[name] = timing
+    return timings

@@ -1,0 +1,66 @@
+"""How well the uploader uses a line that takes its time."""
+
+import json
+import statistics
+import subprocess
+
+from goal import Goal
+
+BAUDS = {57600: ("0201", 0.995), 115200: ("0202", 0.990), 460800: ("0203", 0.970)}
+OPERATIONS = ("read", "write", "verify", "write and verify")
+
+
+def uploader(context, version, operation):
+    words = {
+        "read": ["-r", context.scratch / "read.hex"],
+        "write": ["-w", context.image],
+        "verify": ["-v", context.image],
+        "write and verify": ["-wv", context.image],
+    }[operation]
+    return [context.build / "zserial", "-s", "{}", "-B", version, *words]
+
+
+def pace_of(context, version, operation, command):
+    """Runs a command on a paced device; how long its line was busy, of how long, and how late."""
+    image = ["--check" if operation.startswith("write") else "--memory", context.image]
+    output = subprocess.run(
+        [
+            context.build / "zserial-sim",
+            *("--table", context.bench / "device.txt", "--device", version),
+            *("--entry", "version", "--pace", "--json", *image, "--exec", "--"),
+            *command,
+        ],
+        cwd=context.bench,
+        check=True,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+    ).stdout
+    return json.loads(output.splitlines()[-1])["pace"]
+
+
+def measure(context, version, operation, command, rounds):
+    paces = [pace_of(context, version, operation, command) for _ in range(rounds)]
+    use = statistics.median(pace["busy_us"] / pace["span_us"] for pace in paces)
+    late = statistics.median(pace["mean_lateness_us"] for pace in paces)
+    return use, late
+
+
+def goals(context):
+    for baud, (version, bound) in BAUDS.items():
+        if context.short and baud != max(BAUDS):
+            continue
+        rounds = context.rounds if baud == max(BAUDS) else context.slow_rounds
+        for operation in OPERATIONS[: 2 if context.short else None]:
+            command = uploader(context, version, operation)
+            use, late = measure(context, version, operation, command, rounds)
+            yield Goal(
+                "wire",
+                f"{operation}, {baud} baud",
+                use,
+                context.at_least(bound),
+                at_least=True,
+                beside=f"simulator's last bytes late by {late:.0f} µs in the mean",
+            )
+        bare = [context.build / "bench/bare_reader", "{}", str(baud)]
+        use, late = measure(context, version, "read", bare, rounds)
+        yield Goal.remark("wire", f"read by a bare loop, {baud} baud", use)
