@@ -18,7 +18,7 @@ QByteArray payload_of(int size)
 void encode_payload(benchmark::State& state)
 {
     const QByteArray payload = payload_of(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(frame::encode(payload));
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));
@@ -28,7 +28,7 @@ void decode_frame(benchmark::State& state)
 {
     const QByteArray frame = frame::encode(payload_of(static_cast<int>(state.range(0))));
     QByteArray payload;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(frame::decode(frame, payload));
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));

@@ -3,9 +3,9 @@
 #include <QByteArray>
 #include <QString>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 
 // The tool's own loading and saving of images as a program, to be timed beside other programs:
 //
@@ -61,7 +61,7 @@ bool run(const char* job, const char* input, const char* result)
     MemoryMap image(MemoryMap::default_chunk_size);
     if (std::strcmp(job, "load") == 0) {
         const bool loaded = load(image, input);
-        std::printf("%u\n", image.size());
+        std::cout << image.size() << '\n';
         return loaded;
     }
     if (std::strcmp(job, "convert") == 0) {
@@ -85,9 +85,8 @@ int main(int argc, char** argv)
 {
     const bool has_result = argc == 4;
     if (!has_result && !(argc == 3 && std::strcmp(argv[1], "load") == 0)) {
-        std::fputs("usage: hex_program load FILE | convert FILE RESULT | dense SIZE RESULT | "
-                   "device SIZE RESULT | islands COUNT RESULT\n",
-                   stderr);
+        std::cerr << "usage: hex_program load FILE | convert FILE RESULT | dense SIZE RESULT | "
+                     "device SIZE RESULT | islands COUNT RESULT\n";
         return EXIT_FAILURE;
     }
     return run(argv[1], argv[2], has_result ? argv[3] : nullptr) ? EXIT_SUCCESS : EXIT_FAILURE;

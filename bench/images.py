@@ -101,7 +101,7 @@ def growth_goal(context, times, benchmark_name, numbers, unit):
         "growth",
         f"{benchmark_name.replace('_', ' ')}, up to {numbers[-1]:,} {unit}: last exponent",
         exponent,
-        1.2 if not context.short else 1.6,
+        1.2 if not context.short else 1.8,
         beside=", ".join(f"{ns / number:.3g}" for ns, number in zip(series, numbers))
         + f" ns per {unit[:-1]}",
     )

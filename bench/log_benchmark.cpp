@@ -22,7 +22,7 @@ void log_a_frame(benchmark::State& state)
         state.SkipWithError("the log cannot be written");
         return;
     }
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         slot_command_transmitted(frame_of_a_row());
     }
     serial_record.close();
@@ -37,7 +37,7 @@ void write_the_text_of_a_frame(benchmark::State& state)
         return;
     }
     const QByteArray text = "\nTX:" + frame_of_a_row().toHex();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         file.write(text);
     }
 }

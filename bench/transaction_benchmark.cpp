@@ -45,7 +45,7 @@ void transaction_of_the_device_object(benchmark::State& state)
     ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
     QByteArray response;
     device.open_port();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (!device.send_and_receive(row_read_command(), response, row_size, 1, 300)) {
             state.SkipWithError("a transaction failed");
             break;
@@ -58,7 +58,7 @@ void transaction_of_a_bare_loop(benchmark::State& state)
 {
     const InstantPeer peer(answer_to);
     BareLoop port(peer.port_path(), baud);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(port.exchange(row_read_command()));
     }
     state.SetItemsProcessed(state.iterations());
@@ -71,7 +71,7 @@ void read_of_the_device_object(benchmark::State& state)
     QFile file(folder.filePath(QStringLiteral("read.hex")));
     const bool never = false;
     ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (!device.read(file, never, true, true)) {
             state.SkipWithError("the read failed");
             break;
@@ -86,7 +86,7 @@ void read_of_a_bare_loop(benchmark::State& state)
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("read.bin")));
     BareLoop port(peer.port_path(), baud);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (!file.open(QIODevice::WriteOnly)) {
             state.SkipWithError("the file cannot be written");
             break;
@@ -104,7 +104,7 @@ void write_of_the_device_object(benchmark::State& state)
     MemoryMap image(MemoryMap::default_chunk_size);
     image.write(flash_begin, QByteArray(flash_size, '\x37'));
     ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (!device.write(&image, never, true, true)) {
             state.SkipWithError("the write failed");
             break;
@@ -118,7 +118,7 @@ void write_of_a_bare_loop(benchmark::State& state)
     const InstantPeer peer(answer_to);
     const QByteArray image(flash_size, '\x37');
     BareLoop port(peer.port_path(), baud);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         port.write_flash(flash_begin, image);
     }
     state.SetBytesProcessed(state.iterations() * flash_size);
@@ -134,7 +134,7 @@ void transaction_with_a_lost_response(benchmark::State& state)
     ZarnSerialDevice device(peer.port_path(), nullptr, baud, false, version);
     QByteArray response;
     device.open_port();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (!device.send_and_receive(row_read_command(), response, row_size, 2, 300)) {
             state.SkipWithError("a transaction failed");
             break;

@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
-install_packages "${build_packages[@]}" "${test_packages[@]}" binutils srecord python3
+install_packages "${build_packages[@]}" "${test_packages[@]}" binutils srecord
 cmake --preset release
 cmake --build --preset release
 if [ "${1:-}" != --short ]; then

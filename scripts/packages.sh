@@ -21,5 +21,5 @@ install_packages() {
 }
 
 build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3)
 lint_packages=(clang-format clang-tidy)
