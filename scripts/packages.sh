@@ -22,4 +22,5 @@ install_packages() {
 
 build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3)
+fuzz_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy)

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Builds and runs all tests: optimised, then under AddressSanitizer and UndefinedBehaviorSanitizer.
-# With arguments, only the presets named.
+# Builds and runs all tests: optimised, then under AddressSanitizer and UndefinedBehaviorSanitizer,
+# then every fuzz target for a moment. With arguments, only the presets named.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
-install_packages "${build_packages[@]}" "${test_packages[@]}"
+install_packages "${build_packages[@]}" "${test_packages[@]}" "${fuzz_packages[@]}"
 if [ $# -eq 0 ]; then
-    set -- release sanitizers
+    set -- release sanitizers fuzz
 fi
 for preset in "$@"; do
     cmake --preset "$preset"
