@@ -12,12 +12,24 @@ namespace sim
 namespace
 {
 
+/// Somebody else has seen to it that the signal is ignored, as nohup does.
+bool is_ignored(int signal)
+{
+    struct sigaction action {
+    };
+
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 int open_signals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    if (!is_ignored(SIGHUP)) {
+        sigaddset(&signals, SIGHUP);
+    }
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     const int descriptor = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
     if (descriptor < 0) {

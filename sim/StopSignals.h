@@ -8,8 +8,9 @@
 namespace sim
 {
 
-/// Turns SIGINT and SIGTERM into an event. From its construction on the two no longer end the
-/// process, so make one before announcing anything that somebody might stop.
+/// Turns SIGINT, SIGTERM and, unless it is ignored already, SIGHUP into an event. From its
+/// construction on they no longer end the process, so make one before announcing anything that
+/// somebody might stop.
 class StopSignals : public QObject
 {
     Q_OBJECT

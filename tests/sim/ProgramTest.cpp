@@ -154,6 +154,24 @@ TEST_F(SimProgram, StopsAtAnInterruptToo)
     EXPECT_EQ(output(), idle_summary);
 }
 
+TEST_F(SimProgram, StopsWhenItsTerminalIsClosed)
+{
+    serve("--table one.txt --link port");
+    EXPECT_EQ(stop_by(SIGHUP), 0);
+    EXPECT_EQ(output(), idle_summary);
+    EXPECT_FALSE(QFileInfo(folder.filePath(QStringLiteral("port"))).isSymLink());
+}
+
+TEST_F(SimProgram, LivesOnWhenItIsToldNotToMindItsTerminal)
+{
+    process.start(QStringLiteral("nohup"), {QStringLiteral(ZSERIAL_SIM), QStringLiteral("--table"),
+                                            QStringLiteral("one.txt")});
+    HostPort host(QString::fromLocal8Bit(read_line()).trimmed());
+    EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGHUP), 0);
+    EXPECT_EQ(host.ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+}
+
 TEST_F(SimProgram, TakesTheOnlyDeviceOfATable)
 {
     HostPort host(serve("--table one.txt"));
