@@ -44,6 +44,9 @@ FaultInjector::FaultInjector(const FaultSettings& settings)
       m_request_damage(settings.request_bytes, draws_for(settings, FaultKind::RequestBytes)),
       m_response_damage(settings.response_bytes, draws_for(settings, FaultKind::ResponseBytes))
 {
+    if (!settings.stuck_bits.empty()) {
+        m_counts[FaultKind::StuckBits] = static_cast<unsigned int>(settings.stuck_bits.size());
+    }
 }
 
 QByteArray FaultInjector::damage_request(const QByteArray& bytes)
@@ -59,7 +62,7 @@ Handling FaultInjector::judge(const Command& command)
 {
     Decision decision;
     decision.faults = m_plan.next();
-    const Handling handling = m_has_power ? apply_to_request(command, decision) : Handling::Ignored;
+    const Handling handling = m_hears ? apply_to_request(command, decision) : Handling::Ignored;
     m_decisions.push_back(decision);
     return handling;
 }
@@ -71,7 +74,7 @@ Handling FaultInjector::apply_to_request(const Command& command, Decision& decis
         const Handling handling = effect_of(fault.kind, command);
         if (handling != Handling::Normal) {
             decision.applied.push_back(fault.kind);
-            m_has_power = fault.kind != FaultKind::PowerLoss;
+            m_hears = fault.kind != FaultKind::PowerLoss && fault.kind != FaultKind::Unplug;
             return handling;
         }
     }

@@ -32,7 +32,8 @@ public:
     /// What goes out for a command; asked once for each that was judged, in the same order.
     Reply reply(const Command& command, const QByteArray& answer);
 
-    /// How often each kind has been applied; kinds that never were are missing.
+    /// How often each kind has been applied; kinds that never were are missing. Of stuck bits, how
+    /// many have been asked for.
     const std::map<FaultKind, unsigned int>& counts() const { return m_counts; }
 
 private:
@@ -48,7 +49,7 @@ private:
     FaultPlan m_plan;
     ByteDamage m_request_damage;
     ByteDamage m_response_damage;
-    bool m_has_power = true;
+    bool m_hears = true; ///< it has power and a line
     std::deque<Decision> m_decisions;
     std::map<FaultKind, unsigned int> m_counts;
 };

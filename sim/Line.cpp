@@ -51,6 +51,9 @@ void Line::take_from_host(const QByteArray& bytes, unsigned int baud)
 
 void Line::send(const Piece& piece)
 {
+    if (!m_terminal.is_plugged_in()) {
+        return;
+    }
     const qint64 now_ns = Alarm::now_ns();
     if (m_options.paced) {
         m_use.add(line_time_ns(piece.bytes.size() - piece.passed, piece.baud), now_ns);

@@ -38,7 +38,7 @@ public:
     /// Bytes are on their way to the device.
     bool device_has_unread() const { return !m_to_device.is_empty(); }
 
-    /// Sends to the host.
+    /// Sends to the host, as long as the line is plugged in.
     void send(const Piece& piece);
     /// See PseudoTerminal::unplug().
     void unplug();

@@ -223,7 +223,7 @@ TEST_F(SimRig, HasBitsThatStick)
     const QByteArray read = bytes("01 01 00 08 00");
     const QByteArray read_answer = make_frame(read + bytes("58 5B"));
     EXPECT_EQ(host->ask(make_frame(read), read_answer), read_answer);
-    EXPECT_NE(rig->summary().seed, std::nullopt);
+    EXPECT_EQ(counts(), (Counts{{FaultKind::StuckBits, 2}}));
 }
 
 TEST_F(SimRig, LosesItsPowerAndKeepsItsMemory)
@@ -248,6 +248,16 @@ TEST_F(SimRig, VanishesFromTheHost)
     EXPECT_FALSE(QFile::exists(rig->device().port_path()));
     EXPECT_EQ(memory(0x1000, 0x40), row_data);
     EXPECT_EQ(counts(), (Counts{{FaultKind::Unplug, 1}}));
+}
+
+TEST_F(SimRig, HearsAndSaysNothingMoreOnceItHasVanished)
+{
+    options.device.echo = sim::Options::Echo::Apart;
+    start({"unplug@1"});
+    host->send(erase_request + row_request);
+    EXPECT_TRUE(wait_until([this] { return host->port().error() != QSerialPort::NoError; }));
+    EXPECT_EQ(memory(0x1000, 0x40), QByteArray(0x40, '\xFF'));
+    EXPECT_EQ(rig->device().line().bytes_to_host(), 0);
 }
 
 TEST_F(SimRig, HearsDamagedBytes)
