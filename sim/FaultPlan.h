@@ -4,7 +4,6 @@
 #include "sim/FaultKind.h"
 
 #include <cstdint>
-#include <map>
 #include <set>
 #include <vector>
 
@@ -27,21 +26,25 @@ struct Fault {
 };
 
 /// Which faults happen to which command. The same seed and rules always give the same plan; what
-/// chance does to one kind of fault has no influence on the others.
+/// chance does to one rule has no influence on the others.
 class FaultPlan
 {
 public:
     FaultPlan(std::vector<FaultRule> rules, std::uint64_t seed);
 
-    /// The faults for the next command, the first call's being number 1; each kind once at most, in
-    /// the order of the kinds.
+    /// The faults for the next command, the first call's being number 1; each kind once at most, by
+    /// the first of its rules that hits, in the order of the kinds.
     std::vector<Fault> next();
 
 private:
-    const FaultRule* rule_for(FaultKind kind, std::uint64_t draw) const;
+    struct DrawnRule {
+        FaultRule rule;
+        DrawStream draws;
+    };
 
-    std::vector<FaultRule> m_rules;
-    std::map<FaultKind, DrawStream> m_draws; ///< of the kinds in the rules
+    void add(const FaultRule& rule, std::uint64_t seed);
+
+    std::vector<DrawnRule> m_rules; ///< in the order of their kinds
     unsigned int m_number = 0;
 };
 

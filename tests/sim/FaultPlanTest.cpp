@@ -135,6 +135,23 @@ TEST(SimFaultPlan, AddsNumbersToAChanceWithoutDisturbingIt)
     EXPECT_EQ(hits(both, FaultKind::LoseResponse), expected);
 }
 
+TEST(SimFaultPlan, GivesEachRuleOfAKindItsOwnChance)
+{
+    FaultRule rarely = by_chance(FaultKind::DelayResponse, 0.1);
+    rarely.delay_ms = 400;
+    FaultRule often = by_chance(FaultKind::DelayResponse, 0.5);
+    often.delay_ms = 5;
+    FaultPlan plan({often, rarely}, 1);
+    std::map<int, int> times;
+    for (int number = 1; number <= 1000; ++number) {
+        for (const Fault& fault : plan.next()) {
+            ++times[fault.delay_ms];
+        }
+    }
+    // The first that hits is the one that happens, so of about 100 only about 50 remain.
+    EXPECT_EQ(times, (std::map<int, int>{{5, 497}, {400, 53}}));
+}
+
 TEST(SimFaultPlan, OrdersTheFaultsOfACommandByTheirEffect)
 {
     FaultPlan plan({at(FaultKind::Noise, {1}), at(FaultKind::LoseRequest, {1}),
