@@ -19,7 +19,16 @@ bool is_hexadecimal(const QByteArray& digits)
     const auto is_digit = [](char c) {
         return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
     };
-    return digits.size() % 2 == 0 && std::all_of(digits.begin(), digits.end(), is_digit);
+    return std::all_of(digits.begin(), digits.end(), is_digit);
+}
+
+/// The line is one of a log as far as it goes.
+bool may_be_cut(const QByteArray& line)
+{
+    const QByteArray prefix = line.left(prefix_length);
+    const bool has_prefix =
+        QByteArray("TX:").startsWith(prefix) || QByteArray("RX:").startsWith(prefix);
+    return has_prefix && is_hexadecimal(line.mid(prefix_length));
 }
 
 /// False when the line is none of a log.
@@ -27,7 +36,8 @@ bool add_line(FrameLog& log, const QByteArray& line)
 {
     const QByteArray digits = line.mid(prefix_length);
     const bool is_sent = line.startsWith("TX:");
-    if ((!is_sent && !line.startsWith("RX:")) || !is_hexadecimal(digits)) {
+    const bool has_prefix = is_sent || line.startsWith("RX:");
+    if (!has_prefix || !is_hexadecimal(digits) || digits.size() % 2 != 0) {
         return false;
     }
     if (is_sent) {
@@ -43,11 +53,11 @@ bool add_line(FrameLog& log, const QByteArray& line)
 FrameLog parse_frame_log(const QByteArray& content, const QString& path)
 {
     FrameLog log;
-    int number = 0;
-    for (const QByteArray& raw : content.split('\n')) {
-        ++number;
-        const QByteArray line = raw.trimmed();
-        if (!line.isEmpty() && !add_line(log, line)) {
+    const QList<QByteArray> lines = content.split('\n');
+    for (int number = 1; number <= lines.size(); ++number) {
+        const QByteArray line = lines.at(number - 1).trimmed();
+        const bool is_cut = number == lines.size() && may_be_cut(line);
+        if (!line.isEmpty() && !add_line(log, line) && !is_cut) {
             throw UsageError(QStringLiteral("--replay %1: line %2 is no frame of a log")
                                  .arg(path, QString::number(number)));
         }

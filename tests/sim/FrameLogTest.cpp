@@ -62,10 +62,21 @@ TEST(SimFrameLog, MayHaveBeenThroughAnEditor)
 TEST(SimFrameLog, IsRefusedWithTheLineThatIsNone)
 {
     for (const char* line : {"hello", "TX:5", "TX:5g", "tx:55", "RX 55", "TX: 55"}) {
-        EXPECT_EQ(complaint_about(QByteArray("\nTX:55\n") + line),
+        EXPECT_EQ(complaint_about(QByteArray("\nTX:55\n") + line + '\n'),
                   "--replay log: line 3 is no frame of a log")
             << line;
     }
+}
+
+TEST(SimFrameLog, MayEndInTheMiddleOfALine)
+{
+    for (const char* cut : {"T", "TX", "TX:", "TX:5", "TX:555", "R", "RX", "RX:", "RX:5"}) {
+        EXPECT_EQ(entries_of(QByteArray("\nTX:55\nRX:66\n") + cut).front(),
+                  (Entries::value_type{bytes("55"), bytes("66")}))
+            << cut;
+    }
+    EXPECT_EQ(complaint_about("\nTX:55\nhello"), "--replay log: line 3 is no frame of a log");
+    EXPECT_EQ(complaint_about("\nTX:55\nTX:5g"), "--replay log: line 3 is no frame of a log");
 }
 
 TEST(SimFrameLog, IsReadFromAFileInWhichSomethingWasSent)
