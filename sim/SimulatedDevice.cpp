@@ -126,9 +126,15 @@ bool SimulatedDevice::Reply::is_immediate() const
     return ready_ns == heard_ns && !deliveries.empty() && deliveries.front().delay_ms <= 0;
 }
 
+/// Where the line takes its time, that alone decides what comes together.
+bool SimulatedDevice::holds_answers_back() const
+{
+    return m_options.echo == Options::Echo::Apart && !m_options.paced && m_options.latency_ms == 0;
+}
+
 void SimulatedDevice::post(const Reply& reply)
 {
-    const bool apart = reply.deliveries.size() > 1 || m_options.echo == Options::Echo::Apart;
+    const bool apart = reply.deliveries.size() > 1 || holds_answers_back();
     bool is_first = true;
     for (const Delivery& delivery : reply.deliveries) {
         Piece piece{delivery.bytes, reply.baud};

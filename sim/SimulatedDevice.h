@@ -22,7 +22,8 @@ struct Options {
     /// A half-duplex line brings every byte that the host sends back to the host.
     enum class Echo {
         None,
-        Apart,    ///< the echo can be read before the answer is there
+        Apart, ///< the echo can be read before the answer is there, unless the line's times bring
+               ///< both together
         Together, ///< echo and answer come in a single piece
     };
 
@@ -113,6 +114,7 @@ private:
     Reply reply_to(Exchange& exchange, qint64 now_ns);
     std::vector<Delivery> deliveries_for(const Exchange& exchange) const;
     int work_ms(const Exchange& exchange) const;
+    bool holds_answers_back() const;
     void echo(const Piece& heard, qint64 now_ns, const std::vector<Reply>& replies);
     void post(const Reply& reply);
 

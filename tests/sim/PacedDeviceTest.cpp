@@ -113,20 +113,23 @@ TEST_F(SimPacedDevice, KnowsHowLongItsLineWasInUse)
     EXPECT_GE(use.span_ns(), use.busy_ns());
 }
 
-TEST_F(SimPacedDevice, EchoesWhileTheBytesPassAndAnswersApart)
+TEST_F(SimPacedDevice, EchoesWhileTheBytesPass)
 {
     Options options = paced();
     options.echo = Options::Echo::Apart;
     start(options);
     const qint64 bytes_ns = line_time_ns(read_request.size() + read_answer.size(), slow_baud);
     EXPECT_GE(time_of(read_request, read_request + read_answer), bytes_ns);
-    QByteArray echo;
-    for (const QByteArray& piece : host->pieces()) {
-        if (echo.size() < read_request.size()) {
-            echo.append(piece);
-        }
-    }
-    EXPECT_EQ(echo, read_request);
+}
+
+TEST_F(SimPacedDevice, BringsEchoAndAnswerInOnePacketWhenBothFitIntoTheLatency)
+{
+    Options options;
+    options.latency_ms = 30;
+    options.echo = Options::Echo::Apart;
+    start(options);
+    EXPECT_GE(time_of(erase_request, erase_request + erase_answer), 30 * ms);
+    EXPECT_THAT(host->pieces(), ElementsAre(erase_request + erase_answer));
 }
 
 TEST_F(SimPacedDevice, BringsEchoAndAnswerTogetherWhenBothHavePassed)
