@@ -117,7 +117,8 @@ QStringList command_of(const OptionParser& parser)
         throw UsageError(QStringLiteral("--exec needs a command: --exec -- COMMAND {} ..."));
     }
     if (!parser.has("exec") && !rest.isEmpty()) {
-        throw UsageError(QStringLiteral("'%1' is no option").arg(rest.first()));
+        throw UsageError(
+            QStringLiteral("'%1' is no option; a command needs --exec").arg(rest.first()));
     }
     return rest;
 }

@@ -95,7 +95,7 @@ void set_trigger(FaultRule& rule, const Words& words)
 {
     if (words.trigger.isNull()) {
         throw UsageError(
-            QStringLiteral("it says not when: KIND=P with a probability, or KIND@N[,N...]"
+            QStringLiteral("it does not say when: KIND=P with a probability, or KIND@N[,N...]"
                            " with numbers of commands"));
     }
     if (words.trigger == QLatin1Char('=')) {

@@ -149,7 +149,7 @@ TEST(SimArguments, AreRefusedWithTheReason)
     const std::vector<std::pair<const char*, const char*>> refusals = {
         {"--unknown", "Unknown option 'unknown'."},
         {"--device", "Missing value after '--device'."},
-        {"stray", "'stray' is no option"},
+        {"stray", "'stray' is no option; a command needs --exec"},
         {"--device 12345", "'12345' is no bootloader version such as 0102 or 0x0102"},
         {"--device probe", "'probe' is no bootloader version such as 0102 or 0x0102"},
         {"--entry loud", "'loud' is no --entry behaviour: probe, version or silent"},
@@ -163,7 +163,7 @@ TEST(SimArguments, AreRefusedWithTheReason)
         {"--seed x", "--seed: 'x' is no whole number"},
         {"--seed -1", "--seed: '-1' is no whole number"},
         {"--exec", "--exec needs a command: --exec -- COMMAND {} ..."},
-        {"-- tool", "'tool' is no option"},
+        {"-- tool", "'tool' is no option; a command needs --exec"},
         {"--exec tool -s {}", "Unknown option 's'."},
     };
     for (const auto& [words, complaint] : refusals) {

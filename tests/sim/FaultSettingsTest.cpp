@@ -126,8 +126,9 @@ TEST(SimFaultSettings, AreRefusedWithTheReason)
         {"lose=1",
          "--fault lose=1: there is no fault 'lose', only " + sim::fault_kind_list().toStdString()},
         {"", "--fault : there is no fault '', only " + sim::fault_kind_list().toStdString()},
-        {"noise", "--fault noise: it says not when: KIND=P with a probability, or KIND@N[,N...] "
-                  "with numbers of commands"},
+        {"noise",
+         "--fault noise: it does not say when: KIND=P with a probability, or KIND@N[,N...] "
+         "with numbers of commands"},
         {"noise=1.5", "--fault noise=1.5: '1.5' is no probability from 0 to 1"},
         {"noise=-0.1", "--fault noise=-0.1: '-0.1' is no probability from 0 to 1"},
         {"noise=nan", "--fault noise=nan: 'nan' is no probability from 0 to 1"},
