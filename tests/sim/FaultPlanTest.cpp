@@ -47,6 +47,7 @@ std::vector<unsigned int> hits(FaultPlan plan, FaultKind kind)
 std::vector<FaultKind> kinds(const std::vector<Fault>& faults)
 {
     std::vector<FaultKind> result;
+    result.reserve(faults.size());
     for (const Fault& fault : faults) {
         result.push_back(fault.kind);
     }
@@ -72,10 +73,7 @@ TEST(SimChance, CoversItsPartOfAllNumbers)
 TEST(SimDrawStream, GivesTheSameNumbersEverywhere)
 {
     DrawStream draws(1, "noise");
-    std::vector<std::uint64_t> numbers;
-    for (int i = 0; i < 3; ++i) {
-        numbers.push_back(draws.next());
-    }
+    const std::vector<std::uint64_t> numbers = {draws.next(), draws.next(), draws.next()};
     EXPECT_THAT(numbers,
                 ElementsAre(0xFCEA675A6BCEAE07U, 0xFD6D7D6A371AC672U, 0x2DC0213A6523FA3EU));
     EXPECT_NE(DrawStream(2, "noise").next(), numbers[0]);
