@@ -68,7 +68,8 @@ std::vector<Delivery> Rig::reply_to(const Command& command, const QByteArray& an
 /// A log begins behind the probe; and what did not get to the recorded device has no answer there.
 QByteArray Rig::recorded_answer(const Command& command, const QByteArray& answer)
 {
-    const bool is_recorded = m_replay && command.kind != Command::Kind::Probe && !command.ignored;
+    const bool is_heard = !command.ignored && m_options.device.entry != Entry::Silent;
+    const bool is_recorded = m_replay && is_heard && command.kind != Command::Kind::Probe;
     return is_recorded ? m_replay->answer_to(command.payload) : answer;
 }
 

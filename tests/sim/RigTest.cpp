@@ -379,6 +379,17 @@ TEST_F(SimRig, AnswersAProbeByItselfWhenItReplays)
     EXPECT_EQ(host->ask(version_request, "\x01\x02\x03"), "\x01\x02\x03");
 }
 
+TEST_F(SimRig, StaysSilentBesideALogToo)
+{
+    options.replay = write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203");
+    options.device.entry = Entry::Silent;
+    rig = std::make_unique<Rig>(*profile, options);
+    host = std::make_unique<HostPort>(rig->device().port_path(), 57600);
+    host->send(version_request);
+    ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 1; }));
+    EXPECT_EQ(rig->device().line().bytes_to_host(), 0);
+}
+
 TEST_F(SimRig, LetsFaultsHappenToRecordedAnswersToo)
 {
     options.replay = write_file("log", "\nTX:" + erase_request.toHex() + "\nRX:010203\nTX:" +
