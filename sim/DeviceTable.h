@@ -8,28 +8,20 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 
 namespace sim
 {
-
-/// A table can't be used; what() says why.
-class TableError : public std::runtime_error
-{
-public:
-    explicit TableError(const QString& text) : std::runtime_error(text.toStdString()) {}
-};
 
 /// The devices of a profile table by bootloader version, later rows replacing earlier ones.
 class DeviceTable
 {
 public:
-    /// Reads the table. Throws TableError when it can't be read or holds a bad row.
+    /// Reads the table. Throws UsageError when it can't be read or holds a bad row.
     explicit DeviceTable(const QString& path);
 
     /// One line per device in ascending order: the version as four hexadecimal digits, the name.
     QStringList listing() const;
-    /// The device of this version; without a version, the only one there is. Throws TableError
+    /// The device of this version; without a version, the only one there is. Throws UsageError
     /// when there is no such device, or when there are several to choose from.
     const Profile& choose(std::optional<unsigned short> version) const;
 

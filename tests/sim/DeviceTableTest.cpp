@@ -1,5 +1,6 @@
 #include "sim/DeviceTable.h"
 
+#include "sim/UsageError.h"
 #include "tests/sim/SampleDevice.h"
 
 #include <QFile>
@@ -7,7 +8,7 @@
 #include <gtest/gtest.h>
 
 using sim::DeviceTable;
-using sim::TableError;
+using sim::UsageError;
 using sim_test::Changes;
 using sim_test::sample_fields;
 
@@ -41,7 +42,7 @@ protected:
     {
         try {
             action();
-        } catch (const TableError& error) {
+        } catch (const UsageError& error) {
             return QString::fromUtf8(error.what()).replace(path, QStringLiteral("T")).toStdString();
         }
         return "nothing thrown";
