@@ -14,7 +14,7 @@ const char* const description =
     "Simulates a device with a serial bootloader on a pseudo-terminal.\n\n"
     "The path of the port is the first line printed. The device serves until the command of "
     "--exec\n"
-    "ends or, without one, until it is stopped by SIGINT or SIGTERM; then a summary is printed.\n\n"
+    "ends or, without one, until SIGINT, SIGTERM or SIGHUP; then a summary is printed.\n\n"
     "A fault is written KIND=P, each time with the probability P, or KIND@N[,N...], at the Nth\n"
     "command. Kinds: lose-request, corrupt-request, phantom-write (acknowledged, not done),\n"
     "half-write (acknowledged, half done), wrong-ack, power-loss, unplug, lose-response,\n"
