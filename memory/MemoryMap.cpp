@@ -51,6 +51,7 @@ AddressedBLOB& MemoryMap::append_blob(unsigned int address)
     blob->address = address;
     m_in_order = m_in_order && (m_blobs.empty() || lies_before(*m_blobs.back(), *blob));
     m_blobs.push_back(std::move(blob));
+    m_addresses.push_back(address);
     return *m_blobs.back();
 }
 
@@ -60,16 +61,14 @@ MemoryMap::candidates(unsigned int first_address, unsigned int last_address) con
     if (!m_in_order) {
         return {m_blobs.begin(), m_blobs.end()};
     }
-    const auto begins_above = [](unsigned int address, const Blobs::value_type& blob) {
-        return address < blob->address;
-    };
-    auto begin = std::upper_bound(m_blobs.begin(), m_blobs.end(), first_address, begins_above);
-    const auto end = std::upper_bound(begin, m_blobs.end(), last_address, begins_above);
+    const auto addresses = m_addresses.begin();
+    auto begin = std::upper_bound(addresses, m_addresses.end(), first_address);
+    const auto end = std::upper_bound(begin, m_addresses.end(), last_address);
     // The blob before may reach into the range; those before that one end where it begins.
-    if (begin != m_blobs.begin()) {
+    if (begin != addresses) {
         --begin;
     }
-    return {begin, end};
+    return {m_blobs.begin() + (begin - addresses), m_blobs.begin() + (end - addresses)};
 }
 
 int MemoryMap::get_blob_index(unsigned int address) const
@@ -132,15 +131,21 @@ unsigned int MemoryMap::size() const
 void MemoryMap::clear()
 {
     m_blobs.clear();
+    m_addresses.clear();
     m_in_order = true;
 }
 
 bool MemoryMap::has_overlaps()
 {
+    if (m_in_order) {
+        return false;
+    }
     // Stable, so that of blobs at one address the later one stays the later one.
     std::stable_sort(m_blobs.begin(), m_blobs.end(), [](const auto& a, const auto& b) {
         return AddressedBLOB::address_sort_compare(a.get(), b.get());
     });
+    std::transform(m_blobs.begin(), m_blobs.end(), m_addresses.begin(),
+                   [](const auto& blob) { return blob->address; });
     const auto overlap =
         std::adjacent_find(m_blobs.begin(), m_blobs.end(), [](const auto& blob, const auto& next) {
             return end_address(*blob) > next->address;

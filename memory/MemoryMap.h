@@ -77,6 +77,9 @@ private:
 
     unsigned int m_chunk_size;
     Blobs m_blobs;
+    /// Their addresses, side by side: a search through a long list would spend its time waiting for
+    /// blobs that are spread over memory.
+    std::vector<unsigned int> m_addresses;
     /// True while the list is known to be sorted by address without overlaps.
     bool m_in_order = true;
 };
