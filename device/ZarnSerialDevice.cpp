@@ -29,7 +29,7 @@ ZarnSerialDevice::~ZarnSerialDevice() = default;
 
 bool ZarnSerialDevice::open_port()
 {
-    if (m_port.isOpen() || m_port.open(QIODevice::ReadWrite)) {
+    if (m_port.isOpen() || m_has_vanished || m_port.open(QIODevice::ReadWrite)) {
         return true;
     }
     return error(
@@ -52,12 +52,13 @@ void ZarnSerialDevice::process_events()
 
 /// The notifier of a port that is gone fires without end and would keep a core busy through every
 /// wait that follows. A closed port is silent, so what is left of the run sees a device that does
-/// not answer.
+/// not answer. It counts as open: whatever has its name by now may be another device.
 void ZarnSerialDevice::drop_vanished_port(QSerialPort::SerialPortError error)
 {
     const bool gone = error == QSerialPort::ReadError || error == QSerialPort::WriteError ||
                       error == QSerialPort::ResourceError;
     if (gone && m_port.isOpen()) {
+        m_has_vanished = true;
         m_port.close();
     }
 }

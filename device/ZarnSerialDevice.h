@@ -43,6 +43,8 @@ public:
 
     // ---- the line -------------------------------------------------------------------------
 
+    /// True at once when the port is open. One that has vanished since it was opened counts as open
+    /// and silent until the entry procedure opens it anew.
     bool open_port();
     /// Reports a message (debug channel and sig_error); always false.
     bool error(QString message);
@@ -151,6 +153,7 @@ private:
     QString attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
                     unsigned short expected_response_length, int timeout);
 
+    bool open_anew(qint32 baud);
     std::optional<QByteArray> probe_for_version();
     std::optional<QByteArray> catch_starting_bootloader();
     void let_bootloader_settle();
@@ -213,6 +216,7 @@ private:
     bool write_eeprom_blobs(const MemoryMap& map, const bool& abort_requested, Progress& progress);
 
     QSerialPort m_port;
+    bool m_has_vanished = false; ///< the port was open and is gone
     void (*m_process_events)();
     bool m_half_duplex = false;
     unsigned int m_baud;

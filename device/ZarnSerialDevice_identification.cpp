@@ -104,8 +104,7 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
 {
     for (int pass = 0; pass < entry_passes; ++pass) {
         qDebug() << "Trying 0x55 9600 baud\n";
-        m_port.setBaudRate(starting_baud);
-        if (!open_port()) {
+        if (!open_anew(starting_baud)) {
             return false;
         }
         if (const auto reply = catch_starting_bootloader()) {
@@ -113,8 +112,7 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
             return accept_version(*reply, version);
         }
         qDebug() << "Trying version command 460800 baud\n";
-        m_port.setBaudRate(running_baud);
-        if (!open_port()) {
+        if (!open_anew(running_baud)) {
             return false;
         }
         QByteArray response;
@@ -123,6 +121,14 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
         }
     }
     return false;
+}
+
+/// Entry finds out what device there is, so a port that vanished may come back as any.
+bool ZarnSerialDevice::open_anew(qint32 baud)
+{
+    m_has_vanished = false;
+    m_port.setBaudRate(baud);
+    return open_port();
 }
 
 /// What an earlier probe's answer left in the buffer counts: a reply may come in pieces.
@@ -155,6 +161,7 @@ void ZarnSerialDevice::let_bootloader_settle()
 {
     m_event_loop.exit();
     m_port.close();
+    m_has_vanished = false;
     m_receive_buffer.clear();
     m_timer.start(settle_ms);
     m_event_loop.exec();

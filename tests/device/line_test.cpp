@@ -5,10 +5,8 @@
 #include "tests/support/Replies.h"
 #include "tests/support/Waiting.h"
 
-#include <QElapsedTimer>
 #include <gmock/gmock.h>
 
-#include <ctime>
 #include <memory>
 
 using testing::ElementsAre;
@@ -30,11 +28,6 @@ std::string system_text(const QString& port)
     QSerialPort serial_port(port);
     EXPECT_FALSE(serial_port.open(QIODevice::ReadWrite));
     return serial_port.errorString().toStdString();
-}
-
-double seconds_of_processor()
-{
-    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
 } // namespace
@@ -144,38 +137,4 @@ TEST(Line, AWaitDoesNotLookAtWhatIsThereUntilItsEnd)
     QTimer::singleShot(50, &line.device, [&] { time_passed = true; });
     EXPECT_TRUE(line.device.read_until_terminated_or_timed_out(100));
     EXPECT_TRUE(time_passed);
-}
-
-TEST(VanishedLine, IsLikeASilentDeviceAndCostsNoProcessorTime)
-{
-    DeviceOnLine line("sample");
-    ASSERT_TRUE(line.device.open_port());
-    line.simulated.set_reply_filter([&](const sim::Command&, const QByteArray&) {
-        line.simulated.unplug();
-        return no_reply();
-    });
-    QElapsedTimer elapsed;
-    elapsed.start();
-    const double before = seconds_of_processor();
-    QByteArray response;
-    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 5, 300));
-    EXPECT_LT(seconds_of_processor() - before, static_cast<double>(elapsed.elapsed()) / 1000 / 2);
-    EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", "sig_encoded_command 55 55 00 02 FE 04",
-                            "sig_error giving up after having made 5 attempts, with errors "
-                            "(Response wait timed out\nResponse wait timed out\nResponse wait "
-                            "timed out\nResponse wait timed out\nResponse wait timed out\n)"));
-    EXPECT_FALSE(line.port.is_open());
-}
-
-TEST(VanishedLine, BetweenTwoCommandsIsLikeASilentDeviceToo)
-{
-    DeviceOnLine line("sample");
-    ASSERT_TRUE(line.device.open_port());
-    line.simulated.unplug();
-    QByteArray response;
-    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 2, 300));
-    EXPECT_EQ(line.recorder.lines().back(),
-              "sig_error giving up after having made 2 attempts, with errors (Response wait timed "
-              "out\nResponse wait timed out\n)");
 }
