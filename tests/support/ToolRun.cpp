@@ -3,9 +3,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
-#include <QProcess>
 #include <QProcessEnvironment>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -14,7 +12,7 @@
 namespace
 {
 
-constexpr int longest_run_ms = 60'000;
+constexpr int longest_run_ms = ZSERIAL_LONGEST_RUN_S * 1000;
 
 /// The caller's environment without what would change the tool's output.
 QProcessEnvironment environment()
@@ -36,13 +34,6 @@ void prepare(QProcess& process, const QString& folder)
     process.setWorkingDirectory(folder);
     process.setProcessEnvironment(environment());
     process.setStandardInputFile(QProcess::nullDevice());
-}
-
-ToolResult ending_of(QProcess& process, const QByteArray& out)
-{
-    EXPECT_NE(process.error(), QProcess::FailedToStart) << ZSERIAL_PROGRAM;
-    return {process.exitStatus() == QProcess::CrashExit, process.exitCode(),
-            out + process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 QByteArray escaped(const QByteArray& text)
@@ -83,6 +74,43 @@ std::ostream& operator<<(std::ostream& stream, const ToolResult& result)
     return stream;
 }
 
+RunningTool::RunningTool(const QString& folder, const QStringList& arguments, QByteArray awaited,
+                         Look look)
+    : m_awaited(std::move(awaited)),
+      m_look(std::move(look))
+{
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, [this] { take_output(); });
+    QObject::connect(&m_watchdog, &QTimer::timeout, [this] {
+        ADD_FAILURE() << "zserial did not end by itself";
+        m_process.kill();
+    });
+    prepare(m_process, folder);
+    m_process.start(QStringLiteral(ZSERIAL_PROGRAM), arguments, QIODevice::ReadOnly);
+    m_watchdog.start(longest_run_ms);
+}
+
+void RunningTool::take_output()
+{
+    const bool awaited = m_look && !m_out.contains(m_awaited);
+    m_out += m_process.readAllStandardOutput();
+    if (awaited && m_out.contains(m_awaited)) {
+        m_look(process());
+    }
+}
+
+ToolResult RunningTool::result()
+{
+    QEventLoop loop;
+    QObject::connect(&m_process, &QProcess::stateChanged, &loop, &QEventLoop::quit);
+    while (!has_ended()) {
+        loop.exec();
+    }
+    m_watchdog.stop();
+    EXPECT_NE(m_process.error(), QProcess::FailedToStart) << ZSERIAL_PROGRAM;
+    return {m_process.exitStatus() == QProcess::CrashExit, m_process.exitCode(),
+            m_out + m_process.readAllStandardOutput(), m_process.readAllStandardError()};
+}
+
 ToolRun::ToolRun()
 {
     EXPECT_TRUE(m_folder.isValid()) << m_folder.errorString().toStdString();
@@ -112,39 +140,23 @@ QStringList ToolRun::files() const
     return QDir(m_folder.path()).entryList(QDir::Files | QDir::System, QDir::Name);
 }
 
-void ToolRun::once_printed(const QByteArray& text, std::function<void(qint64 process)> look)
+void ToolRun::once_printed(const QByteArray& text, RunningTool::Look look)
 {
     m_awaited = text;
     m_look = std::move(look);
 }
 
+std::unique_ptr<RunningTool> ToolRun::start(const QStringList& arguments) const
+{
+    return std::make_unique<RunningTool>(m_folder.path(), arguments, m_awaited, m_look);
+}
+
 ToolResult ToolRun::run(const QStringList& arguments) const
 {
-    QProcess process;
-    QEventLoop loop;
-    QTimer watchdog;
-    QByteArray out;
-    QObject::connect(&process, &QProcess::stateChanged, &loop, [&](QProcess::ProcessState state) {
-        if (state == QProcess::NotRunning) {
-            loop.quit();
-        }
-    });
-    QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, [&] {
-        const bool awaited = !out.contains(m_awaited);
-        out += process.readAllStandardOutput();
-        if (awaited && out.contains(m_awaited)) {
-            m_look(process.processId());
-        }
-    });
-    QObject::connect(&watchdog, &QTimer::timeout, &loop, [&] {
-        ADD_FAILURE() << "zserial did not end by itself";
-        process.kill();
-    });
-    prepare(process, m_folder.path());
-    process.start(QStringLiteral(ZSERIAL_PROGRAM), arguments, QIODevice::ReadOnly);
-    watchdog.start(longest_run_ms);
-    if (process.state() != QProcess::NotRunning) {
-        loop.exec();
-    }
-    return ending_of(process, out);
+    return start(arguments)->result();
+}
+
+std::size_t ToolRun::most_at_once()
+{
+    return ZSERIAL_RUNS_AT_ONCE;
 }
