@@ -44,10 +44,11 @@ std::string command(const char* head, unsigned int word_address)
     return head + hex(address);
 }
 
-QByteArray given_up(const char* error)
+QByteArray given_up(const char* error, std::size_t after)
 {
-    return "giving up after having made 40 attempts, with errors (" +
-           QByteArray(error).repeated(static_cast<int>(attempts)) + ")\n";
+    const int times = static_cast<int>(after);
+    return "giving up after having made " + QByteArray::number(times) + " attempts, with errors (" +
+           QByteArray(error).repeated(times) + ")\n";
 }
 
 } // namespace
@@ -120,12 +121,13 @@ QByteArray progress(std::initializer_list<int> percentages)
 
 QByteArray given_up_on_wrong_answers()
 {
-    return given_up("response was not prefixed with the command but was supposed to be\n");
+    return given_up("response was not prefixed with the command but was supposed to be\n",
+                    attempts);
 }
 
-QByteArray given_up_on_silence()
+QByteArray given_up_on_silence(std::size_t after)
 {
-    return given_up("Response wait timed out\n");
+    return given_up("Response wait timed out\n", after);
 }
 
 QuadTest::QuadTest() : m_table(QStringLiteral(APP_TEST_DATA "/quad_device.txt")), m_device(quad())

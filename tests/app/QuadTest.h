@@ -47,11 +47,11 @@ QByteArray progress(std::initializer_list<int> percentages);
 
 /// What is told of a command that is answered as no such command is, every time.
 QByteArray given_up_on_wrong_answers();
-/// And of one that is not answered.
-QByteArray given_up_on_silence();
-
 /// How often a command is sent before it is given up.
 constexpr std::size_t attempts = 40;
+
+/// And of one that is not answered.
+QByteArray given_up_on_silence(std::size_t after = attempts);
 
 /// Runs the tool beside QUAD, which is the only device in the table.
 class QuadTest : public ToolTest

@@ -3,6 +3,7 @@
 #include "sim/FrameCodec.h"
 
 #include <QFile>
+#include <QSerialPort>
 
 namespace
 {
@@ -63,6 +64,15 @@ std::vector<std::string> commands_of(const sim::SimulatedDevice& device)
         commands.push_back(hex(payload));
     }
     return commands;
+}
+
+QByteArray cannot_open(const QString& port)
+{
+    QSerialPort absent(port);
+    EXPECT_FALSE(absent.open(QIODevice::ReadWrite));
+    return QStringLiteral("cannot open port %1 (%2)\n")
+        .arg(absent.portName(), absent.errorString())
+        .toUtf8();
 }
 
 ToolTest::ToolTest() : m_table(data_path("device.txt"))

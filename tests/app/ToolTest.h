@@ -32,6 +32,9 @@ std::string heard_by(const sim::SimulatedDevice& device);
 /// The payloads of the framed commands that the device has heard, in hexadecimal.
 std::vector<std::string> commands_of(const sim::SimulatedDevice& device);
 
+/// What the tool says about a port that is not there.
+QByteArray cannot_open(const QString& port);
+
 /// What a run prints whose version was given and whose operations all went well.
 extern const char* const success;
 

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSerialPort>
 
 namespace
 {
@@ -28,16 +27,6 @@ protected:
             }
             return std::vector<sim::Delivery>{{answer}};
         });
-    }
-
-    /// What the device object says about a port that is not there.
-    static QByteArray cannot_open(const QString& port)
-    {
-        QSerialPort absent(port);
-        EXPECT_FALSE(absent.open(QIODevice::ReadWrite));
-        return QStringLiteral("cannot open port %1 (%2)\n")
-            .arg(absent.portName(), absent.errorString())
-            .toUtf8();
     }
 };
 

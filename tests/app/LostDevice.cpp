@@ -1,0 +1,75 @@
+#include "tests/app/LostDevice.h"
+
+#include <algorithm>
+#include <fcntl.h>
+
+using Moment = Loss::Moment;
+
+/// A pseudo-terminal's number is free again when nobody has it open any more.
+LostDevice::LostDevice(const Profile& profile, sim::Entry entry, Loss loss)
+    : m_loss(loss),
+      m_device(profile, {entry}),
+      m_name_keeper(
+          ::open(m_device.port_path().toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC))
+{
+    EXPECT_TRUE(m_name_keeper.is_open());
+    m_device.set_request_filter([this](const QByteArray& bytes) { return hear(bytes); });
+    m_device.set_judge([this](const sim::Command&) { return judge(); });
+    m_device.set_reply_filter(
+        [this](const sim::Command&, const QByteArray& answer) { return reply(answer); });
+    QObject::connect(&m_reading_host, &QTimer::timeout, [this] { unplug_when_read(); });
+}
+
+Commands LostDevice::commands() const
+{
+    Commands commands = commands_of(m_device);
+    commands.erase(std::unique(commands.begin(), commands.end()), commands.end());
+    return commands;
+}
+
+/// The tool writes every frame in one piece.
+QByteArray LostDevice::hear(const QByteArray& bytes)
+{
+    if (bytes != m_last_heard) {
+        m_last_heard = bytes;
+        ++m_number;
+    }
+    if (m_number != m_loss.command || m_loss.moment != Moment::Unheard) {
+        return bytes;
+    }
+    m_device.unplug();
+    return {};
+}
+
+sim::Handling LostDevice::judge() const
+{
+    const bool undone = m_number == m_loss.command && m_loss.moment == Moment::Undone;
+    return m_is_lost || undone ? sim::Handling::Ignored : sim::Handling::Normal;
+}
+
+LostDevice::Reply LostDevice::reply(const QByteArray& answer)
+{
+    if (m_is_lost) {
+        return {};
+    }
+    m_is_lost = m_number == m_loss.command;
+    const bool half = m_is_lost && m_loss.moment == Moment::HalfAnswered;
+    if (m_is_lost && m_loss.of == Loss::Of::Line) {
+        if (half) {
+            m_reading_host.start(1);
+        } else {
+            m_device.unplug();
+        }
+    }
+    const QByteArray sent = !m_is_lost ? answer : half ? answer.left(answer.size() / 2) : "";
+    return sent.isEmpty() ? Reply() : Reply{{sent}};
+}
+
+/// What a host has not read by then vanishes with the line.
+void LostDevice::unplug_when_read()
+{
+    if (!m_device.line().host_has_unread()) {
+        m_reading_host.stop();
+        m_device.unplug();
+    }
+}
