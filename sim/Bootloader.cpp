@@ -1,6 +1,7 @@
 #include "sim/Bootloader.h"
 
 #include "profile/Profile.h"
+#include "sim/ByteDamage.h"
 
 namespace sim
 {
@@ -40,6 +41,12 @@ Command::Kind kind_of(const QByteArray& payload)
     default:
         return Command::Kind::Unknown;
     }
+}
+
+void alter(Command& command)
+{
+    command.payload = with_same_sum(command.payload);
+    command.kind = kind_of(command.payload);
 }
 
 /// What of a write's data gets into the cells.
@@ -124,6 +131,9 @@ Exchange Bootloader::handle(const QByteArray& payload, unsigned int baud)
     const Handling handling = judge(exchange.command);
     if (handling == Handling::Ignored || m_entry == Entry::Silent) {
         return exchange;
+    }
+    if (handling == Handling::Altered) {
+        alter(exchange.command);
     }
     m_running = true;
     const QByteArray answer_payload = carry_out(exchange.command, handling);

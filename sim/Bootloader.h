@@ -26,6 +26,7 @@ enum class Entry {
 enum class Handling {
     Normal,
     Ignored,   ///< as if it had never come
+    Altered,   ///< damaged on the way, with a checksum that fits all the same
     Pretended, ///< a write is acknowledged and not done
     Half,      ///< of a write, the first half of the data is done
 };

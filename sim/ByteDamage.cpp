@@ -38,4 +38,12 @@ QByteArray with_bit_turned(QByteArray bytes, std::uint64_t draw)
     return bytes;
 }
 
+QByteArray with_same_sum(QByteArray bytes)
+{
+    for (const int place : {bytes.size() - 2, bytes.size() - 1}) {
+        bytes[place] = turn_bit(bytes.at(place), 7);
+    }
+    return bytes;
+}
+
 } // namespace sim

@@ -28,4 +28,8 @@ private:
 /// The bytes with one bit turned over, which one being chosen by a random number.
 QByteArray with_bit_turned(QByteArray bytes, std::uint64_t draw);
 
+/// The bytes with the top bits of the last two turned over, which leaves their checksum as it was.
+/// They must be two or more.
+QByteArray with_same_sum(QByteArray bytes);
+
 } // namespace sim

@@ -22,12 +22,15 @@ DrawStream draws_for(const FaultSettings& settings, FaultKind kind)
 Handling effect_of(FaultKind kind, const Command& command)
 {
     const bool is_write = command.kind == Command::Kind::Write;
+    const bool is_framed = command.kind != Command::Kind::Probe;
     switch (kind) {
     case FaultKind::LoseRequest:
     case FaultKind::CorruptRequest:
     case FaultKind::PowerLoss:
     case FaultKind::Unplug:
         return Handling::Ignored;
+    case FaultKind::AlterRequest:
+        return is_framed && command.payload.size() > 1 ? Handling::Altered : Handling::Normal;
     case FaultKind::PhantomWrite:
         return is_write ? Handling::Pretended : Handling::Normal;
     case FaultKind::HalfWrite:
@@ -86,7 +89,8 @@ FaultInjector::Reply FaultInjector::reply(const Command& command, const QByteArr
     const Decision decision = m_decisions.front();
     m_decisions.pop_front();
     Reply reply;
-    if (!command.refused) {
+    // What the device refuses anyway it neither pretends to do nor halves.
+    if (!command.refused || contains(decision.applied, FaultKind::AlterRequest)) {
         reply.applied = decision.applied;
     }
     if (!command.ignored) {

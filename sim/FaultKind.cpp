@@ -12,6 +12,8 @@ const char* name_of(FaultKind kind)
         return "lose-request";
     case FaultKind::CorruptRequest:
         return "corrupt-request";
+    case FaultKind::AlterRequest:
+        return "alter-request";
     case FaultKind::PhantomWrite:
         return "phantom-write";
     case FaultKind::HalfWrite:
@@ -26,6 +28,8 @@ const char* name_of(FaultKind kind)
         return "stuck-bits";
     case FaultKind::LoseResponse:
         return "lose-response";
+    case FaultKind::AlterResponse:
+        return "alter-response";
     case FaultKind::CorruptResponse:
         return "corrupt-response";
     case FaultKind::TruncateResponse:

@@ -16,6 +16,7 @@ enum class FaultKind {
     // On the way to the device.
     LoseRequest,
     CorruptRequest,
+    AlterRequest, ///< damaged in a way that the checksum does not show
     // In the device.
     PhantomWrite, ///< acknowledged and not done
     HalfWrite,    ///< acknowledged, and the first half done
@@ -23,6 +24,7 @@ enum class FaultKind {
     StuckBits,
     // On the way back.
     LoseResponse,
+    AlterResponse, ///< as AlterRequest
     CorruptResponse,
     TruncateResponse,
     DelayResponse,
@@ -33,12 +35,13 @@ enum class FaultKind {
     ResponseBytes,
 };
 
-constexpr std::array<FaultKind, 16> fault_kinds = {
+constexpr std::array<FaultKind, 18> fault_kinds = {
     FaultKind::PowerLoss,         FaultKind::Unplug,
     FaultKind::LoseRequest,       FaultKind::CorruptRequest,
-    FaultKind::PhantomWrite,      FaultKind::HalfWrite,
-    FaultKind::WrongAck,          FaultKind::StuckBits,
-    FaultKind::LoseResponse,      FaultKind::CorruptResponse,
+    FaultKind::AlterRequest,      FaultKind::PhantomWrite,
+    FaultKind::HalfWrite,         FaultKind::WrongAck,
+    FaultKind::StuckBits,         FaultKind::LoseResponse,
+    FaultKind::AlterResponse,     FaultKind::CorruptResponse,
     FaultKind::TruncateResponse,  FaultKind::DelayResponse,
     FaultKind::DuplicateResponse, FaultKind::Noise,
     FaultKind::RequestBytes,      FaultKind::ResponseBytes,

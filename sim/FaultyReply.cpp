@@ -52,6 +52,8 @@ private:
             return acknowledge_wrongly();
         case FaultKind::LoseResponse:
             return replace_answer({});
+        case FaultKind::AlterResponse:
+            return alter();
         case FaultKind::CorruptResponse:
             return replace_answer(with_bit_turned(m_answer, fault.detail));
         case FaultKind::TruncateResponse:
@@ -79,6 +81,14 @@ private:
         }
         const char wrong = static_cast<char>(~m_command.payload.at(0));
         return replace_answer(make_frame(QByteArray(1, wrong)));
+    }
+
+    /// The answer to a probe is no frame and has no checksum to fit.
+    bool alter()
+    {
+        const std::vector<QByteArray> payloads = FrameReceiver().receive(m_answer);
+        const bool has_two_bytes = !payloads.empty() && payloads.front().size() > 1;
+        return has_two_bytes && replace_answer(make_frame(with_same_sum(payloads.front())));
     }
 
     bool cut(std::uint64_t detail)

@@ -94,6 +94,7 @@ QString trace_line(const Profile& profile, const Command& command, const Outcome
         QStringLiteral("answer=") + QLatin1String(answer_name(command, outcome)),
         field("sent", outcome.bytes_sent),
         QStringLiteral("faults=") + fault_names(outcome.faults),
+        QStringLiteral("payload=") + QString::fromLatin1(command.payload.toHex()),
     };
     return fields.join(QLatin1Char(' '));
 }

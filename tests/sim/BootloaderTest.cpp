@@ -510,6 +510,19 @@ TEST(SimBootloader, DoesTheFirstHalfOfAWriteThatIsCutShort)
     EXPECT_EQ(device.memory.read(0x400000, 0x10), QByteArray(8, '\x22') + QByteArray(8, '\xFF'));
 }
 
+TEST(SimBootloader, TakesACommandThatWasAlteredOnTheWayForWhatItSays)
+{
+    Device device(Entry::Version);
+    device.bootloader.set_judge([](const Command&) { return Handling::Altered; });
+    const Exchange written = device.ask(bytes("05 10 00 00 00") + QByteArray(0x10, '\x22'));
+    EXPECT_EQ(written.answer, make_frame(bytes("05")));
+    EXPECT_EQ(device.memory.read(0x400000, 0x10), QByteArray(0x0E, '\x22') + bytes("A2 A2"));
+    const Exchange asked = device.ask(bytes("00 02"));
+    EXPECT_EQ(asked.command.payload, bytes("80 82"));
+    EXPECT_EQ(asked.command.kind, Command::Kind::Unknown);
+    EXPECT_EQ(asked.answer, silence);
+}
+
 TEST(SimBootloader, CountsTheFramesThatCameToNothing)
 {
     Device device(Entry::Version);

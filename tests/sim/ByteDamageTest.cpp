@@ -6,6 +6,7 @@ using sim::ByteDamage;
 using sim::Chance;
 using sim::DrawStream;
 using sim::with_bit_turned;
+using sim::with_same_sum;
 
 namespace
 {
@@ -73,4 +74,10 @@ TEST(SimByteDamage, TurnsTheOneBitThatANumberChooses)
     EXPECT_EQ(with_bit_turned(QByteArray(3, '\0'), 2 * 8 + 3), QByteArray::fromHex("000008"));
     EXPECT_EQ(with_bit_turned(QByteArray(3, '\0'), 3 * 8), QByteArray::fromHex("010000"));
     EXPECT_EQ(with_bit_turned(QByteArray(), 5), QByteArray());
+}
+
+TEST(SimByteDamage, TurnsTwoBitsThatTheChecksumDoesNotShow)
+{
+    EXPECT_EQ(with_same_sum(QByteArray::fromHex("010203")), QByteArray::fromHex("018283"));
+    EXPECT_EQ(with_same_sum(QByteArray::fromHex("8180")), QByteArray::fromHex("0100"));
 }

@@ -114,6 +114,25 @@ TEST(SimFaultyReply, HasNothingToSpoilWhereThereIsNoAnswer)
     }
 }
 
+TEST(SimFaultyReply, AltersAnAnswerSoThatItsChecksumStillFits)
+{
+    const QByteArray sound = make_frame(bytes("04 01 00 00 00 04"));
+    const FaultyReply reply =
+        apply_to_reply(read_command, sound, {fault(FaultKind::AlterResponse)});
+    EXPECT_EQ(sent(reply), (Sent{{make_frame(bytes("04 01 00 00 80 84")), 0}}));
+    EXPECT_THAT(reply.applied, ElementsAre(FaultKind::AlterResponse));
+}
+
+TEST(SimFaultyReply, CannotAlterWhatHasNoTwoBytesOrNoChecksum)
+{
+    for (const QByteArray& answer : {make_frame(bytes("02")), bytes("51 56 01 23"), QByteArray()}) {
+        const FaultyReply reply =
+            apply_to_reply(write_command, answer, {fault(FaultKind::AlterResponse)});
+        EXPECT_EQ(reply.deliveries.size(), answer.isEmpty() ? 0U : 1U);
+        EXPECT_THAT(reply.applied, IsEmpty()) << answer.toHex().toStdString();
+    }
+}
+
 TEST(SimFaultyReply, HasNoiseEvenWithoutAnAnswer)
 {
     const FaultyReply reply = apply_to_reply(read_command, {}, {fault(FaultKind::Noise, 7)});

@@ -278,7 +278,7 @@ TEST_F(SimProgram, TracesWhatItIsAsked)
     HostPort host(serve("--table one.txt --trace trace"));
     host.ask(bytes("55"), bytes("51 56 01 23"));
     EXPECT_TRUE(file_content("trace").endsWith(
-        " #1 9600 probe request=1 answer=version sent=4 faults=none\n"));
+        " #1 9600 probe request=1 answer=version sent=4 faults=none payload=55\n"));
     EXPECT_EQ(stop_by(SIGTERM), 0);
 }
 

@@ -117,6 +117,32 @@ TEST_F(SimRig, SpoilsRequests)
     EXPECT_EQ(counts(), (Counts{{FaultKind::CorruptRequest, 1}}));
 }
 
+TEST_F(SimRig, AltersRequestsSoThatTheirChecksumStillFits)
+{
+    start({"alter-request@1"});
+    EXPECT_EQ(host->ask(row_request, row_answer), row_answer);
+    EXPECT_EQ(memory(0x1000, 0x40), row_data.left(0x3E) + bytes("DA DA"));
+    EXPECT_EQ(counts(), (Counts{{FaultKind::AlterRequest, 1}}));
+}
+
+TEST_F(SimRig, CountsARequestAsAlteredThatIsRefusedForIt)
+{
+    start({"alter-request@1"});
+    expect_silence_about(erase_request); // its address is none of this device any more
+    EXPECT_EQ(rig->summary().commands.refused(), 1U);
+    EXPECT_EQ(counts(), (Counts{{FaultKind::AlterRequest, 1}}));
+}
+
+TEST_F(SimRig, CannotAlterAProbe)
+{
+    options.device.entry = Entry::Probe;
+    add_fault(options.faults, QStringLiteral("alter-request@1"));
+    rig = std::make_unique<Rig>(*profile, options);
+    host = std::make_unique<HostPort>(rig->device().port_path(), 9600);
+    EXPECT_EQ(host->ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
+    EXPECT_EQ(counts(), Counts());
+}
+
 TEST_F(SimRig, LosesResponsesToWhatItHasDone)
 {
     start({"lose-response@1"});
@@ -335,10 +361,11 @@ TEST_F(SimRig, TracesEachCommandAtOnce)
     const QList<QByteArray> lines = file_content(options.trace).split('\n');
     ASSERT_EQ(lines.size(), 3);
     EXPECT_EQ(lines[0].mid(lines[0].indexOf(' ') + 1),
-              "#1 57600 version request=6 answer=version sent=8 faults=none");
+              "#1 57600 version request=6 answer=version sent=8 faults=none payload=0002");
     EXPECT_EQ(lines[1].mid(lines[1].indexOf(' ') + 1),
               "#2 57600 write flash count=1 address=0x00001000 data=64 request=73 answer=ack "
-              "sent=0 faults=lose-response");
+              "sent=0 faults=lose-response payload=0201000800" +
+                  row_data.toHex());
     for (const QByteArray& line : {lines[0], lines[1]}) {
         const QByteArray ms = line.left(line.indexOf(' '));
         EXPECT_EQ(ms.size() - ms.indexOf('.'), 4) << ms.toStdString();
