@@ -1,0 +1,73 @@
+#include "tests/app/QuadTest.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace
+{
+
+constexpr int device_count = 32;
+
+/// As many devices as a rack holds, each with an image of its own and a run of the tool to itself.
+/// So many runs at once may wait for the processor until their answers are late. Where all
+/// acknowledgements are the same that costs time only, so images hold flash alone and none is
+/// erased.
+class ToolLoad : public QuadTest
+{
+protected:
+    ToolLoad()
+    {
+        for (int i = 0; i < device_count; ++i) {
+            m_devices.push_back(
+                std::make_unique<sim::SimulatedDevice>(quad(), sim::Options{sim::Entry::Version}));
+            put_image(image_name(i).constData(), {{0x40, flash_of(i)}});
+        }
+    }
+
+    static QByteArray image_name(int i) { return "image" + QByteArray::number(i) + ".hex"; }
+
+    static QByteArray flash_of(int i) { return counting(i, 0x100); }
+
+    std::unique_ptr<RunningTool> program(int i) const
+    {
+        const QString image = QString::fromLatin1(image_name(i));
+        return m_tool.start(words("-B 0708 -w") + QStringList{image, QStringLiteral("-v"), image,
+                                                              QStringLiteral("-s"),
+                                                              device(i).port_path()});
+    }
+
+    const sim::SimulatedDevice& device(int i) const
+    {
+        return *m_devices[static_cast<std::size_t>(i)];
+    }
+
+    /// Programs the devices from `first` up to `last` at once.
+    void program_and_check(int first, int last) const
+    {
+        std::vector<std::unique_ptr<RunningTool>> runs;
+        runs.reserve(static_cast<std::size_t>(last - first));
+        for (int i = first; i < last; ++i) {
+            runs.push_back(program(i));
+        }
+        for (int i = first; i < last; ++i) {
+            SCOPED_TRACE(i);
+            const ToolResult result = runs[static_cast<std::size_t>(i - first)]->result();
+            EXPECT_EQ(result.status, 0) << result;
+            EXPECT_FALSE(result.crashed);
+            EXPECT_EQ(hex(device(i).memory().read(0x40, 0x100)), hex(flash_of(i)));
+        }
+    }
+
+    std::vector<std::unique_ptr<sim::SimulatedDevice>> m_devices;
+};
+
+} // namespace
+
+TEST_F(ToolLoad, OfManyDevicesAtOnceLeavesEachWithItsOwnImage)
+{
+    const int at_once =
+        static_cast<int>(std::min<std::size_t>(ToolRun::most_at_once(), device_count));
+    for (int first = 0; first < device_count; first += at_once) {
+        program_and_check(first, std::min(first + at_once, device_count));
+    }
+}
