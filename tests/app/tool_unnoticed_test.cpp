@@ -125,3 +125,18 @@ TEST_F(ToolUnnoticed, AnAnswerToAReadIsAltered)
                                            {0x100, QByteArray(0x40, '\xFF')},
                                            {0x1000, QByteArray(0x20, '\xFF')}}));
 }
+
+TEST_F(ToolUnnoticed, AReadThatArrivesAsAnEraseIsNoticedByTheVerificationThatSentIt)
+{
+    m_device.memory().preset(0x80, m_lower + m_upper);
+    m_device.memory().preset(0x1000, m_eeprom);
+    const std::string read = read_flash(0x80);
+    const QByteArray sent = frame(read.c_str());
+    const QByteArray arriving = frame(("03" + read.substr(2)).c_str());
+    m_device.set_request_filter([this, sent, arriving](const QByteArray& bytes) {
+        const bool is_damaged = bytes == sent && m_device.commands().empty();
+        return is_damaged ? arriving : bytes;
+    });
+    expect_noticed("-v image.hex", "data mismatch starting at address 0x00000080");
+    EXPECT_EQ(hex(m_device.memory().read(0x80, 0x20)), hex(m_erased));
+}

@@ -1,0 +1,1 @@
+"""What scripts/reliability.py is made of."""

@@ -1,0 +1,38 @@
+"""What went over the line: the tool's frame log and the simulator's trace."""
+
+SYNC, ESCAPE, TERMINATOR = 0x55, 0x05, 0x04
+
+
+def payload_of(frame):
+    """The payload of a sound frame, or None."""
+    if len(frame) < 4 or frame[0] != SYNC or frame[1] != SYNC or frame[-1] != TERMINATOR:
+        return None
+    body = bytearray()
+    escaped = False
+    for byte in frame[2:-1]:
+        if byte == ESCAPE and not escaped:
+            escaped = True
+            continue
+        body.append(byte)
+        escaped = False
+    return bytes(body[:-1]) if len(body) > 1 and sum(body) & 0xFF == 0 else None
+
+
+def read_log(path):
+    """Payloads sent and payloads received in sound frames, of a log that "-x" wrote."""
+    sent, received = [], []
+    for line in path.read_text(encoding="ascii").split() if path.exists() else []:
+        payload = payload_of(bytes.fromhex(line[3:]))
+        if payload is not None:
+            (sent if line.startswith("TX:") else received).append(payload)
+    return sent, received
+
+
+def read_trace(path):
+    """The payloads of the commands that the device carried out, of a trace that it wrote."""
+    done = []
+    for line in path.read_text(encoding="ascii").splitlines():
+        fields = dict(word.split("=", 1) for word in line.split() if "=" in word)
+        if fields["answer"] in ("data", "ack"):
+            done.append(bytes.fromhex(fields["payload"]))
+    return done

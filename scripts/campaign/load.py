@@ -1,0 +1,72 @@
+"""Many devices programmed at once on this machine."""
+
+import os
+import random
+import statistics
+import subprocess
+import time
+
+from . import device
+
+# LARK-32 of the examples: 30 KiB of flash behind the bootloader. Where so many want to run at once
+# answers can be late, which only costs time where all acknowledgements are the same: so flash alone,
+# and no erase.
+VERSION = "0110"
+FLASH = range(0x800, 0x8000)
+
+
+class Station:
+    """A simulated device and the tool that programs it."""
+
+    def __init__(self, programs, folder, table, draws, options):
+        folder.mkdir(parents=True)
+        self.folder = folder
+        self.image = {address: draws.randrange(256) for address in FLASH}
+        (folder / "device.txt").write_text(table, encoding="utf-8")
+        device.write_hex(folder / "image.hex", self.image)
+        self.programs = programs
+        self.simulator = subprocess.Popen(
+            [programs.simulator, "--device", VERSION, "--entry", "version", "--save", "after.hex",
+             *options], cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        self.port = self.simulator.stdout.readline().decode().strip()
+        self.tool = None
+
+    def program(self):
+        with open(self.folder / "out.txt", "wb") as out, open(self.folder / "err.txt", "wb") as err:
+            self.tool = subprocess.Popen(
+                [self.programs.zserial, "-s", self.port, "-B", VERSION, "-w", "image.hex",
+                 "-v", "image.hex"],
+                cwd=self.folder, stdin=subprocess.DEVNULL, stdout=out, stderr=err)
+
+    def end(self):
+        """Whether it went right, and the processor time of tool and simulator in seconds."""
+        status, tool_s = _reap(self.tool)
+        self.simulator.terminate()
+        self.simulator.stdout.read()
+        _, simulator_s = _reap(self.simulator)
+        held = device.read_hex(self.folder / "after.hex")
+        right = status == 0 and all(held.get(a, device.ERASED) == b for a, b in self.image.items())
+        return right, tool_s, simulator_s
+
+
+def _reap(process):
+    _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    return process.returncode, usage.ru_utime + usage.ru_stime
+
+
+def measure(programs, folder, table, seed, count, options):
+    """A line of the table, and whether all went right."""
+    draws = random.Random(f"{seed}/load")
+    stations = [Station(programs, folder / str(i), table, draws, options) for i in range(count)]
+    start = time.monotonic()
+    for station in stations:
+        station.program()
+    ends = [station.end() for station in stations]
+    seconds = time.monotonic() - start
+    right = sum(end[0] for end in ends)
+    tool = [end[1] for end in ends]
+    simulator = [end[2] for end in ends]
+    line = (f"{count} | {right} | {seconds:.1f} s | {statistics.median(tool):.2f} s, "
+            f"{max(tool):.2f} s | {statistics.median(simulator):.2f} s, {max(simulator):.2f} s")
+    return line, right == count

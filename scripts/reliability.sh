@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Measures what zserial makes of bad lines, on simulated devices, and prints the tables of
+# docs/reliability.md. Options go to reliability.py; --help lists them.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/packages.sh
+
+install_packages "${build_packages[@]}" "${test_packages[@]}"
+cmake --preset release
+cmake --build --preset release --target zserial zserial-sim
+exec python3 scripts/reliability.py "$@"
