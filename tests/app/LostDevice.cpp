@@ -5,6 +5,14 @@
 
 using Moment = Loss::Moment;
 
+namespace
+{
+
+/// Of a command that is not answered before the line goes.
+constexpr std::size_t repetitions = 5;
+
+} // namespace
+
 /// A pseudo-terminal's number is free again when nobody has it open any more.
 LostDevice::LostDevice(const Profile& profile, sim::Entry entry, Loss loss)
     : m_loss(loss),
@@ -30,11 +38,13 @@ Commands LostDevice::commands() const
 /// The tool writes every frame in one piece.
 QByteArray LostDevice::hear(const QByteArray& bytes)
 {
+    ++m_repetitions;
     if (bytes != m_last_heard) {
         m_last_heard = bytes;
+        m_repetitions = 0;
         ++m_number;
     }
-    if (m_number != m_loss.command || m_loss.moment != Moment::Unheard) {
+    if (!is_at_loss() || m_loss.moment != Moment::Unheard) {
         return bytes;
     }
     m_device.unplug();
@@ -43,26 +53,31 @@ QByteArray LostDevice::hear(const QByteArray& bytes)
 
 sim::Handling LostDevice::judge() const
 {
-    const bool undone = m_number == m_loss.command && m_loss.moment == Moment::Undone;
-    return m_is_lost || undone ? sim::Handling::Ignored : sim::Handling::Normal;
+    const bool undone = m_loss.moment == Moment::Undone || m_loss.moment == Moment::Repeated;
+    return m_is_lost || (is_at_loss() && undone) ? sim::Handling::Ignored : sim::Handling::Normal;
 }
 
 LostDevice::Reply LostDevice::reply(const QByteArray& answer)
 {
-    if (m_is_lost) {
+    const bool repeats = is_at_loss() && m_loss.moment == Moment::Repeated;
+    if (m_is_lost || (repeats && m_repetitions < repetitions)) {
         return {};
     }
-    m_is_lost = m_number == m_loss.command;
-    const bool half = m_is_lost && m_loss.moment == Moment::HalfAnswered;
-    if (m_is_lost && m_loss.of == Loss::Of::Line) {
-        if (half) {
+    m_is_lost = is_at_loss();
+    return m_is_lost ? last_reply(answer) : Reply{{answer}};
+}
+
+LostDevice::Reply LostDevice::last_reply(const QByteArray& answer)
+{
+    const bool is_half = m_loss.moment == Moment::HalfAnswered;
+    if (m_loss.of == Loss::Of::Line) {
+        if (is_half) {
             m_reading_host.start(1);
         } else {
             m_device.unplug();
         }
     }
-    const QByteArray sent = !m_is_lost ? answer : half ? answer.left(answer.size() / 2) : "";
-    return sent.isEmpty() ? Reply() : Reply{{sent}};
+    return is_half ? Reply{{answer.left(answer.size() / 2)}} : Reply();
 }
 
 /// What a host has not read by then vanishes with the line.

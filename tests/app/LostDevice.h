@@ -16,6 +16,7 @@ struct Loss {
         Undone,       ///< nothing of it is done
         Unanswered,   ///< it is done, and nothing of the answer is sent
         HalfAnswered, ///< it is done, and half of the answer has arrived
+        Repeated,     ///< nothing of it is done, nor of some of its repetitions
     };
 
     Of of = Of::Power;
@@ -43,15 +44,19 @@ public:
 private:
     using Reply = std::vector<sim::Delivery>;
 
+    bool is_at_loss() const { return m_number == m_loss.command; }
+
     QByteArray hear(const QByteArray& bytes);
     sim::Handling judge() const;
     Reply reply(const QByteArray& answer);
+    Reply last_reply(const QByteArray& answer);
     void unplug_when_read();
 
     Loss m_loss;
     sim::SimulatedDevice m_device;
     sim::Descriptor m_name_keeper;
     std::size_t m_number = 0;
+    std::size_t m_repetitions = 0; ///< of the last command
     QByteArray m_last_heard;
     bool m_is_lost = false;
     QTimer m_reading_host;

@@ -40,9 +40,11 @@ const char* name_of(Loss loss)
     case Loss::Moment::Unanswered:
         return "unanswered";
     case Loss::Moment::HalfAnswered:
+        return "half answered";
+    case Loss::Moment::Repeated:
         break;
     }
-    return "half answered";
+    return "repeated";
 }
 
 /// How a run begins.
