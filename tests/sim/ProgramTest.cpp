@@ -63,7 +63,7 @@ protected:
     }
 
     /// With a line for the shell after the words.
-    void start_shell(const char* words, const char* line)
+    void start_shell(const QByteArray& words, const char* line)
     {
         process.start(QStringLiteral(ZSERIAL_SIM),
                       QString::fromLatin1(words).split(QLatin1Char(' ')) +
@@ -86,6 +86,28 @@ protected:
         EXPECT_TRUE(line.startsWith(QLatin1String("/dev/")) && line.endsWith(QLatin1Char('\n')))
             << line.toStdString() << process.readAllStandardError().toStdString();
         return line.trimmed();
+    }
+
+    /// Has the tool write two rows, the second of which, its fourth command, meets the fault, and
+    /// then write them again.
+    void expect_recovery_from(const char* fault)
+    {
+        write_file("image.hex", ":0410000001020304E2\n:041040000506070892\n:00000001FF\n");
+        const char* const upload = ZSERIAL_PROGRAM " -s {} -e -w image.hex -R";
+        const char* const words = "--device 0123 --state state --check image.hex --exec";
+        start_shell("--fault " + QByteArray(fault) + " " + words, upload);
+        EXPECT_EQ(exit_status(), 1);
+        const QByteArray told = output();
+        EXPECT_TRUE(told.contains("\nunable to write flash row at address 0x00001040\n"))
+            << told.constData();
+        EXPECT_TRUE(told.contains("\nNow writingFailed to write memory, aborting...\n"))
+            << told.constData();
+        EXPECT_EQ(file_content("state"),
+                  "zserial-sim state of device 0123\n00001000 01020304\nend\n");
+        start_shell(words, upload);
+        EXPECT_EQ(exit_status(), 0);
+        EXPECT_TRUE(output().endsWith(
+            "\ndevice memory holds image.hex: 8 bytes in flash and EEPROM match\n"));
     }
 
     int stop_by(int signal)
@@ -349,6 +371,16 @@ TEST_F(SimProgram, HearsTheLastWordOfACommandOnAPacedLineToo)
                 "stty -F {} 300; printf 12345 > {}");
     EXPECT_EQ(exit_status(), 0);
     EXPECT_TRUE(output().contains("\"bytes_from_host\":5,"));
+}
+
+TEST_F(SimProgram, ThatLosesPowerUnderTheToolIsProgrammedInTheNextRun)
+{
+    expect_recovery_from("power-loss@4");
+}
+
+TEST_F(SimProgram, WhosePortVanishesUnderTheToolIsProgrammedInTheNextRun)
+{
+    expect_recovery_from("unplug@4");
 }
 
 TEST_F(SimProgram, EndsAsACommandThatASignalKilled)
