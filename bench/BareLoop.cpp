@@ -1,10 +1,9 @@
 #include "bench/BareLoop.h"
 
-#include "device/FrameCodec.h"
-
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <numeric>
 #include <poll.h>
 #include <stdexcept>
 #include <system_error>
@@ -15,9 +14,14 @@ namespace
 {
 
 constexpr unsigned int row_size = 256;
-constexpr unsigned char words_in_row = 64;
+constexpr unsigned int echo_size = 5;
+constexpr char words_in_row = 64;
 constexpr char read_command = 0x01;
 constexpr char write_command = 0x02;
+
+constexpr char terminator = 0x04;
+constexpr char escape = 0x05;
+constexpr char sync = 0x55;
 
 speed_t speed_of(unsigned int baud)
 {
@@ -38,21 +42,70 @@ speed_t speed_of(unsigned int baud)
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-QByteArray command(char operation, unsigned char count, unsigned int address)
+unsigned int sum_of(const std::string& bytes)
 {
-    QByteArray payload;
-    payload.append(operation);
-    payload.append(static_cast<char>(count));
-    payload.append(static_cast<char>(address));
-    payload.append(static_cast<char>(address >> 8));
-    payload.append(static_cast<char>(address >> 16));
-    return payload;
+    return std::accumulate(bytes.begin(), bytes.end(), 0U, [](unsigned int sum, char byte) {
+        return sum + static_cast<unsigned char>(byte);
+    });
+}
+
+std::string frame_of(const std::string& payload)
+{
+    std::string frame{sync, sync};
+    for (const char byte : payload + static_cast<char>(0U - sum_of(payload))) {
+        if (byte == terminator || byte == escape || byte == sync) {
+            frame += escape;
+        }
+        frame += byte;
+    }
+    return frame + terminator;
+}
+
+/// Takes a frame apart as it comes.
+class Listener
+{
+public:
+    /// False once the frame is complete.
+    bool take(char byte)
+    {
+        if (m_escaped) {
+            m_bytes += byte;
+            m_escaped = false;
+        } else if (byte == terminator) {
+            return false;
+        } else if (byte == escape) {
+            m_escaped = true;
+        } else if (byte != sync) {
+            m_bytes += byte;
+        }
+        return true;
+    }
+
+    /// The payload of a complete frame.
+    std::string payload() &&
+    {
+        if (m_bytes.empty() || sum_of(m_bytes) % 256 != 0) {
+            throw std::runtime_error("the answer is damaged");
+        }
+        m_bytes.pop_back();
+        return std::move(m_bytes);
+    }
+
+private:
+    std::string m_bytes;
+    bool m_escaped = false;
+};
+
+std::string command(char operation, char count, unsigned int address)
+{
+    return {operation, count, static_cast<char>(address), static_cast<char>(address >> 8),
+            static_cast<char>(address >> 16)};
 }
 
 } // namespace
 
-BareLoop::BareLoop(const QString& port_path, unsigned int baud)
-    : m_port(::open(port_path.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC))
+BareLoop::BareLoop(const std::string& port_path, unsigned int baud)
+    : m_port(::open(port_path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
 {
     if (m_port < 0) {
         throw_error("cannot open the port");
@@ -72,28 +125,20 @@ BareLoop::~BareLoop()
     ::close(m_port);
 }
 
-QByteArray BareLoop::exchange(const QByteArray& payload)
+std::string BareLoop::exchange(const std::string& payload)
 {
-    const QByteArray frame = frame::encode(payload);
-    if (::write(m_port, frame.constData(), static_cast<std::size_t>(frame.size())) !=
-        frame.size()) {
+    const std::string frame = frame_of(payload);
+    if (::write(m_port, frame.data(), frame.size()) != static_cast<ssize_t>(frame.size())) {
         throw_error("cannot write to the port");
     }
-    QByteArray answer;
-    if (const auto fault = frame::decode(receive(), answer)) {
-        throw std::runtime_error(fault->toStdString());
-    }
-    if (answer.startsWith(payload)) {
-        answer.remove(0, payload.size());
-    }
-    return answer;
+    return receive();
 }
 
-const QByteArray& BareLoop::receive()
+std::string BareLoop::receive()
 {
-    m_heard.resize(0);
+    Listener listener;
     std::array<char, 4096> buffer{};
-    while (!frame::is_terminated(m_heard)) {
+    while (true) {
         pollfd ready{m_port, POLLIN, 0};
         if (::poll(&ready, 1, 300) <= 0) {
             throw std::runtime_error("no answer");
@@ -102,25 +147,27 @@ const QByteArray& BareLoop::receive()
         if (count <= 0) {
             throw_error("cannot read from the port");
         }
-        m_heard.append(buffer.data(), static_cast<int>(count));
+        for (ssize_t i = 0; i < count; ++i) {
+            if (!listener.take(buffer.at(static_cast<std::size_t>(i)))) {
+                return std::move(listener).payload();
+            }
+        }
     }
-    return m_heard;
 }
 
-QByteArray BareLoop::read_flash(unsigned int address, unsigned int size)
+std::string BareLoop::read_flash(unsigned int address, unsigned int size)
 {
-    QByteArray data;
-    data.reserve(static_cast<int>(size));
+    std::string data;
+    data.reserve(size);
     for (unsigned int offset = 0; offset < size; offset += row_size) {
-        data += exchange(command(read_command, words_in_row, address + offset));
+        data.append(exchange(command(read_command, words_in_row, address + offset)), echo_size);
     }
     return data;
 }
 
-void BareLoop::write_flash(unsigned int address, const QByteArray& data)
+void BareLoop::write_flash(unsigned int address, const std::string& data)
 {
-    for (int offset = 0; offset < data.size(); offset += static_cast<int>(row_size)) {
-        exchange(command(write_command, 1, address + static_cast<unsigned int>(offset)) +
-                 data.mid(offset, row_size));
+    for (unsigned int offset = 0; offset < data.size(); offset += row_size) {
+        exchange(command(write_command, 1, address + offset) + data.substr(offset, row_size));
     }
 }

@@ -14,8 +14,7 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     try {
-        BareLoop port(QString::fromLocal8Bit(argv[1]),
-                      static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)));
+        BareLoop port(argv[1], static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)));
         port.read_flash(0x2000, 128 * 1024);
     } catch (const std::exception& failure) {
         std::cerr << failure.what() << '\n';

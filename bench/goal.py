@@ -15,8 +15,8 @@ class Goal:
     beside: str = ""
 
     @staticmethod
-    def remark(group, what, figure, unit=""):
-        return Goal(group, what, figure, None, unit=unit)
+    def remark(group, what, figure, beside):
+        return Goal(group, what, figure, None, beside=beside)
 
     @property
     def met(self):

@@ -1,3 +1,4 @@
+#include "bench/ImageLayout.h"
 #include "memory/MemoryMap.h"
 
 #include <QByteArray>
@@ -18,16 +19,9 @@
 namespace
 {
 
-constexpr unsigned int image_size = 16 * 1024 * 1024;
-constexpr unsigned int longest_piece = 8 * 1024 * 1024; // as far as bit 23 stays clear
+constexpr unsigned int image_size = 16 * mib;
 constexpr unsigned int island_size = 200;
 constexpr unsigned int flash_begin = 0x2000;
-
-/// Address of the nth byte of an image. Bit 23 stays clear, as a HEX file cannot say it.
-unsigned int address_of(unsigned int n)
-{
-    return (n & 0x7FFFFF) | (n & ~0x7FFFFFU) << 1;
-}
 
 QByteArray noise(unsigned int size)
 {

@@ -50,6 +50,7 @@ def start_goals(context):
             "empty": [context.build / "bench/empty_program"],
         },
         5 * context.rounds,
+        expected_status={"refused": 1},
     )
     yield Goal(
         "start",
@@ -62,6 +63,8 @@ def start_goals(context):
 
 
 def log_goals(context):
+    if context.short:
+        return  # the goal is a time, which a busy machine is not held to
     times = benchmark(
         context.build / "bench/log_benchmark", "", context.repetitions, context.min_seconds
     )

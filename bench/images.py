@@ -36,6 +36,7 @@ def hex_goals(context):
         image, result = context.scratch / "image.hex", context.scratch / "result.hex"
         subprocess.run([context.build / "bench/hex_program", *words, image], check=True)
         times = medians(commands_for(context, image, result), context.rounds)
+        require_same_bytes(context, image, result)
         yield from ratio_goals(context, name, times)
         most = 3.5 * size + 10 * MIB
         for job in ("load", "convert"):
@@ -46,6 +47,20 @@ def hex_goals(context):
                 1,
                 beside=f"{times[job].peak_kib / 1024:.0f} MiB",
             )
+
+
+def require_same_bytes(context, image, result):
+    """What was measured must have been the work that it is taken for."""
+    program = context.build / "bench/hex_program"
+    subprocess.run([program, "convert", image, result], check=True)
+    if image.read_bytes() != result.read_bytes():
+        raise RuntimeError(f"{image} is not the same after it was loaded and saved")
+    sizes = [
+        subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
+        for command in ([program, "load", image], [context.build / "bench/minimal_hex", image])
+    ]
+    if sizes[0] != sizes[1]:
+        raise RuntimeError(f"{image} holds {sizes[0]} or {sizes[1]} bytes")
 
 
 def ratio_goals(context, name, times):

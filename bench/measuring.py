@@ -11,11 +11,11 @@ from dataclasses import dataclass
 @dataclass
 class Usage:
     seconds: float  # from start to end
-    peak_kib: int  # of memory
+    peak_kib: int  # of memory; this interpreter's own 16 MiB if the program needs less
 
 
-def usage_of(command):
-    """Runs a command to its end; what it prints is thrown away, how it ends is not looked at."""
+def usage_of(command, expected_status=0):
+    """Runs a command to its end and throws away what it prints."""
     nothing = os.open(os.devnull, os.O_RDWR)
     redirections = [(os.POSIX_SPAWN_DUP2, nothing, number) for number in (0, 1, 2)]
     begin = time.perf_counter()
@@ -23,17 +23,18 @@ def usage_of(command):
     _, status, resources = os.wait4(process, 0)
     end = time.perf_counter()
     os.close(nothing)
-    if os.waitstatus_to_exitcode(status) == 127:
-        raise RuntimeError(f"cannot run {command[0]}")
+    if os.waitstatus_to_exitcode(status) != expected_status:
+        words = " ".join(str(word) for word in command)
+        raise RuntimeError(f"ended with status {os.waitstatus_to_exitcode(status)}: {words}")
     return Usage(end - begin, resources.ru_maxrss)
 
 
-def medians(commands, rounds):
+def medians(commands, rounds, expected_status=None):
     """Runs each of the named commands once a round, so that a busy moment falls on all alike."""
     usages = {name: [] for name in commands}
     for _ in range(rounds):
         for name, command in commands.items():
-            usages[name].append(usage_of(command))
+            usages[name].append(usage_of(command, (expected_status or {}).get(name, 0)))
     return {
         name: Usage(
             statistics.median(usage.seconds for usage in runs),

@@ -1,3 +1,4 @@
+#include "bench/ImageLayout.h"
 #include "memory/MemoryMap.h"
 
 #include <QTemporaryDir>
@@ -13,18 +14,10 @@
 namespace
 {
 
-constexpr unsigned int mib = 1024 * 1024;
-constexpr unsigned int longest_piece = 8 * mib; // as far as addresses run on with bit 23 clear
-constexpr unsigned int chunk_size = 16;         // as in the tool
+constexpr unsigned int chunk_size = 16; // as in the tool
 constexpr unsigned int row_size = 256;
 constexpr unsigned int island_size = 100;
 constexpr unsigned int island_spacing = 256;
-
-/// Address of the nth byte of an image. Bit 23 stays clear, as a HEX file cannot say it.
-unsigned int address_of(unsigned int n)
-{
-    return (n & 0x7FFFFF) | (n & ~0x7FFFFFU) << 1;
-}
 
 QByteArray random_bytes(unsigned int count)
 {

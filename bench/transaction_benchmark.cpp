@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
+#include <string>
+
 // Whole exchanges with a peer that answers at once: what the uploader's device object needs for
 // them beside the barest loop of system calls that does the same. To be run in this folder, where
 // the device table is.
@@ -57,9 +59,10 @@ void transaction_of_the_device_object(benchmark::State& state)
 void transaction_of_a_bare_loop(benchmark::State& state)
 {
     const InstantPeer peer(answer_to);
-    BareLoop port(peer.port_path(), baud);
+    BareLoop port(peer.port_path().toStdString(), baud);
+    const std::string command = row_read_command().toStdString();
     while (state.KeepRunning()) {
-        benchmark::DoNotOptimize(port.exchange(row_read_command()));
+        benchmark::DoNotOptimize(port.exchange(command));
     }
     state.SetItemsProcessed(state.iterations());
 }
@@ -85,13 +88,13 @@ void read_of_a_bare_loop(benchmark::State& state)
     const InstantPeer peer(answer_to);
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("read.bin")));
-    BareLoop port(peer.port_path(), baud);
+    BareLoop port(peer.port_path().toStdString(), baud);
     while (state.KeepRunning()) {
         if (!file.open(QIODevice::WriteOnly)) {
             state.SkipWithError("the file cannot be written");
             break;
         }
-        file.write(port.read_flash(flash_begin, flash_size));
+        file.write(port.read_flash(flash_begin, flash_size).data(), flash_size);
         file.close();
     }
     state.SetBytesProcessed(state.iterations() * flash_size);
@@ -116,8 +119,8 @@ void write_of_the_device_object(benchmark::State& state)
 void write_of_a_bare_loop(benchmark::State& state)
 {
     const InstantPeer peer(answer_to);
-    const QByteArray image(flash_size, '\x37');
-    BareLoop port(peer.port_path(), baud);
+    const std::string image(flash_size, '\x37');
+    BareLoop port(peer.port_path().toStdString(), baud);
     while (state.KeepRunning()) {
         port.write_flash(flash_begin, image);
     }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures the uploader's speed beside other programs and prints a line for every goal; about 20
+# Measures the uploader's speed beside other programs and prints a line for every goal; about 25
 # minutes on an idle machine. The figures go into docs/performance.md. With --short: less than a
 # minute, fewer figures, wide bounds, and the page stays as it is.
 set -euo pipefail
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 install_packages "${build_packages[@]}" "${test_packages[@]}" binutils srecord
 cmake --preset release
 cmake --build --preset release
-if [ "${1:-}" != --short ]; then
+if [[ " $* " != *" --short "* ]]; then
     set -- --write docs/performance.md "$@"
 fi
 python3 bench/goals.py build/release "$@"
