@@ -87,7 +87,9 @@ bool AddressedBLOB::write_eof_to_file(QFileDevice& file) const
 bool AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short upper) const
 {
     QByteArray text;
-    text.reserve(block_size + 128); // a block is full once it has block_size; one step adds < 128
+    // A byte takes less than four characters, and a step adds less than 128 to a block that is full
+    // once it has block_size. Images read back from a device are of blobs of 16 bytes.
+    text.reserve(static_cast<int>(std::min<quint64>(block_size, quint64{4} * size())) + 128);
     std::array<char, bytes_per_record> data;
     unsigned int count = 0;
     for (unsigned int offset = 0; offset < size(); offset += count) {
