@@ -9,6 +9,7 @@ ROW = 0x40
 EEPROM = range(0x10000, 0x10040)
 EEPROM_ROW = 0x10
 ERASED = 0xFF
+SMALLER_FLASH_END = 0x800  # of the device that a damaged version may select
 
 # Special on the line: terminator, escape and sync. Images hold more of them than chance would give.
 SPECIAL = (0x04, 0x05, 0x55)
@@ -24,7 +25,7 @@ def _row(version, name, flash_end):
 
 
 # The second device differs from the first in one bit of its version and in the end of its flash.
-TABLE = _row(VERSION, "SMALL", FLASH.stop) + _row("0111", "SMALLER", 0x800)
+TABLE = _row(VERSION, "SMALL", FLASH.stop) + _row("0111", "SMALLER", SMALLER_FLASH_END)
 
 
 class Memory:

@@ -4,7 +4,7 @@ import enum
 import re
 
 from . import frames
-from .device import EEPROM, FLASH
+from .device import EEPROM, FLASH, PAGE, SMALLER_FLASH_END
 
 
 class End(enum.Enum):
@@ -24,8 +24,12 @@ class Cause(enum.Enum):
     NONE = "UNEXPLAINED"
 
 
+READ_FLASH, WRITE_FLASH, ERASE_FLASH, READ_EEPROM, WRITE_EEPROM = range(1, 6)
+
 # The tool's last words on a failure, and those of cmp(1).
 FAILURE = re.compile(r"aborting\.\.\.|[Ff]ailure!|failed\?|Aborting\.\.\.|differ: ")
+ACCUSATION = re.compile(r"data mismatch starting at address 0x([0-9A-Fa-f]+)\s+"
+                        r"device data size \d+: ([0-9A-F ]+)\s+expected data \d+: ([0-9A-F ]+)")
 
 
 def end_of(run, outcome):
@@ -62,27 +66,66 @@ def _is_error(run, outcome):
 
 
 def cause_of(run, outcome):
-    """One of Cause, from what was sent and what arrived."""
+    """One of Cause, from what was sent and what arrived. What went wrong on the line only counts for
+    the addresses that it concerned: every one that is not as claimed must be among them."""
+    wrong = _not_as_claimed(run, outcome)
+    if "entry procedure: 0x" in outcome.out and "entry procedure: 0x0110" not in outcome.out:
+        beyond = range(SMALLER_FLASH_END, FLASH.stop)
+        return Cause.PROFILE if all(address in beyond for address in wrong) else Cause.NONE
     sent, received = frames.read_log(outcome.folder / "frames.log")
     done = frames.read_trace(outcome.folder / "trace.txt")
-    if "entry procedure: 0x" in outcome.out and "entry procedure: 0x0110" not in outcome.out:
-        return Cause.PROFILE
-    if set(done) - set(sent):
-        return Cause.REQUEST
-    if any(_is_lie(payload, outcome) for payload in received):
-        return Cause.RESPONSE
-    if any(payload[0] in (2, 3, 5) for payload in set(sent) - set(done)):
-        return Cause.ACKNOWLEDGEMENT
-    return Cause.NONE
+    strayed = _changed_by(set(done) - set(sent))
+    lost = _changed_by(set(sent) - set(done))
+    lied = set().union(*(_lies(payload, outcome) for payload in received))
+    if not wrong <= strayed | lost | lied:
+        return Cause.NONE
+    # A request that strayed is also one that did not get to its place.
+    causes = {Cause.REQUEST: strayed and strayed | lost, Cause.RESPONSE: lied,
+              Cause.ACKNOWLEDGEMENT: lost}
+    return next((cause for cause, addresses in causes.items() if wrong & addresses), Cause.NONE)
 
 
-def _is_lie(payload, outcome):
-    """Data that was read and that the device neither held before nor holds now."""
-    if payload[0] not in (1, 4) or len(payload) < 6:
-        return False
-    start = int.from_bytes(payload[2:5], "little") + (EEPROM.start if payload[0] == 4 else 0)
-    data = enumerate(payload[5:], start)
-    memory = EEPROM if payload[0] == 4 else FLASH
-    return any(address not in memory or
-               byte not in (outcome.before.cells[address], outcome.after.cells[address])
-               for address, byte in data)
+def _not_as_claimed(run, outcome):
+    wrong = run.procedure.wrong(run.image, outcome) if outcome.status == 0 else set()
+    if not run.procedure.may_change_device:
+        wrong = wrong | outcome.after.differences(outcome.before.cells)
+    return wrong | (_accused(outcome) if _accuses_wrongly(run, outcome) else set())
+
+
+def _accused(outcome):
+    """The addresses that the tool says differ."""
+    found = ACCUSATION.search(outcome.out)
+    if not found:
+        return set()
+    held, expected = (bytes.fromhex(dump) for dump in found.group(2, 3))
+    pairs = enumerate(zip(held, expected), int(found[1], 16))
+    return {address for address, (byte, other) in pairs if byte != other}
+
+
+def _changed_by(payloads):
+    """Every address that these commands write or erase."""
+    return {address for payload in payloads for address in _target_of(payload)}
+
+
+def _target_of(payload):
+    if payload[0] == ERASE_FLASH and len(payload) == 5:
+        first = _start_of(payload) // PAGE * PAGE
+        return range(first, min(first + payload[1] * PAGE, FLASH.stop))
+    if payload[0] in (WRITE_FLASH, WRITE_EEPROM) and len(payload) > 5:
+        return range(_start_of(payload), _start_of(payload) + len(payload) - 5)
+    return range(0)
+
+
+def _start_of(payload):
+    start = int.from_bytes(payload[2:5], "little")
+    return start + (EEPROM.start if payload[0] in (READ_EEPROM, WRITE_EEPROM) else 0)
+
+
+def _lies(payload, outcome):
+    """Where data that was read is what the device neither held before nor holds now."""
+    if payload[0] not in (READ_FLASH, READ_EEPROM) or len(payload) < 6:
+        return set()
+    memory = EEPROM if payload[0] == READ_EEPROM else FLASH
+    return {address for address, byte in enumerate(payload[5:], _start_of(payload))
+            if address not in memory or
+            byte not in (outcome.before.cells[address], outcome.after.cells[address])}
