@@ -19,6 +19,7 @@ from campaign.verdict import Cause, End
 
 SOURCE = pathlib.Path(__file__).resolve().parent.parent
 ALL = [*SECTIONS, "cases", "load"]
+MARKER = ".files-of-reliability"  # in a folder whose content may be removed
 
 
 def parse_arguments():
@@ -26,7 +27,8 @@ def parse_arguments():
     parser.add_argument("--programs", type=pathlib.Path, default=SOURCE / "build/release",
                         help="the folder of zserial and zserial-sim")
     parser.add_argument("--folder", type=pathlib.Path, default=SOURCE / "build/reliability",
-                        help="where runs leave their files; emptied at the start")
+                        help="where runs leave their files; emptied at the start if an earlier"
+                        " campaign left it, refused if it holds anything else")
     parser.add_argument("--runs", type=int, default=50, help="of every row of the tables")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=24, help="runs at once")
@@ -141,9 +143,25 @@ def tell(strays):
               f" {verdict.damage_of(run, outcome)}")
 
 
+def empty(folder):
+    """Leaves an empty folder that is marked as the campaign's; ends the program at one that holds
+    files of somebody else. The mark stays, so that an interrupted call can be made again."""
+    marker = folder / MARKER
+    if folder.exists() and not marker.is_file() and (not folder.is_dir() or any(folder.iterdir())):
+        sys.exit(f"{folder} is not a folder of an earlier campaign and not empty: remove it or name"
+                 " another with --folder")
+    folder.mkdir(parents=True, exist_ok=True)
+    marker.touch()
+    for entry in folder.iterdir():
+        if entry.is_dir() and not entry.is_symlink():
+            shutil.rmtree(entry)
+        elif entry != marker:
+            entry.unlink()
+
+
 def main():
     arguments = parse_arguments()
-    shutil.rmtree(arguments.folder, ignore_errors=True)
+    empty(arguments.folder)
     campaign = Campaign(arguments)
     start = time.monotonic()
     for key in arguments.only or []:
