@@ -30,9 +30,25 @@ def read_log(path):
 
 def read_trace(path):
     """The payloads of the commands that the device carried out, of a trace that it wrote."""
-    done = []
-    for line in path.read_text(encoding="ascii").splitlines():
-        fields = dict(word.split("=", 1) for word in line.split() if "=" in word)
-        if fields["answer"] in ("data", "ack"):
-            done.append(bytes.fromhex(fields["payload"]))
-    return done
+    return [bytes.fromhex(fields["payload"]) for _, fields in _commands(path)
+            if fields["answer"] in ("data", "ack")]
+
+
+def gave_up_waiting(log, trace):
+    """Whether the tool repeated something although the device had answered all that it heard. In a
+    run whose faults lose and delay nothing that is for lack of processor time, and the commands
+    from there on have other numbers."""
+    commands = _commands(trace)
+    if any(fields["answer"] == "refused" and fields["faults"] == "none" for _, fields in commands):
+        return False
+    probes = [kind for kind, _ in commands if kind == "probe"]
+    lines = log.read_text(encoding="ascii").split() if log.exists() else []
+    ways = [line[:3] for line in lines] + ["TX:"]
+    return len(probes) > 1 or ("TX:", "TX:") in zip(ways, ways[1:])
+
+
+def _commands(path):
+    """Kind and fields of every command of a trace."""
+    lines = [line.split() for line in path.read_text(encoding="ascii").splitlines()]
+    return [(words[3], dict(word.split("=", 1) for word in words if "=" in word))
+            for words in lines]

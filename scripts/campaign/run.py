@@ -7,7 +7,7 @@ import signal
 import subprocess
 import time
 
-from . import device
+from . import device, frames
 
 LONGEST_RUN_S = 240
 
@@ -40,6 +40,7 @@ class Outcome:
     before: device.Memory
     after: device.Memory
     folder: object
+    gave_up_waiting: bool  # for an answer that was given
 
 
 def arguments_of(run, programs):
@@ -78,4 +79,6 @@ def execute(run, programs, folder):
     saved = folder / "after.hex"
     after = device.Memory(device.read_hex(saved) if saved.exists() else {})
     text = (folder / "out.txt").read_text(encoding="utf-8", errors="replace")
-    return Outcome(status, seconds, text, run.before, after, folder)
+    trace = folder / "trace.txt"
+    gave_up = trace.exists() and frames.gave_up_waiting(folder / "frames.log", trace)
+    return Outcome(status, seconds, text, run.before, after, folder, gave_up)
