@@ -21,7 +21,8 @@ QString hex2(char byte)
 /// Bytes from 0x80 on show with all 16 digits of their sign extension.
 QString sign_extended_hex(char byte)
 {
-    const auto widened = static_cast<qulonglong>(static_cast<signed char>(byte));
+    const auto narrow = static_cast<qint8>(byte);
+    const auto widened = static_cast<qulonglong>(qint64{narrow});
     return QStringLiteral("%1").arg(widened, 2, 16, QLatin1Char('0')).toUpper();
 }
 
