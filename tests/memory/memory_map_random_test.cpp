@@ -2,14 +2,18 @@
 #include "tests/memory/Images.h"
 
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <random>
+#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 // A map that knows itself to be sorted and disjoint looks addresses up in another way than one
-// that does not. Whatever happened to a map, it must answer as the plain walk over its list does.
+// that does not, and does not search itself for overlaps. Whatever happened to a map, it must
+// answer as the plain walk over its list does.
 
 namespace
 {
@@ -43,6 +47,57 @@ bool walked_read(const MemoryMap& map, unsigned int address, unsigned int count,
     return any;
 }
 
+/// Where each blob lies: address and size.
+using Spans = std::vector<std::pair<unsigned int, unsigned int>>;
+
+Spans spans_of(const MemoryMap& map)
+{
+    Spans spans;
+    for (const auto& blob : map.blobs()) {
+        spans.emplace_back(blob->address, blob->size());
+    }
+    return spans;
+}
+
+Spans sorted_by_address(Spans spans)
+{
+    std::stable_sort(spans.begin(), spans.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    return spans;
+}
+
+/// Whether any span ends in the next one, both by addresses that wrap.
+bool overlap(const Spans& sorted)
+{
+    for (std::size_t i = 1; i < sorted.size(); ++i) {
+        if (sorted[i - 1].first + sorted[i - 1].second > sorted[i].first) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// What there is to a list of blobs, of all that may matter to a search for overlaps.
+std::set<std::string> kinds_of(const Spans& spans)
+{
+    std::set<std::string> kinds;
+    const Spans sorted = sorted_by_address(spans);
+    if (spans.size() < 2) {
+        return kinds;
+    }
+    kinds.insert(overlap(sorted)   ? "overlapping"
+                 : spans != sorted ? "disjoint, unsorted"
+                                   : "disjoint, sorted");
+    for (std::size_t i = 0; i < spans.size(); ++i) {
+        if (spans[i].second == 0) {
+            kinds.insert("with an empty blob");
+        } else if (i > 0 && spans[i - 1].first + spans[i - 1].second == spans[i].first) {
+            kinds.insert("with blobs that touch");
+        }
+    }
+    return kinds;
+}
+
 /// Does random things to a map around one address and compares its answers.
 class RandomMap
 {
@@ -69,8 +124,7 @@ public:
             text += record(address, bytes);
             address += static_cast<unsigned int>(bytes.size()) + (below(2) == 0 ? 0 : below(20));
         }
-        write_file(path, text);
-        m_loads += m_map.load_from_hex_file(path, {m_middle, m_middle + 16}) ? 1 : 0;
+        load(path, text, {m_middle, m_middle + 16});
     }
 
     void load_anyhow(const QString& path)
@@ -79,11 +133,17 @@ public:
         for (unsigned int i = below(6); i > 0; --i) {
             text += record(some_address(), some_bytes(20));
         }
-        write_file(path, text);
-        m_loads += m_map.load_from_hex_file(path, {}) ? 1 : 0;
+        load(path, text, {});
     }
 
-    void check_overlaps() { m_map.has_overlaps(); }
+    void check_overlaps()
+    {
+        const Spans spans = spans_of(m_map);
+        m_kinds.merge(kinds_of(spans));
+        const Spans sorted = sorted_by_address(spans);
+        EXPECT_EQ(m_map.has_overlaps(), overlap(sorted));
+        EXPECT_EQ(spans_of(m_map), sorted);
+    }
 
     void clear() { m_map.clear(); }
 
@@ -126,7 +186,23 @@ public:
 
     int successful_loads() const { return m_loads; }
 
+    /// Of the maps that overlaps were looked for in.
+    const std::set<std::string>& kinds() const { return m_kinds; }
+
 private:
+    void load(const QString& path, const QByteArray& text, const QSet<unsigned int>& boundaries)
+    {
+        if (!m_map.blobs().empty()) {
+            m_kinds.insert("loaded into");
+        }
+        write_file(path, text);
+        const bool loaded = m_map.load_from_hex_file(path, boundaries);
+        const Spans spans = spans_of(m_map);
+        EXPECT_EQ(loaded, !overlap(spans));
+        EXPECT_EQ(spans, sorted_by_address(spans));
+        m_loads += loaded ? 1 : 0;
+    }
+
     unsigned int below(unsigned int limit) { return static_cast<unsigned int>(m_random()) % limit; }
 
     unsigned int some_address() { return m_middle - 300 + below(600); }
@@ -153,6 +229,7 @@ private:
     std::mt19937 m_random;
     unsigned int m_middle;
     int m_loads = 0;
+    std::set<std::string> m_kinds;
 };
 
 void compare_maps_around(unsigned int middle)
@@ -161,16 +238,22 @@ void compare_maps_around(unsigned int middle)
     const QString path = folder.filePath(QStringLiteral("image.hex"));
     const DebugMessages overlaps_are_expected;
     int successful_loads = 0;
+    std::set<std::string> kinds;
     for (unsigned int seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
         RandomMap map(seed, middle);
         for (int step = 0; step < 25; ++step) {
             map.do_something(path);
             ASSERT_NO_FATAL_FAILURE(map.compare_answers()) << "step " << step;
+            ASSERT_FALSE(testing::Test::HasFailure()) << "step " << step;
         }
         successful_loads += map.successful_loads();
+        kinds.insert(map.kinds().begin(), map.kinds().end());
     }
     EXPECT_GT(successful_loads, 50); // else hardly any map was ever in order
+    EXPECT_THAT(kinds,
+                testing::ElementsAre("disjoint, sorted", "disjoint, unsorted", "loaded into",
+                                     "overlapping", "with an empty blob", "with blobs that touch"));
 }
 
 TEST(RandomMemoryMap, answers_as_a_walk_over_its_list_does)
