@@ -56,10 +56,11 @@ protected:
     std::unique_ptr<HostPort> host;
 };
 
-Options paced()
+Options paced(Options::Echo echo = Options::Echo::None)
 {
     Options options;
     options.paced = true;
+    options.echo = echo;
     return options;
 }
 
@@ -113,13 +114,29 @@ TEST_F(SimPacedDevice, KnowsHowLongItsLineWasInUse)
     EXPECT_GE(use.span_ns(), use.busy_ns());
 }
 
-TEST_F(SimPacedDevice, EchoesWhileTheBytesPass)
+TEST_F(SimPacedDevice, PassesEchoAndAnswerNoSoonerThanTheirBytes)
 {
-    Options options = paced();
-    options.echo = Options::Echo::Apart;
-    start(options);
+    start(paced(Options::Echo::Apart));
     const qint64 bytes_ns = line_time_ns(read_request.size() + read_answer.size(), slow_baud);
     EXPECT_GE(time_of(read_request, read_request + read_answer), bytes_ns);
+}
+
+TEST_F(SimPacedDevice, EchoesWhileTheBytesPass)
+{
+    start(paced(Options::Echo::Apart));
+    host->set_baud(50);
+    // Whoever waited for the last of these would wait for longer than anything here does.
+    host->send(QByteArray(3000, 'x'));
+    EXPECT_FALSE(host->receive(1).isEmpty());
+    EXPECT_LT(device->heard().size(), 3000);
+}
+
+TEST_F(SimPacedDevice, EchoesBeforeTheAnswerIsDue)
+{
+    Options options = paced(Options::Echo::Apart);
+    options.erase_page_ms = 600000;
+    start(options);
+    EXPECT_EQ(host->ask(erase_request, erase_request), erase_request);
 }
 
 TEST_F(SimPacedDevice, BringsEchoAndAnswerInOnePacketWhenBothFitIntoTheLatency)
@@ -134,9 +151,7 @@ TEST_F(SimPacedDevice, BringsEchoAndAnswerInOnePacketWhenBothFitIntoTheLatency)
 
 TEST_F(SimPacedDevice, BringsEchoAndAnswerTogetherWhenBothHavePassed)
 {
-    Options options = paced();
-    options.echo = Options::Echo::Together;
-    start(options);
+    start(paced(Options::Echo::Together));
     const qint64 bytes_ns = line_time_ns(read_request.size() + read_answer.size(), slow_baud);
     EXPECT_GE(time_of(read_request, read_request + read_answer), bytes_ns);
     EXPECT_THAT(host->pieces(), ElementsAre(read_request + read_answer));
