@@ -1,3 +1,4 @@
+#include "sim/Descriptor.h"
 #include "tests/app/QuadTest.h"
 #include "tests/support/MalformedHex.h"
 #include "tests/support/RowName.h"
@@ -5,12 +6,18 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSocketNotifier>
 
+#include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
-#include <sys/resource.h>
+#include <functional>
+#include <map>
+#include <memory>
 #include <sys/stat.h>
-#include <thread>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -52,7 +59,12 @@ protected:
                         const std::vector<std::string>& messages)
     {
         SCOPED_TRACE(arguments);
-        const ToolResult result = operate(arguments);
+        expect_refused(operate(arguments), operation, messages);
+    }
+
+    void expect_refused(const ToolResult& result, const char* operation,
+                        const std::vector<std::string>& messages)
+    {
         EXPECT_EQ(result, failed(QByteArray("Could not process firmware file image.hex as intel "
                                             "hex 32 format during ") +
                                  operation + ", aborting..."));
@@ -77,35 +89,91 @@ class ToolWithUnusualHex : public ToolWithHexFile, public testing::WithParamInte
 {
 };
 
+constexpr qint64 gibibyte = 1 << 30;
+
+/// The largest amount of memory in KiB that a running process has held at once so far.
+long peak_memory(qint64 process)
+{
+    QFile file(QStringLiteral("/proc/%1/status").arg(process));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    const QRegularExpression peak(QStringLiteral("VmHWM:\\s+(\\d+) kB"));
+    const QRegularExpressionMatch match = peak.match(QString::fromUtf8(file.readAll()));
+    EXPECT_TRUE(match.hasMatch());
+    return match.captured(1).toLong();
+}
+
+/// A file of 1 GiB that has no size and takes no room on the disk: a pipe that brings the same
+/// character over and over, as the event loop finds room in it.
+class HugeFile
+{
+public:
+    HugeFile(const QString& path, char character) : m_block(1 << 16, character), m_pipe(open(path))
+    {
+        m_room = std::make_unique<QSocketNotifier>(m_pipe.get(), QSocketNotifier::Write);
+        QObject::connect(m_room.get(), &QSocketNotifier::activated, [this] { write(); });
+    }
+
+    /// Calls `look` once, when that much has been written: all of it but what the pipe holds, which
+    /// is far less, has been read then.
+    void once_written(qint64 count, std::function<void()> look)
+    {
+        m_looks[count] = std::move(look);
+    }
+
+private:
+    /// For reading, too, so that another process may open it more than once.
+    static sim::Descriptor open(const QString& path)
+    {
+        const QByteArray name = QFile::encodeName(path);
+        if (::mkfifo(name.constData(), 0600) != 0) {
+            throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
+        }
+        sim::Descriptor pipe(::open(name.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+        if (!pipe.is_open()) {
+            throw std::system_error(errno, std::generic_category(), "cannot open a pipe");
+        }
+        return pipe;
+    }
+
+    void write()
+    {
+        const auto size = static_cast<std::size_t>(m_block.size());
+        m_written += std::max<qint64>(0, ::write(m_pipe.get(), m_block.constData(), size));
+        while (!m_looks.empty() && m_looks.begin()->first <= m_written) {
+            m_looks.begin()->second();
+            m_looks.erase(m_looks.begin());
+        }
+        if (m_written >= gibibyte) {
+            m_room->setEnabled(false);
+            m_pipe.close(); // the end of the file
+        }
+    }
+
+    QByteArray m_block;
+    sim::Descriptor m_pipe;
+    std::unique_ptr<QSocketNotifier> m_room;
+    qint64 m_written = 0;
+    std::map<qint64, std::function<void()>> m_looks;
+};
+
 class ToolWithHugeHex : public ToolWithHexFile
 {
 protected:
-    QByteArray path() const { return QFile::encodeName(m_tool.path(QStringLiteral("image.hex"))); }
-
-    void expect_refusal_with_little_memory()
+    void expect_refusal_with_little_memory(char character)
     {
-        put_hex(":");
-        operate("-w image.hex");
-        const long with_small_file = largest_run();
-        prepare();
-        expect_refusal("-w image.hex", "write", {"failed to read character"});
-        EXPECT_LT(largest_run() - with_small_file, 8 * 1024);
-        EXPECT_LT(largest_run(), 100 * 1024);
-    }
-
-    std::function<void()> prepare;
-
-private:
-    /// KiB that the largest of all runs so far has held at once.
-    static long largest_run()
-    {
-        rusage usage{};
-        EXPECT_EQ(getrusage(RUSAGE_CHILDREN, &usage), 0);
-        return usage.ru_maxrss;
+        HugeFile image(m_tool.path(QStringLiteral("image.hex")), character);
+        const auto tool = m_tool.start(QStringList{QStringLiteral("-s"), m_device.port_path()} +
+                                       words("-B 0708 -w image.hex"));
+        long at_the_begin = 0;
+        long at_the_end = 0;
+        image.once_written(gibibyte / 64, [&] { at_the_begin = peak_memory(tool->process()); });
+        image.once_written(gibibyte, [&] { at_the_end = peak_memory(tool->process()); });
+        expect_refused(tool->result(), "write", {"failed to read character"});
+        EXPECT_GT(at_the_begin, 0);
+        EXPECT_GE(at_the_end, at_the_begin);
+        EXPECT_LT(at_the_end - at_the_begin, 8 * 1024);
     }
 };
-
-constexpr qint64 gibibyte = 1 << 30;
 
 } // namespace
 
@@ -144,34 +212,10 @@ TEST_F(ToolWithHexFile, ThatIsAFolderIsRefusedWithTheCommandLine)
 
 TEST_F(ToolWithHugeHex, OfNulBytesSendsNothing)
 {
-    prepare = [this] {
-        QFile file(m_tool.path(QStringLiteral("image.hex")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_TRUE(file.resize(gibibyte)); // takes no room on the disk
-    };
-    expect_refusal_with_little_memory();
+    expect_refusal_with_little_memory('\0');
 }
 
 TEST_F(ToolWithHugeHex, OfDigitsSendsNothing)
 {
-    // Through a pipe, because such a file does take its room on the disk.
-    std::thread writer;
-    prepare = [&] {
-        ASSERT_TRUE(QFile::remove(m_tool.path(QStringLiteral("image.hex"))));
-        ASSERT_EQ(::mkfifo(path().constData(), 0600), 0);
-        // Open for reading, too, so that the tool may open it more than once.
-        const int pipe = ::open(path().constData(), O_RDWR | O_CLOEXEC);
-        ASSERT_GE(pipe, 0);
-        writer = std::thread([pipe] {
-            const QByteArray digits(1 << 16, '0');
-            for (qint64 written = 0; written < gibibyte; written += digits.size()) {
-                EXPECT_EQ(
-                    ::write(pipe, digits.constData(), static_cast<std::size_t>(digits.size())),
-                    digits.size());
-            }
-            ::close(pipe);
-        });
-    };
-    expect_refusal_with_little_memory();
-    writer.join();
+    expect_refusal_with_little_memory('0');
 }
