@@ -19,6 +19,14 @@ void record(const char* direction, const QByteArray& frame)
 
 } // namespace
 
+/// The end of every wait for an answer wakes the dispatcher once more than needed, and GLib's also
+/// each time that the port is written to. The poll that this costs is dear on a terminal.
+void make_application(int& argc, char** argv)
+{
+    qputenv("QT_NO_GLIB", "1");
+    a = new QCoreApplication(argc, argv);
+}
+
 void slot_error(QString error)
 {
     QTextStream stream(stdout);

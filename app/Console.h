@@ -18,6 +18,9 @@ extern QTextStream out;
 /// The frame log; closed, and then not written, unless the command line names one.
 extern QFile serial_record;
 
+/// Makes the application object, with the event dispatcher that costs the least per command.
+void make_application(int& argc, char** argv);
+
 /// Prints an error line at once, ahead of whatever `out` still holds.
 void slot_error(QString error);
 /// Rewrites the progress line at once. Counts are bytes; the percentage is worked out in 32 bits.

@@ -149,7 +149,7 @@ void let_pending_events_pass()
 
 int run_sequence(int& argc, char** argv)
 {
-    a = new QCoreApplication(argc, argv);
+    make_application(argc, argv);
     const Settings settings = settings_from(arguments_after_program_name(argc, argv));
     check_port(settings.port_name);
 

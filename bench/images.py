@@ -1,5 +1,6 @@
 """Loading and saving of images, beside other programs and as they grow."""
 
+import filecmp
 import math
 import subprocess
 
@@ -53,7 +54,7 @@ def require_same_bytes(context, image, result):
     """What was measured must have been the work that it is taken for."""
     program = context.build / "bench/hex_program"
     subprocess.run([program, "convert", image, result], check=True)
-    if image.read_bytes() != result.read_bytes():
+    if not filecmp.cmp(image, result, shallow=False):
         raise RuntimeError(f"{image} is not the same after it was loaded and saved")
     sizes = [
         subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout

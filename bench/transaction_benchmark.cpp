@@ -1,10 +1,10 @@
+#include "app/Console.h"
 #include "bench/BareLoop.h"
 #include "bench/InstantPeer.h"
 #include "device/FrameCodec.h"
 #include "device/ZarnSerialDevice.h"
 #include "memory/MemoryMap.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
@@ -160,8 +160,9 @@ BENCHMARK(transaction_with_a_lost_response)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
+    make_application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
+    delete a;
     return 0;
 }

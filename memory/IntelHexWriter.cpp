@@ -55,6 +55,58 @@ bool put(QFileDevice& file, const QByteArray& text)
     return file.write(text) == text.size();
 }
 
+/// Gathers records, also those of many small blobs, and hands them to the file in blocks.
+class RecordBlocks
+{
+public:
+    explicit RecordBlocks(QFileDevice& file) : m_file(file)
+    {
+        m_text.reserve(block_size + 128); // full at block_size; one step adds less than 128
+    }
+
+    void add_address(unsigned int address)
+    {
+        append_extended_linear_address_record(m_text, address);
+    }
+
+    bool add_data(unsigned short address, const char* data, int count)
+    {
+        append_record(m_text, IntelHexFileRecordType::Data, address, data, count);
+        return m_text.size() < block_size || hand_over();
+    }
+
+    /// False when the file has not taken everything.
+    bool hand_over()
+    {
+        const bool taken = put(m_file, m_text);
+        m_text.resize(0);
+        return taken;
+    }
+
+private:
+    QFileDevice& m_file;
+    QByteArray m_text;
+};
+
+bool write_content(const AddressedBLOB& blob, unsigned short upper, RecordBlocks& records)
+{
+    std::array<char, bytes_per_record> data;
+    unsigned int count = 0;
+    for (unsigned int offset = 0; offset < blob.size(); offset += count) {
+        const unsigned int address = blob.address + offset;
+        if (address >> 16 != upper) {
+            records.add_address(address);
+            upper = static_cast<unsigned short>(address >> 16);
+        }
+        count = blob.read(offset, bytes_per_record, data.data());
+        if (!records.add_data(static_cast<unsigned short>(address & 0xFFFF), data.data(),
+                              static_cast<int>(count))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 bool AddressedBLOB::write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
@@ -86,39 +138,18 @@ bool AddressedBLOB::write_eof_to_file(QFileDevice& file) const
 
 bool AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short upper) const
 {
-    QByteArray text;
-    // A byte takes less than four characters, and a step adds less than 128 to a block that is full
-    // once it has block_size. Images read back from a device are of blobs of 16 bytes.
-    text.reserve(static_cast<int>(std::min<quint64>(block_size, quint64{4} * size())) + 128);
-    std::array<char, bytes_per_record> data;
-    unsigned int count = 0;
-    for (unsigned int offset = 0; offset < size(); offset += count) {
-        const unsigned int record_address = address + offset;
-        if (record_address >> 16 != upper) {
-            append_extended_linear_address_record(text, record_address);
-            upper = static_cast<unsigned short>(record_address >> 16);
-        }
-        count = read(offset, bytes_per_record, data.data());
-        append_record(text, IntelHexFileRecordType::Data,
-                      static_cast<unsigned short>(record_address & 0xFFFF), data.data(),
-                      static_cast<int>(count));
-        if (text.size() >= block_size) {
-            if (!put(file, text)) {
-                return false;
-            }
-            text.resize(0);
-        }
-    }
-    return put(file, text);
+    RecordBlocks records(file);
+    return write_content(*this, upper, records) && records.hand_over();
 }
 
 bool MemoryMap::save_to_hex_file(QString path) const
 {
     const auto write = [this](QFileDevice& file) {
-        const auto write_content = [&file](const auto& blob) {
-            return blob->write_content_to_file(file, 0xFFFF);
+        RecordBlocks records(file);
+        const auto write_blob = [&records](const auto& blob) {
+            return write_content(*blob, 0xFFFF, records);
         };
-        return std::all_of(m_blobs.begin(), m_blobs.end(), write_content) &&
+        return std::all_of(m_blobs.begin(), m_blobs.end(), write_blob) && records.hand_over() &&
                AddressedBLOB(m_chunk_size).write_eof_to_file(file);
     };
     if (Util::write_whole_file(path, write)) {

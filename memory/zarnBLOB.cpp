@@ -42,7 +42,8 @@ zarnBLOB::~zarnBLOB() = default;
 
 void zarnBLOB::clear()
 {
-    m_slabs.clear();
+    m_first_slab.reset();
+    m_further_slabs.clear();
     m_size = 0;
 }
 
@@ -61,16 +62,35 @@ unsigned int zarnBLOB::chunk_size() const
     return m_chunk_size;
 }
 
+unsigned int zarnBLOB::slab_count() const
+{
+    return m_first_slab ? 1 + static_cast<unsigned int>(m_further_slabs.size()) : 0;
+}
+
+char* zarnBLOB::slab(unsigned int index) const
+{
+    return index == 0 ? m_first_slab.get() : m_further_slabs[index - 1].get();
+}
+
+void zarnBLOB::add_slab()
+{
+    const std::size_t chunks = std::max<std::size_t>(1, first_chunk_of_slab(slab_count()));
+    auto slab = std::make_unique<char[]>(chunks * m_chunk_size);
+    if (m_first_slab) {
+        m_further_slabs.push_back(std::move(slab));
+    } else {
+        m_first_slab = std::move(slab);
+    }
+}
+
 void zarnBLOB::extend_to(unsigned int size)
 {
     if (size <= m_size) {
         return;
     }
     const unsigned int chunks = chunks_for(size, m_chunk_size);
-    while (first_chunk_of_slab(m_slabs.size()) < chunks) {
-        const std::size_t slab_chunks =
-            std::max<std::size_t>(1, first_chunk_of_slab(m_slabs.size()));
-        m_slabs.push_back(std::make_unique<char[]>(slab_chunks * m_chunk_size));
+    while (first_chunk_of_slab(slab_count()) < chunks) {
+        add_slab();
     }
     m_size = size;
 }
@@ -79,12 +99,12 @@ template <typename Action>
 void zarnBLOB::for_each_stretch(unsigned int offset, unsigned int count, Action action) const
 {
     while (count > 0) {
-        const unsigned int slab = slab_of_chunk(offset / m_chunk_size);
-        const std::size_t slab_begin = first_chunk_of_slab(slab) * m_chunk_size;
-        const std::size_t slab_end = first_chunk_of_slab(slab + 1) * m_chunk_size;
+        const unsigned int index = slab_of_chunk(offset / m_chunk_size);
+        const std::size_t slab_begin = first_chunk_of_slab(index) * m_chunk_size;
+        const std::size_t slab_end = first_chunk_of_slab(index + 1) * m_chunk_size;
         const auto length =
             static_cast<unsigned int>(std::min<std::size_t>(count, slab_end - offset));
-        action(m_slabs[slab].get() + (offset - slab_begin), length);
+        action(slab(index) + (offset - slab_begin), length);
         offset += length;
         count -= length;
     }

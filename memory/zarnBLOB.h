@@ -50,6 +50,9 @@ public:
     QString to_hex_string() const;
 
 private:
+    unsigned int slab_count() const;
+    char* slab(unsigned int index) const;
+    void add_slab();
     /// Makes room for `size` bytes and counts them as used; never shrinks.
     void extend_to(unsigned int size);
     /// Calls action(char* bytes, unsigned int length) for each stretch of [offset, offset + count)
@@ -59,6 +62,8 @@ private:
 
     unsigned int m_size = 0;
     unsigned int m_chunk_size;
-    /// The chunks, allocated several at a time: see zarnBLOB.cpp.
-    std::vector<std::unique_ptr<char[]>> m_slabs;
+    /// The chunks, allocated several at a time: see zarnBLOB.cpp. The first slab stands apart
+    /// because most blobs of an image that is read back have no other.
+    std::unique_ptr<char[]> m_first_slab;
+    std::vector<std::unique_ptr<char[]>> m_further_slabs;
 };
