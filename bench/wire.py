@@ -23,19 +23,22 @@ def uploader(context, version, operation):
 def pace_of(context, version, operation, command):
     """Runs a command on a paced device; how long its line was busy, of how long, and how late."""
     image = ["--check" if operation.startswith("write") else "--memory", context.image]
-    output = subprocess.run(
-        [
-            context.build / "zserial-sim",
-            *("--table", context.bench / "device.txt", "--device", version),
-            *("--entry", "version", "--pace", "--json", *image, "--exec", "--"),
-            *command,
-        ],
-        cwd=context.bench,
-        check=True,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.DEVNULL,
-    ).stdout
-    return json.loads(output.splitlines()[-1])["pace"]
+    # Into a file: a reader of its own would be woken for every progress line and be in the way.
+    with open(context.scratch / "output", "w+b") as output:
+        subprocess.run(
+            [
+                context.build / "zserial-sim",
+                *("--table", context.bench / "device.txt", "--device", version),
+                *("--entry", "version", "--pace", "--json", *image, "--exec", "--"),
+                *command,
+            ],
+            cwd=context.bench,
+            check=True,
+            stdout=output,
+            stderr=subprocess.DEVNULL,
+        )
+        output.seek(0)
+        return json.loads(output.read().splitlines()[-1])["pace"]
 
 
 def measure(context, version, operation, command, rounds):

@@ -14,6 +14,8 @@ namespace
 {
 
 constexpr qint64 ns_per_second = 1000000000;
+/// Longer than a system that is not busy takes to wake a sleeper.
+constexpr qint64 awake_ns = 150000;
 
 int open_timer()
 {
@@ -40,6 +42,18 @@ qint64 Alarm::now_ns()
 
 void Alarm::set(qint64 time_ns)
 {
+    m_awake_until_ns = 0;
+    arm(time_ns);
+}
+
+void Alarm::set_exactly(qint64 time_ns)
+{
+    m_awake_until_ns = time_ns;
+    arm(time_ns - awake_ns);
+}
+
+void Alarm::arm(qint64 time_ns)
+{
     // All zeros would disarm the timer instead of letting it go off at once.
     const qint64 time = std::max<qint64>(time_ns, 1);
     itimerspec setting{};
@@ -58,6 +72,8 @@ void Alarm::take()
 {
     quint64 times = 0;
     if (::read(m_descriptor.get(), &times, sizeof times) == sizeof times) {
+        while (now_ns() < m_awake_until_ns) {
+        }
         Q_EMIT went_off();
     }
 }

@@ -23,14 +23,19 @@ public:
 
     /// Goes off at that time, at once if it is past, instead of at the time set before.
     void set(qint64 time_ns);
+    /// The same, not some 50 microseconds later as the system wakes a sleeper: the end of the time
+    /// is waited for awake.
+    void set_exactly(qint64 time_ns);
     void stop();
 
 Q_SIGNALS:
     void went_off();
 
 private:
+    void arm(qint64 time_ns);
     void take();
 
+    qint64 m_awake_until_ns = 0;
     Descriptor m_descriptor;
     QSocketNotifier m_notifier;
 };

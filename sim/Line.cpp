@@ -135,7 +135,13 @@ void Line::set_alarm()
 {
     const std::optional<qint64> next =
         earliest({m_to_device.next_due_ns(), m_to_host.next_due_ns(), m_adapter.deadline_ns()});
-    if (next) {
+    if (!next) {
+        return;
+    }
+    // Only the last bytes of something let anybody go on; a line of others is not worth the load.
+    if (m_to_device.next_is_last() || m_to_host.next_is_last()) {
+        m_alarm.set_exactly(*next);
+    } else {
         m_alarm.set(*next);
     }
 }

@@ -56,4 +56,9 @@ std::optional<qint64> PacedQueue::next_due_ns() const
     return m_waiting.empty() ? std::nullopt : std::optional(m_waiting.front().due_ns);
 }
 
+bool PacedQueue::next_is_last() const
+{
+    return !m_waiting.empty() && m_waiting.front().last;
+}
+
 } // namespace sim

@@ -37,6 +37,8 @@ public:
     std::optional<Due> take(qint64 now_ns);
     /// When there will be something to take.
     std::optional<qint64> next_due_ns() const;
+    /// That will end its piece.
+    bool next_is_last() const;
 
     bool is_empty() const { return m_waiting.empty(); }
 

@@ -44,6 +44,18 @@ TEST_F(SimAlarm, GoesOffOnceAndNeverEarly)
     EXPECT_EQ(times, 1);
 }
 
+TEST_F(SimAlarm, GoesOffOnceAndNeverEarlyWhenItIsToBeExact)
+{
+    for (const qint64 wait : {20 * ms, ms / 10, qint64{0}, -ms}) {
+        times = 0;
+        const qint64 time = Alarm::now_ns() + wait;
+        alarm.set_exactly(time);
+        ASSERT_TRUE(wait_until([this] { return times > 0; })) << wait;
+        EXPECT_GE(last_ns, time) << wait;
+        EXPECT_EQ(times, 1) << wait;
+    }
+}
+
 TEST_F(SimAlarm, GoesOffAtOnceForATimeThatIsPast)
 {
     for (const qint64 time : {qint64{0}, qint64{-5}, Alarm::now_ns()}) {
