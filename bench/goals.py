@@ -27,8 +27,7 @@ class Context:
         self.image = self.scratch / "device.hex"
         self.short = options.short
         self.rounds = 1 if options.short else options.rounds
-        # A round at the low rates takes minutes.
-        self.slow_rounds = min(3, self.rounds)
+        self.slow_rounds = options.slow_rounds
         self.repetitions = 3 if options.short else max(3, options.rounds)
         self.min_seconds = 0.02 if options.short else 0.3
         # A short run is for machines that are busy with other things.
@@ -46,6 +45,9 @@ def arguments():
     parser.add_argument("build", type=Path, help="folder of a release build with benchmarks")
     parser.add_argument("--short", action="store_true", help="less than a minute, wide bounds")
     parser.add_argument("--rounds", type=int, default=5, help="of which medians are taken")
+    parser.add_argument(
+        "--slow-rounds", type=int, default=3, help="at the low rates, where one takes minutes"
+    )
     parser.add_argument("--write", type=Path, help="page to put the table into")
     return parser.parse_args()
 
