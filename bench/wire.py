@@ -68,6 +68,7 @@ def goals(context):
                 at_least=True,
                 beside=late,
             )
-        bare = [context.build / "bench/bare_reader", "{}", str(baud)]
-        use, late = measure(context, version, "read", bare, rounds)
-        yield Goal.remark("wire", f"read by a bare loop, {baud} baud", use, late)
+        for operation in ("read", "write"):
+            bare = [context.build / "bench/bare_host", "{}", str(baud), operation]
+            use, late = measure(context, version, "read", bare, rounds)
+            yield Goal.remark("wire", f"{operation} by a bare loop, {baud} baud", use, late)
