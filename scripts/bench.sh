@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures the uploader's speed beside other programs and prints a line for every goal; about 25
+# Measures the uploader's speed beside other programs and prints a line for every goal; about 20
 # minutes on an idle machine. The figures go into docs/performance.md. With --short: less than a
 # minute, fewer figures, wide bounds, and the page stays as it is.
 set -euo pipefail
