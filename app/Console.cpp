@@ -33,11 +33,13 @@ void slot_error(QString error)
     stream << error << "\n";
 }
 
+/// The device waits for its next row while this is printed, and a text stream made for the purpose
+/// takes longer than everything else between two rows.
 void slot_progress(unsigned int processed, unsigned int total)
 {
     const unsigned int percentage = total == 0 ? 0 : processed * 100U / total;
-    QTextStream stream(stdout);
-    stream << "\rProgress " << percentage << "%";
+    std::printf("\rProgress %u%%", percentage);
+    (void)std::fflush(stdout);
 }
 
 void slot_command_received(QByteArray frame)
