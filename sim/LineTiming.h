@@ -24,8 +24,9 @@ struct Slice {
 qint64 line_time_ns(int count, unsigned int baud);
 
 /// Cuts `count` bytes, the first of which begins at `start_ns`, into slices that last `slice_ns` at
-/// most; a byte that takes longer is a slice by itself. Every due time is reckoned from the start,
-/// so that no rounding adds up.
+/// most; a byte that takes longer is a slice by itself. So is every byte of the last `slice_ns`:
+/// whoever waits for the end of a frame is woken by the bytes before, as on a wire. Every due time
+/// is reckoned from the start, so that no rounding adds up.
 std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud, qint64 slice_ns);
 
 } // namespace sim

@@ -38,8 +38,19 @@ TEST(SimLineTiming, SendsSlowBytesOneByOneWithoutAddingUpRoundings)
 
 TEST(SimLineTiming, SendsFastBytesInSlicesThatEndInTime)
 {
-    EXPECT_THAT(slices(0, 25, 115200, ms),
-                ElementsAre(Slice{0, 11, 954861}, Slice{11, 11, 1909722}, Slice{22, 3, 2170138}));
+    const auto all = slices(0, 40, 115200, ms);
+    EXPECT_THAT(std::vector(all.begin(), all.begin() + 3),
+                ElementsAre(Slice{0, 11, 954861}, Slice{11, 11, 1909722}, Slice{22, 7, 2517361}));
+}
+
+TEST(SimLineTiming, SendsTheBytesOfTheLastMillisecondOneByOne)
+{
+    const auto all = slices(0, 40, 115200, ms);
+    ASSERT_EQ(all.size(), 3U + 11U);
+    EXPECT_EQ(all.at(3), (Slice{29, 1, 2604166}));
+    EXPECT_EQ(all.back(), (Slice{39, 1, 3472222}));
+    EXPECT_THAT(slices(0, 3, 460800, ms),
+                ElementsAre(Slice{0, 1, 21701}, Slice{1, 1, 43402}, Slice{2, 1, 65104}));
 }
 
 TEST(SimLineTiming, CutsNothingIntoNothing)
