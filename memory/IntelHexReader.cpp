@@ -18,7 +18,8 @@ bool fail(const char* message)
 }
 
 // Where characters come from. The rules below are the same for a file that a caller goes through
-// in steps of its own and for one that is read from end to end.
+// in steps of its own and for one that is read from end to end. What follows a record's colon is
+// read from what record() returns, and leave() goes on behind it.
 
 class FileCharacters
 {
@@ -38,23 +39,40 @@ public:
         return false;
     }
 
+    FileCharacters& record() { return *this; }
+
+    void leave(const FileCharacters& /*record*/) {}
+
 private:
     QFile& m_file;
+};
+
+/// Characters in memory. Small enough to live in registers while a record is read.
+class Run
+{
+public:
+    Run(const char* at, const char* end) : m_at(at), m_end(end) {}
+
+    bool next(char& character)
+    {
+        if (m_at == m_end) {
+            return false;
+        }
+        character = *m_at++;
+        return true;
+    }
+
+    const char* position() const { return m_at; }
+
+private:
+    const char* m_at;
+    const char* m_end;
 };
 
 class BlockCharacters
 {
 public:
     explicit BlockCharacters(QFile& file) : m_file(file) {}
-
-    bool next(char& character)
-    {
-        if (m_at == m_end && !read_block()) {
-            return false;
-        }
-        character = *m_at++;
-        return true;
-    }
 
     /// Looks at whole blocks at once: of a large file that is no HEX file, all is gone through.
     bool skip_past(char wanted)
@@ -84,16 +102,37 @@ public:
         return m_file.error() == QFileDevice::NoError;
     }
 
+    /// All that the file has of a record.
+    Run record()
+    {
+        if (m_end - m_at < longest_record) {
+            read_block();
+        }
+        return {m_at, m_end};
+    }
+
+    void leave(const Run& record) { m_at = record.position(); }
+
 private:
+    /// Two digits for each of the four bytes before the data, 255 of data and the checksum.
+    static constexpr std::ptrdiff_t longest_record = 2 * (4 + 255 + 1);
+
+    /// Fills the block up behind what is left of it; false when there is nothing at all. A file
+    /// that has ended is not asked again: a terminal would begin anew.
     bool read_block()
     {
-        const qint64 count = m_file.read(m_block.data(), static_cast<qint64>(m_block.size()));
-        m_at = m_block.data();
-        m_end = m_at + (count > 0 ? count : 0);
+        if (m_has_more) {
+            char* const rest_end = std::copy(m_at, m_end, m_block.data());
+            const qint64 count = m_file.read(rest_end, m_block.data() + m_block.size() - rest_end);
+            m_has_more = count > 0;
+            m_at = m_block.data();
+            m_end = rest_end + qMax<qint64>(count, 0);
+        }
         return m_at != m_end;
     }
 
     QFile& m_file;
+    bool m_has_more = true;
     std::array<char, 64 * 1024> m_block;
     const char* m_at = nullptr;
     const char* m_end = nullptr;
@@ -160,7 +199,7 @@ bool read_bytes(Characters& in, unsigned char count, QByteArray& data, unsigned 
 }
 
 template <typename Characters>
-bool read_record(Characters& in, IntelHexFileRecordType& type, unsigned short& address,
+bool read_fields(Characters& in, IntelHexFileRecordType& type, unsigned short& address,
                  QByteArray& data)
 {
     unsigned char sum = 0;
@@ -169,9 +208,6 @@ bool read_record(Characters& in, IntelHexFileRecordType& type, unsigned short& a
     unsigned char address_lo = 0;
     unsigned char record_type_byte = 0;
     unsigned char checksum = 0;
-    if (!in.skip_past(':')) {
-        return fail("MemoryMap::read_record(): failed to read character");
-    }
     if (!read_byte(in, byte_count, sum)) {
         return fail("MemoryMap::read_record(): failed to read byte_count");
     }
@@ -196,6 +232,19 @@ bool read_record(Characters& in, IntelHexFileRecordType& type, unsigned short& a
     type = static_cast<IntelHexFileRecordType>(record_type_byte);
     address = static_cast<unsigned short>(address_hi * 256 + address_lo);
     return true;
+}
+
+template <typename Characters>
+bool read_record(Characters& in, IntelHexFileRecordType& type, unsigned short& address,
+                 QByteArray& data)
+{
+    if (!in.skip_past(':')) {
+        return fail("MemoryMap::read_record(): failed to read character");
+    }
+    auto&& record = in.record();
+    const bool is_read = read_fields(record, type, address, data);
+    in.leave(record);
+    return is_read;
 }
 
 /// The address in force after an address record: up to `max_bytes` of its data from the top down.

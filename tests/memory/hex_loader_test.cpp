@@ -313,6 +313,19 @@ TEST_F(HexText, lines_may_lie_across_the_blocks_in_which_a_file_is_read)
     EXPECT_EQ(image_of(map), (Image{{0, digits_of(bytes)}}));
 }
 
+TEST_F(HexText, the_longest_line_may_begin_anywhere_around_the_end_of_a_block)
+{
+    const QByteArray bytes = counting_bytes(255, 1);
+    const QByteArray lines = hex_record(0, 0, bytes) + data_record(255, "AA");
+    for (int before = 65536 - lines.size() - 2; before <= 65536 + 2; ++before) {
+        SCOPED_TRACE(before);
+        MemoryMap map(16);
+        EXPECT_TRUE(load(map, QByteArray(before, '\n') + lines));
+        EXPECT_EQ(image_of(map), (Image{{0, digits_of(bytes) + "AA"}}));
+        EXPECT_FALSE(load(map, QByteArray(before, '\n') + lines.chopped(2)));
+    }
+}
+
 TEST_F(HexText, a_long_run_of_text_between_records_is_skipped)
 {
     MemoryMap map(16);
