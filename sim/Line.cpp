@@ -139,7 +139,7 @@ void Line::set_alarm()
         return;
     }
     // Only the last bytes of something let anybody go on; a line of others is not worth the load.
-    if (m_to_device.next_is_last() || m_to_host.next_is_last()) {
+    if (m_to_device.next_is_ending() || m_to_host.next_is_ending()) {
         m_alarm.set_exactly(*next);
     } else {
         m_alarm.set(*next);

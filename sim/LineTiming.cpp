@@ -11,6 +11,20 @@ namespace
 constexpr qint64 bits_per_byte = 10;
 constexpr qint64 ns_per_second = 1000000000;
 
+/// Short enough that no host can tell, long enough that fast lines don't wake the machine for
+/// every byte.
+constexpr qint64 slice_ns = 1000000;
+/// Longer than a system that is not busy takes to wake a sleeper.
+constexpr qint64 ending_ns = 200000;
+/// Longer than the system takes to hand a slice to the host.
+constexpr qint64 ending_slice_ns = 100000;
+
+/// At least one, however long it takes.
+int bytes_within(qint64 time_ns, unsigned int baud)
+{
+    return static_cast<int>(std::max<qint64>(1, time_ns * baud / (bits_per_byte * ns_per_second)));
+}
+
 } // namespace
 
 qint64 line_time_ns(int count, unsigned int baud)
@@ -18,17 +32,20 @@ qint64 line_time_ns(int count, unsigned int baud)
     return baud == 0 ? 0 : count * bits_per_byte * ns_per_second / baud;
 }
 
-std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud, qint64 slice_ns)
+std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud)
 {
     if (baud == 0 && count > 0) {
-        return {{0, count, start_ns}};
+        return {{0, count, start_ns, true}};
     }
-    const qint64 most = slice_ns * baud / (bits_per_byte * ns_per_second);
+    const int ending_begin = count - bytes_within(ending_ns, baud);
     std::vector<Slice> result;
     for (int offset = 0; offset < count; offset += result.back().count) {
-        const qint64 before_the_last = count - offset - most;
-        const int size = static_cast<int>(std::max<qint64>(1, std::min(most, before_the_last)));
-        result.push_back({offset, size, start_ns + line_time_ns(offset + size, baud)});
+        const bool ending = offset >= ending_begin;
+        const int most = bytes_within(ending ? ending_slice_ns : slice_ns, baud);
+        // Of the last slices the first may be short, so that none comes on the heels of another.
+        const int size =
+            ending ? (count - offset - 1) % most + 1 : std::min(most, ending_begin - offset);
+        result.push_back({offset, size, start_ns + line_time_ns(offset + size, baud), ending});
     }
     return result;
 }

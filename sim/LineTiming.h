@@ -11,11 +11,13 @@ namespace sim
 struct Slice {
     int offset = 0; ///< of its first byte in the bytes it was cut from
     int count = 0;
-    qint64 due_ns = 0; ///< when its last byte has passed
+    qint64 due_ns = 0;   ///< when its last byte has passed
+    bool ending = false; ///< among the last, which somebody waits for
 
     bool operator==(const Slice& other) const
     {
-        return offset == other.offset && count == other.count && due_ns == other.due_ns;
+        return offset == other.offset && count == other.count && due_ns == other.due_ns &&
+               ending == other.ending;
     }
 };
 
@@ -23,10 +25,10 @@ struct Slice {
 /// takes time at the rate 0, which is that of a line that is hung up.
 qint64 line_time_ns(int count, unsigned int baud);
 
-/// Cuts `count` bytes, the first of which begins at `start_ns`, into slices that last `slice_ns` at
-/// most; a byte that takes longer is a slice by itself. So is every byte of the last `slice_ns`:
-/// whoever waits for the end of a frame is woken by the bytes before, as on a wire. Every due time
-/// is reckoned from the start, so that no rounding adds up.
-std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud, qint64 slice_ns);
+/// Cuts `count` bytes, the first of which begins at `start_ns`, into slices of up to a millisecond,
+/// and finer ones for the last fifth of a millisecond: whoever waits for the end of a frame is
+/// woken by the bytes before, as on a wire. A byte that takes longer is a slice by itself. Every
+/// due time is reckoned from the start, so that no rounding adds up.
+std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud);
 
 } // namespace sim

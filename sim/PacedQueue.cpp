@@ -7,36 +7,28 @@
 namespace sim
 {
 
-namespace
-{
-
-/// Short enough that no host can tell, long enough that fast lines don't wake the machine for
-/// every byte.
-constexpr qint64 slice_ns = 1000000;
-
-} // namespace
-
 void PacedQueue::add(const Piece& piece, qint64 now_ns)
 {
     const qint64 start_ns = std::max(now_ns, m_free_ns);
     const QByteArray timed = piece.bytes.mid(piece.passed);
     if (piece.whole) {
         m_free_ns = start_ns + line_time_ns(timed.size(), piece.baud);
-        m_waiting.push_back({piece.bytes, piece.baud, m_free_ns, true});
+        m_waiting.push_back({piece.bytes, piece.baud, m_free_ns, true, true});
         return;
     }
     if (piece.passed > 0) {
         m_waiting.push_back(
-            {piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty()});
+            {piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty(), true});
     }
     add_slices(timed, piece.baud, start_ns);
 }
 
 void PacedQueue::add_slices(const QByteArray& bytes, unsigned int baud, qint64 start_ns)
 {
-    for (const Slice& slice : slices(start_ns, bytes.size(), baud, slice_ns)) {
+    for (const Slice& slice : slices(start_ns, bytes.size(), baud)) {
         const bool last = slice.offset + slice.count == bytes.size();
-        m_waiting.push_back({bytes.mid(slice.offset, slice.count), baud, slice.due_ns, last});
+        m_waiting.push_back(
+            {bytes.mid(slice.offset, slice.count), baud, slice.due_ns, last, slice.ending});
         m_free_ns = slice.due_ns;
     }
 }
@@ -56,9 +48,9 @@ std::optional<qint64> PacedQueue::next_due_ns() const
     return m_waiting.empty() ? std::nullopt : std::optional(m_waiting.front().due_ns);
 }
 
-bool PacedQueue::next_is_last() const
+bool PacedQueue::next_is_ending() const
 {
-    return !m_waiting.empty() && m_waiting.front().last;
+    return !m_waiting.empty() && m_waiting.front().ending;
 }
 
 } // namespace sim

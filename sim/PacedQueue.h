@@ -28,7 +28,8 @@ public:
         QByteArray bytes;
         unsigned int baud = 0;
         qint64 due_ns = 0;
-        bool last = false; ///< ends its piece
+        bool last = false;   ///< ends its piece
+        bool ending = false; ///< among the last bytes of its piece
     };
 
     /// The piece begins at `now_ns` or, if later, when everything before it has passed.
@@ -37,8 +38,8 @@ public:
     std::optional<Due> take(qint64 now_ns);
     /// When there will be something to take.
     std::optional<qint64> next_due_ns() const;
-    /// That will end its piece.
-    bool next_is_last() const;
+    /// That will be among the last bytes of its piece, for which somebody waits.
+    bool next_is_ending() const;
 
     bool is_empty() const { return m_waiting.empty(); }
 

@@ -26,35 +26,34 @@ TEST(SimLineTiming, GivesEveryByteTenBits)
 TEST(SimLineTiming, TakesNoTimeOnALineThatIsHungUp)
 {
     EXPECT_EQ(line_time_ns(100, 0), 0);
-    EXPECT_THAT(slices(7, 100, 0, ms), ElementsAre(Slice{0, 100, 7}));
+    EXPECT_THAT(slices(7, 100, 0), ElementsAre(Slice{0, 100, 7, true}));
 }
 
 TEST(SimLineTiming, SendsSlowBytesOneByOneWithoutAddingUpRoundings)
 {
-    EXPECT_THAT(slices(1000, 3, 9600, ms),
-                ElementsAre(Slice{0, 1, 1000 + 1041666}, Slice{1, 1, 1000 + 2083333},
-                            Slice{2, 1, 1000 + 3125000}));
+    EXPECT_THAT(slices(1000, 3, 9600),
+                ElementsAre(Slice{0, 1, 1000 + 1041666, false}, Slice{1, 1, 1000 + 2083333, false},
+                            Slice{2, 1, 1000 + 3125000, true}));
 }
 
-TEST(SimLineTiming, SendsFastBytesInSlicesThatEndInTime)
+TEST(SimLineTiming, SendsFastBytesInSlicesThatEndInTimeAndTheLastInFinerOnes)
 {
-    const auto all = slices(0, 40, 115200, ms);
-    EXPECT_THAT(std::vector(all.begin(), all.begin() + 3),
-                ElementsAre(Slice{0, 11, 954861}, Slice{11, 11, 1909722}, Slice{22, 7, 2517361}));
+    EXPECT_THAT(slices(0, 40, 115200),
+                ElementsAre(Slice{0, 11, 954861, false}, Slice{11, 11, 1909722, false},
+                            Slice{22, 11, 2864583, false}, Slice{33, 5, 3298611, false},
+                            Slice{38, 1, 3385416, true}, Slice{39, 1, 3472222, true}));
 }
 
-TEST(SimLineTiming, SendsTheBytesOfTheLastMillisecondOneByOne)
+TEST(SimLineTiming, SendsAShortAnswerInFineSlicesThatEndWithAFullOne)
 {
-    const auto all = slices(0, 40, 115200, ms);
-    ASSERT_EQ(all.size(), 3U + 11U);
-    EXPECT_EQ(all.at(3), (Slice{29, 1, 2604166}));
-    EXPECT_EQ(all.back(), (Slice{39, 1, 3472222}));
-    EXPECT_THAT(slices(0, 3, 460800, ms),
-                ElementsAre(Slice{0, 1, 21701}, Slice{1, 1, 43402}, Slice{2, 1, 65104}));
+    EXPECT_THAT(slices(0, 5, 460800),
+                ElementsAre(Slice{0, 1, 21701, true}, Slice{1, 4, 108506, true}));
+    EXPECT_THAT(slices(0, 8, 460800),
+                ElementsAre(Slice{0, 4, 86805, true}, Slice{4, 4, 173611, true}));
 }
 
 TEST(SimLineTiming, CutsNothingIntoNothing)
 {
-    EXPECT_THAT(slices(0, 0, 9600, ms), IsEmpty());
-    EXPECT_THAT(slices(0, 0, 0, ms), IsEmpty());
+    EXPECT_THAT(slices(0, 0, 9600), IsEmpty());
+    EXPECT_THAT(slices(0, 0, 0), IsEmpty());
 }

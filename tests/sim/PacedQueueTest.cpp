@@ -32,7 +32,7 @@ TEST(SimPacedQueue, IsEmptyAtFirst)
     PacedQueue queue;
     EXPECT_TRUE(queue.is_empty());
     EXPECT_EQ(queue.next_due_ns(), std::nullopt);
-    EXPECT_FALSE(queue.next_is_last());
+    EXPECT_FALSE(queue.next_is_ending());
     EXPECT_FALSE(queue.take(1000 * ms));
 }
 
@@ -50,10 +50,10 @@ TEST(SimPacedQueue, HoldsAByteBackUntilItHasPassed)
     PacedQueue queue;
     queue.add({"ab", baud}, 0);
     EXPECT_EQ(queue.next_due_ns(), ms);
-    EXPECT_FALSE(queue.next_is_last());
+    EXPECT_FALSE(queue.next_is_ending());
     EXPECT_FALSE(queue.take(ms - 1));
     EXPECT_EQ(queue.take(ms)->bytes, "a");
-    EXPECT_TRUE(queue.next_is_last());
+    EXPECT_TRUE(queue.next_is_ending());
     EXPECT_FALSE(queue.take(ms));
     EXPECT_EQ(queue.next_due_ns(), 2 * ms);
 }
