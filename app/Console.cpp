@@ -33,8 +33,8 @@ void slot_error(QString error)
     stream << error << "\n";
 }
 
-/// The device waits for its next row while this is printed, and a text stream made for the purpose
-/// takes longer than everything else between two rows.
+/// Without a text stream of its own: making one opens the standard output anew, and the device
+/// waits for its next row meanwhile.
 void slot_progress(unsigned int processed, unsigned int total)
 {
     const unsigned int percentage = total == 0 ? 0 : processed * 100U / total;

@@ -102,10 +102,13 @@ public:
         return m_file.error() == QFileDevice::NoError;
     }
 
-    /// All that the file has of a record.
+    /// The rest of the block, with all in it that the file has of a record. More is asked for only
+    /// when the line goes on behind it: whoever types or pipes an image may stop after its end.
     Run record()
     {
-        if (m_end - m_at < longest_record) {
+        const std::ptrdiff_t rest = m_end - m_at;
+        if (rest < longest_record &&
+            std::memchr(m_at, '\n', static_cast<std::size_t>(rest)) == nullptr) {
             read_block();
         }
         return {m_at, m_end};
@@ -118,7 +121,7 @@ private:
     static constexpr std::ptrdiff_t longest_record = 2 * (4 + 255 + 1);
 
     /// Fills the block up behind what is left of it; false when there is nothing at all. A file
-    /// that has ended is not asked again: a terminal would begin anew.
+    /// that has given nothing, at its end or for an error, is not asked again.
     bool read_block()
     {
         if (m_has_more) {

@@ -3,6 +3,7 @@
 #include <QDebug>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <new>
 
@@ -135,17 +136,31 @@ void MemoryMap::clear()
     m_in_order = true;
 }
 
+/// Sorts addresses that lie side by side, and then fetches each blob once.
+void MemoryMap::sort_blobs()
+{
+    std::vector<std::pair<unsigned int, std::size_t>> order;
+    order.reserve(m_addresses.size());
+    for (const unsigned int address : m_addresses) {
+        order.emplace_back(address, order.size());
+    }
+    // Of blobs at one address the later one stays the later one: its number is the higher one.
+    std::sort(order.begin(), order.end());
+    Blobs sorted;
+    sorted.reserve(order.size());
+    for (const auto& [address, number] : order) {
+        m_addresses[sorted.size()] = address;
+        sorted.push_back(std::move(m_blobs[number]));
+    }
+    m_blobs = std::move(sorted);
+}
+
 bool MemoryMap::has_overlaps()
 {
     if (m_in_order) {
         return false;
     }
-    // Stable, so that of blobs at one address the later one stays the later one.
-    std::stable_sort(m_blobs.begin(), m_blobs.end(), [](const auto& a, const auto& b) {
-        return AddressedBLOB::address_sort_compare(a.get(), b.get());
-    });
-    std::transform(m_blobs.begin(), m_blobs.end(), m_addresses.begin(),
-                   [](const auto& blob) { return blob->address; });
+    sort_blobs();
     const auto overlap =
         std::adjacent_find(m_blobs.begin(), m_blobs.end(), [](const auto& blob, const auto& next) {
             return end_address(*blob) > next->address;

@@ -70,6 +70,7 @@ private:
     /// The blobs, as a range of the list, that may hold any of [first_address, last_address].
     std::pair<Blobs::const_iterator, Blobs::const_iterator>
     candidates(unsigned int first_address, unsigned int last_address) const;
+    void sort_blobs();
     bool load_records(QFile& file, const QSet<unsigned int>& boundaries);
     /// Adds a data record to `current` (which may be null) or to a new blob; returns that blob.
     AddressedBLOB& store(AddressedBLOB* current, unsigned int address, const QByteArray& data,

@@ -138,7 +138,7 @@ void Line::set_alarm()
     if (!next) {
         return;
     }
-    // Only the last bytes of something let anybody go on; a line of others is not worth the load.
+    // Somebody waits for the end of a piece; being exact about every slice would keep a core busy.
     if (m_to_device.next_is_ending() || m_to_host.next_is_ending()) {
         m_alarm.set_exactly(*next);
     } else {

@@ -14,9 +14,10 @@ constexpr qint64 ns_per_second = 1000000000;
 /// Short enough that no host can tell, long enough that fast lines don't wake the machine for
 /// every byte.
 constexpr qint64 slice_ns = 1000000;
-/// Longer than a system that is not busy takes to wake a sleeper.
+/// Longer than a host on a system that is not busy takes to wake: it is awake when the end comes.
 constexpr qint64 ending_ns = 200000;
-/// Longer than the system takes to hand a slice to the host.
+/// Twice as long as the system takes to hand a slice to the host, so that no slice waits for the
+/// one before, even when it is rounded down to whole bytes.
 constexpr qint64 ending_slice_ns = 100000;
 
 /// At least one, however long it takes.
@@ -42,9 +43,8 @@ std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud)
     for (int offset = 0; offset < count; offset += result.back().count) {
         const bool ending = offset >= ending_begin;
         const int most = bytes_within(ending ? ending_slice_ns : slice_ns, baud);
-        // Of the last slices the first may be short, so that none comes on the heels of another.
-        const int size =
-            ending ? (count - offset - 1) % most + 1 : std::min(most, ending_begin - offset);
+        // A short slice comes first, so that the last one follows on the one before in good time.
+        const int size = ((ending ? count : ending_begin) - offset - 1) % most + 1;
         result.push_back({offset, size, start_ns + line_time_ns(offset + size, baud), ending});
     }
     return result;

@@ -26,9 +26,10 @@ struct Slice {
 qint64 line_time_ns(int count, unsigned int baud);
 
 /// Cuts `count` bytes, the first of which begins at `start_ns`, into slices of up to a millisecond,
-/// and finer ones for the last fifth of a millisecond: whoever waits for the end of a frame is
-/// woken by the bytes before, as on a wire. A byte that takes longer is a slice by itself. Every
-/// due time is reckoned from the start, so that no rounding adds up.
+/// and of up to a tenth of one for the last fifth of a millisecond: whoever waits for the end of a
+/// frame is woken by the bytes before, as on a wire. A byte that takes longer is a slice by itself,
+/// and what takes less comes in one slice. Every due time is reckoned from the start, so that no
+/// rounding adds up.
 std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud);
 
 } // namespace sim

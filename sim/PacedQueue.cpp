@@ -17,8 +17,8 @@ void PacedQueue::add(const Piece& piece, qint64 now_ns)
         return;
     }
     if (piece.passed > 0) {
-        m_waiting.push_back(
-            {piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty(), true});
+        m_waiting.push_back({piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty(),
+                             timed.isEmpty()});
     }
     add_slices(timed, piece.baud, start_ns);
 }

@@ -78,6 +78,18 @@ TEST_P(ProgressLine, IsRewrittenWithThePercentage)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), GetParam().printed);
 }
 
+TEST(Progress, ReachesTheConsoleAtOnce)
+{
+    testing::internal::CaptureStdout();
+    slot_progress(1, 2);
+    QFile console(QStringLiteral("/dev/stdout"));
+    const bool is_open = console.open(QIODevice::ReadOnly);
+    const std::string shown = console.readAll().toStdString();
+    testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(is_open);
+    EXPECT_EQ(shown, "\rProgress 50%");
+}
+
 INSTANTIATE_TEST_SUITE_P(Console, ProgressLine, testing::ValuesIn(progress_cases), name_of);
 
 TEST(ErrorLine, EndsInANewline)

@@ -4,8 +4,10 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 // A pipe cannot be replaced by a file: what reads at its other end would never see the image.
 TEST(HexPipe, TakesTheTextInPlace)
@@ -30,4 +32,23 @@ TEST(HexPipe, TakesTheTextInPlace)
 
     ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &information), 0);
     EXPECT_TRUE(S_ISFIFO(information.st_mode));
+}
+
+// Whoever writes into it may keep it open: nothing more is to come, and nothing is waited for.
+TEST(HexPipe, IsNotAskedForMoreBehindTheEndRecord)
+{
+    const QTemporaryDir folder;
+    const QByteArray path = QFile::encodeName(folder.filePath(QStringLiteral("pipe")));
+    ASSERT_EQ(::mkfifo(path.constData(), 0600), 0);
+    const int both_ends = ::open(path.constData(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(both_ends, 0);
+    // As much as is read from a file at a time, which a pipe holds.
+    const QByteArray lines(":0100000001FE\n:00000001FF\n");
+    const QByteArray text = QByteArray(65536 - lines.size(), '\n') + lines;
+    ASSERT_EQ(::write(both_ends, text.constData(), static_cast<std::size_t>(text.size())),
+              text.size());
+    MemoryMap map(MemoryMap::default_chunk_size);
+    EXPECT_TRUE(map.load_from_hex_file(QFile::decodeName(path), {}));
+    EXPECT_EQ(map.size(), 1U);
+    ::close(both_ends);
 }

@@ -39,9 +39,28 @@ TEST(SimLineTiming, SendsSlowBytesOneByOneWithoutAddingUpRoundings)
 TEST(SimLineTiming, SendsFastBytesInSlicesThatEndInTimeAndTheLastInFinerOnes)
 {
     EXPECT_THAT(slices(0, 40, 115200),
-                ElementsAre(Slice{0, 11, 954861, false}, Slice{11, 11, 1909722, false},
-                            Slice{22, 11, 2864583, false}, Slice{33, 5, 3298611, false},
+                ElementsAre(Slice{0, 5, 434027, false}, Slice{5, 11, 1388888, false},
+                            Slice{16, 11, 2343750, false}, Slice{27, 11, 3298611, false},
                             Slice{38, 1, 3385416, true}, Slice{39, 1, 3472222, true}));
+}
+
+TEST(SimLineTiming, LeavesOutNothingAtAnyRate)
+{
+    for (const unsigned int baud : {1U, 50U, 300U, 9600U, 57600U, 115200U, 460800U, 4000000U}) {
+        for (int count = 1; count <= 600; ++count) {
+            SCOPED_TRACE(testing::Message() << count << " bytes at " << baud);
+            Slice before{0, 0, 5, false};
+            for (const Slice& slice : slices(5, count, baud)) {
+                ASSERT_EQ(slice.offset, before.offset + before.count);
+                ASSERT_GE(slice.count, 1);
+                ASSERT_EQ(slice.due_ns, 5 + line_time_ns(slice.offset + slice.count, baud));
+                ASSERT_GE(slice.ending, before.ending);
+                before = slice;
+            }
+            ASSERT_EQ(before.offset + before.count, count);
+            ASSERT_TRUE(before.ending);
+        }
+    }
 }
 
 TEST(SimLineTiming, SendsAShortAnswerInFineSlicesThatEndWithAFullOne)

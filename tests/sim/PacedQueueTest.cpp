@@ -85,6 +85,31 @@ TEST(SimPacedQueue, BringsAWholePieceWhenItsLastByteHasPassed)
     EXPECT_THAT(take_all(queue), ElementsAre(Taken("echo+ab", 2, true), Taken("c", 3, true)));
 }
 
+TEST(SimPacedQueue, TellsTheEndOfAPieceBeforeItsLastBytes)
+{
+    PacedQueue queue;
+    queue.add({"abcde", 115200}, 0);
+    EXPECT_FALSE(queue.next_is_ending());
+    EXPECT_EQ(queue.take(ms)->bytes, "abc");
+    EXPECT_TRUE(queue.next_is_ending());
+    EXPECT_FALSE(queue.take(ms)->last);
+    EXPECT_TRUE(queue.next_is_ending());
+    EXPECT_TRUE(queue.take(ms)->last);
+}
+
+TEST(SimPacedQueue, TakesAnEchoForAnEndOnlyWithNothingBehindIt)
+{
+    PacedQueue queue;
+    queue.add({"echo+a", baud, 5}, 0);
+    EXPECT_FALSE(queue.next_is_ending());
+    queue.clear();
+    queue.add({"echo", baud, 4}, 0);
+    EXPECT_TRUE(queue.next_is_ending());
+    queue.clear();
+    queue.add({"echo+a", baud, 5, true}, 0);
+    EXPECT_TRUE(queue.next_is_ending());
+}
+
 TEST(SimPacedQueue, ForgetsEverythingWhenCleared)
 {
     PacedQueue queue;
