@@ -26,6 +26,9 @@ public:
     /// When the short packet's time is up.
     std::optional<qint64> deadline_ns() const { return m_deadline_ns; }
 
+    /// Bytes of the short packet.
+    int size() const { return m_rest.size(); }
+
     void clear();
 
 private:

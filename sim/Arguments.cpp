@@ -94,6 +94,7 @@ Options device_options(const OptionParser& parser)
     options.latency_ms = ms_of(parser, "latency-ms");
     options.erase_page_ms = ms_of(parser, "erase-ms");
     options.write_row_ms = ms_of(parser, "write-ms");
+    options.keeps_record = false;
     return options;
 }
 
@@ -105,7 +106,6 @@ RigOptions rig_options(const OptionParser& parser)
         add_fault(options.faults, fault);
     }
     options.faults.seed = seed_of(parser.value("seed", QStringLiteral("1")));
-    options.trace = parser.value("trace");
     options.replay = parser.value("replay");
     return options;
 }
@@ -141,6 +141,7 @@ Arguments parse_arguments(const QStringList& command_line)
     arguments.check_image = parser.value("check");
     arguments.state = parser.value("state");
     arguments.link = parser.value("link");
+    arguments.trace = parser.value("trace");
     arguments.command = command_of(parser);
     arguments.json = parser.has("json");
     return arguments;

@@ -24,6 +24,7 @@ struct Arguments {
     QString check_image;
     QString state;
     QString link;
+    QString trace;
     QStringList command; ///< to run on the port
     bool json = false;
 };

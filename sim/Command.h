@@ -25,7 +25,7 @@ struct Command {
     Kind kind = Kind::Unknown;
     QByteArray payload;        ///< unescaped and without checksum; "U" for a probe
     unsigned int baud = 0;     ///< rate on the line when it came
-    unsigned int sequence = 0; ///< its index in SimulatedDevice::commands()
+    unsigned int sequence = 0; ///< how many came before it
     /// A command of its kind that the device did not carry out: its address, count or length is
     /// none that this device has, or it would touch the bootloader.
     bool refused = false;

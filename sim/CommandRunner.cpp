@@ -1,6 +1,6 @@
 #include "sim/CommandRunner.h"
 
-#include <csignal>
+#include "sim/ProcessSetup.h"
 
 namespace sim
 {
@@ -14,9 +14,7 @@ constexpr int killed_by_signal = 128;
 
 void CommandRunner::Process::setupChildProcess()
 {
-    sigset_t none;
-    sigemptyset(&none);
-    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
+    restore_signals();
 }
 
 CommandRunner::CommandRunner(const QStringList& command, const QString& port_path)

@@ -27,7 +27,8 @@ Q_SIGNALS:
     void not_started(const QString& reason);
 
 private:
-    /// A child that takes the signals which this process has reserved for itself.
+    /// A child that has its signals as programs expect them, whatever this process does with its
+    /// own.
     class Process : public QProcess
     {
     protected:

@@ -12,6 +12,8 @@ namespace
 {
 
 constexpr qint64 ns_per_ms = 1000000;
+/// When this much is on its way to the device, the host has to wait until it can write more.
+constexpr qint64 most_to_device = 64 * 1024;
 
 std::optional<qint64> earliest(std::initializer_list<std::optional<qint64>> times)
 {
@@ -37,6 +39,11 @@ bool Line::host_has_unread() const
     return m_terminal.host_has_unread() || !m_to_host.is_empty() || m_adapter.deadline_ns();
 }
 
+qint64 Line::bytes_for_host() const
+{
+    return m_terminal.pending_bytes() + m_to_host.waiting_bytes() + m_adapter.size();
+}
+
 void Line::take_from_host(const QByteArray& bytes, unsigned int baud)
 {
     if (!m_options.paced) {
@@ -46,6 +53,7 @@ void Line::take_from_host(const QByteArray& bytes, unsigned int baud)
     const qint64 now_ns = Alarm::now_ns();
     m_use.add(line_time_ns(bytes.size(), baud), now_ns);
     m_to_device.add({bytes, baud, 0, m_options.keeps_writes_whole}, now_ns);
+    m_terminal.set_listening(m_to_device.waiting_bytes() < most_to_device);
     move_on();
 }
 
@@ -100,6 +108,7 @@ bool Line::deliver_to_device(qint64 now_ns)
     const std::optional<PacedQueue::Due> due = m_to_device.take(now_ns);
     if (due) {
         note_lateness(*due, now_ns);
+        m_terminal.set_listening(m_to_device.waiting_bytes() < most_to_device);
         m_hearing_ns = due->due_ns;
         Q_EMIT received(due->bytes, due->baud);
         m_hearing_ns.reset();

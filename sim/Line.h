@@ -35,6 +35,10 @@ public:
     /// Bytes are on their way to the host, or wait for it to read them.
     bool host_has_unread() const;
 
+    /// As many bytes are on their way to the host, or wait for it to read them, those in the
+    /// system's own buffer apart.
+    qint64 bytes_for_host() const;
+
     /// Bytes are on their way to the device.
     bool device_has_unread() const { return !m_to_device.is_empty(); }
 

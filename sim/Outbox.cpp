@@ -28,15 +28,22 @@ Outbox::Outbox(Line& line) : m_line(line)
 
 void Outbox::post(const Piece& piece, qint64 due_ns, bool apart)
 {
-    const auto later = std::find_if(m_entries.begin(), m_entries.end(),
-                                    [due_ns](const Entry& e) { return e.due_ns > due_ns; });
-    m_entries.insert(later, {piece, due_ns, apart, 0});
+    if (m_waiting_bytes + m_line.bytes_for_host() >= room) {
+        m_lost_bytes += piece.bytes.size();
+        return;
+    }
+    // From the end, where nearly every piece belongs.
+    const auto earlier = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                      [due_ns](const Entry& e) { return e.due_ns <= due_ns; });
+    m_entries.insert(earlier.base(), {piece, due_ns, apart, 0});
+    m_waiting_bytes += piece.bytes.size();
     send_due();
 }
 
 void Outbox::clear()
 {
     m_entries.clear();
+    m_waiting_bytes = 0;
     m_alarm.stop();
 }
 
@@ -51,6 +58,7 @@ void Outbox::send_due()
         }
         const Piece piece = m_entries.front().piece;
         m_entries.pop_front();
+        m_waiting_bytes -= piece.bytes.size();
         m_line.send(piece);
         m_last_write_ns = Alarm::now_ns();
     }

@@ -37,6 +37,12 @@ public:
     /// Drops everything that has not gone out.
     void clear();
 
+    /// Bytes that were dropped: when this much or more waits to be read by the host, here or on the
+    /// line, what is posted is lost, as on a serial port that nobody reads.
+    static constexpr qint64 room = 256 * 1024;
+
+    qint64 lost_bytes() const { return m_lost_bytes; }
+
 private:
     struct Entry {
         Piece piece;
@@ -50,6 +56,8 @@ private:
 
     Line& m_line;
     std::list<Entry> m_entries;
+    qint64 m_waiting_bytes = 0; ///< of the entries
+    qint64 m_lost_bytes = 0;
     qint64 m_last_write_ns = 0;
     Alarm m_alarm;
 };

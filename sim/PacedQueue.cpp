@@ -13,22 +13,33 @@ void PacedQueue::add(const Piece& piece, qint64 now_ns)
     const QByteArray timed = piece.bytes.mid(piece.passed);
     if (piece.whole) {
         m_free_ns = start_ns + line_time_ns(timed.size(), piece.baud);
-        m_waiting.push_back({piece.bytes, piece.baud, m_free_ns, true, true});
+        append({piece.bytes, piece.baud, m_free_ns, true, true});
         return;
     }
     if (piece.passed > 0) {
-        m_waiting.push_back({piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty(),
-                             timed.isEmpty()});
+        append({piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty(),
+                timed.isEmpty()});
     }
     add_slices(timed, piece.baud, start_ns);
+}
+
+void PacedQueue::append(const Due& due)
+{
+    m_waiting.push_back(due);
+    m_waiting_bytes += due.bytes.size();
+}
+
+void PacedQueue::clear()
+{
+    m_waiting.clear();
+    m_waiting_bytes = 0;
 }
 
 void PacedQueue::add_slices(const QByteArray& bytes, unsigned int baud, qint64 start_ns)
 {
     for (const Slice& slice : slices(start_ns, bytes.size(), baud)) {
         const bool last = slice.offset + slice.count == bytes.size();
-        m_waiting.push_back(
-            {bytes.mid(slice.offset, slice.count), baud, slice.due_ns, last, slice.ending});
+        append({bytes.mid(slice.offset, slice.count), baud, slice.due_ns, last, slice.ending});
         m_free_ns = slice.due_ns;
     }
 }
@@ -40,6 +51,7 @@ std::optional<PacedQueue::Due> PacedQueue::take(qint64 now_ns)
     }
     Due due = m_waiting.front();
     m_waiting.pop_front();
+    m_waiting_bytes -= due.bytes.size();
     return due;
 }
 

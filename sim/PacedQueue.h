@@ -43,12 +43,16 @@ public:
 
     bool is_empty() const { return m_waiting.empty(); }
 
-    void clear() { m_waiting.clear(); }
+    qint64 waiting_bytes() const { return m_waiting_bytes; }
+
+    void clear();
 
 private:
+    void append(const Due& due);
     void add_slices(const QByteArray& bytes, unsigned int baud, qint64 start_ns);
 
     std::deque<Due> m_waiting;
+    qint64 m_waiting_bytes = 0;
     qint64 m_free_ns = 0; ///< when the last byte accepted has passed
 };
 

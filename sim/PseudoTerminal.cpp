@@ -85,13 +85,15 @@ bool try_again_later()
 PseudoTerminal::PseudoTerminal()
     : m_master(open_master_without_lock()),
       m_path(slave_path(m_master)),
-      m_slave(open_slave(m_path))
+      m_slave(open_slave(m_path)),
+      m_closings(m_path)
 {
     make_raw(m_slave);
     m_readable = std::make_unique<QSocketNotifier>(m_master.get(), QSocketNotifier::Read);
     m_writable = std::make_unique<QSocketNotifier>(m_master.get(), QSocketNotifier::Write);
     m_writable->setEnabled(false);
     connect(m_readable.get(), &QSocketNotifier::activated, this, &PseudoTerminal::read_available);
+    connect(&m_closings, &CloseWatch::closed, this, &PseudoTerminal::release_port);
     connect(m_writable.get(), &QSocketNotifier::activated, this, &PseudoTerminal::write_pending);
 }
 
@@ -110,6 +112,13 @@ bool PseudoTerminal::host_has_unread() const
     int waiting = 0;
     const bool known = m_slave.is_open() && ::ioctl(m_slave.get(), FIONREAD, &waiting) == 0;
     return !m_pending.isEmpty() || (known && waiting > 0);
+}
+
+void PseudoTerminal::set_listening(bool listening)
+{
+    if (m_master.is_open() && m_readable->isEnabled() != listening) {
+        m_readable->setEnabled(listening);
+    }
 }
 
 void PseudoTerminal::write(const QByteArray& bytes)
@@ -145,7 +154,8 @@ void PseudoTerminal::read_available()
 }
 
 /// A host claims its port for itself, and a host that is killed never gives it back. On a real port
-/// the last close does; here this end stays open, so the claim is lifted while the host is there.
+/// the last close does; here this end stays open, so the claim is lifted when a host closes its
+/// port and, where that can't be noticed, while it is there.
 void PseudoTerminal::release_port()
 {
     ::ioctl(m_slave.get(), TIOCNXCL);

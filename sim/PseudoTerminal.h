@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sim/CloseWatch.h"
 #include "sim/Descriptor.h"
 
 #include <QByteArray>
@@ -36,6 +37,12 @@ public:
     /// The host has bytes waiting that it has not read yet.
     bool host_has_unread() const;
 
+    /// Bytes that the terminal has had no room for.
+    qint64 pending_bytes() const { return m_pending.size(); }
+
+    /// While not listening, what the host sends stays where it is until the host has to wait.
+    void set_listening(bool listening);
+
     /// Puts bytes on the line. What the terminal has no room for is kept and follows by itself.
     void write(const QByteArray& bytes);
     /// Closes both ends and drops what was still to be written: the host's port vanishes.
@@ -54,6 +61,7 @@ private:
     Descriptor m_master;
     QString m_path;
     Descriptor m_slave;
+    CloseWatch m_closings; ///< of the host's end, except this one's
     QByteArray m_pending;
     std::unique_ptr<QSocketNotifier> m_readable;
     std::unique_ptr<QSocketNotifier> m_writable;

@@ -8,6 +8,14 @@
 namespace sim
 {
 
+namespace
+{
+
+/// Enough to see what a host did that the recorded one had not done.
+constexpr std::size_t most_unmatched = 100;
+
+} // namespace
+
 Replay::Replay(FrameLog log) : m_log(std::move(log)) {}
 
 QByteArray Replay::answer_to(const QByteArray& payload)
@@ -28,10 +36,15 @@ QByteArray Replay::answer_to(const QByteArray& payload)
 
 void Replay::note_unmatched(const QByteArray& payload)
 {
-    if (m_unmatched.empty() || m_unmatched.back().payload != payload) {
-        m_unmatched.push_back({payload, 0});
+    const bool is_again = payload == m_last_unmatched;
+    m_last_unmatched = payload;
+    if (!is_again && m_unmatched.size() == most_unmatched) {
+        ++m_further_unmatched;
+    } else if (!is_again) {
+        m_unmatched.push_back({payload, 1});
+    } else if (m_further_unmatched == 0) {
+        ++m_unmatched.back().times;
     }
-    ++m_unmatched.back().times;
 }
 
 } // namespace sim

@@ -31,7 +31,11 @@ public:
 
     int recorded() const { return static_cast<int>(m_log.entries.size()); }
 
+    /// The first of the requests that were not in what remained of the log.
     const std::vector<Unmatched>& unmatched() const { return m_unmatched; }
+
+    /// How many different ones came after those.
+    qint64 further_unmatched() const { return m_further_unmatched; }
 
 private:
     void note_unmatched(const QByteArray& payload);
@@ -40,6 +44,8 @@ private:
     std::size_t m_next = 0; ///< the first entry that has not been passed
     int m_matched = 0;
     std::vector<Unmatched> m_unmatched;
+    QByteArray m_last_unmatched;
+    qint64 m_further_unmatched = 0;
 };
 
 } // namespace sim

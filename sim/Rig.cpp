@@ -31,7 +31,8 @@ qint64 size_of(const std::vector<Delivery>& deliveries)
 } // namespace
 
 Rig::Rig(const Profile& profile, const RigOptions& options)
-    : m_options(options),
+    : m_profile(profile),
+      m_options(options),
       m_device(profile, options.device),
       m_faults(options.faults)
 {
@@ -39,15 +40,17 @@ Rig::Rig(const Profile& profile, const RigOptions& options)
     if (!options.replay.isEmpty()) {
         m_replay.emplace(read_frame_log(options.replay));
     }
-    if (!options.trace.isEmpty()) {
-        m_trace.emplace(options.trace, profile);
-    }
     m_device.set_request_filter(
         [this](const QByteArray& bytes) { return m_faults.damage_request(bytes); });
     m_device.set_judge([this](const Command& command) { return m_faults.judge(command); });
     m_device.set_reply_filter([this](const Command& command, const QByteArray& answer) {
         return reply_to(command, answer);
     });
+}
+
+void Rig::start_trace(const QString& path)
+{
+    m_trace.emplace(path, m_profile);
 }
 
 std::vector<Delivery> Rig::reply_to(const Command& command, const QByteArray& answer)
@@ -78,8 +81,9 @@ Summary Rig::summary() const
     Summary summary;
     summary.commands = m_tally;
     summary.dropped_frames = m_device.dropped_frames();
-    summary.bytes_from_host = m_device.heard().size();
+    summary.bytes_from_host = m_device.bytes_from_host();
     summary.bytes_to_host = m_device.line().bytes_to_host();
+    summary.lost_bytes = m_device.lost_bytes();
     summary.memory = m_device.memory().statistics();
     if (m_options.faults.are_any()) {
         summary.seed = m_options.faults.seed;
@@ -89,7 +93,8 @@ Summary Rig::summary() const
         summary.pace = {m_device.line().lateness(), m_device.line().use()};
     }
     if (m_replay) {
-        summary.replayed = {m_replay->matched(), m_replay->recorded(), m_replay->unmatched()};
+        summary.replayed = {m_replay->matched(), m_replay->recorded(), m_replay->unmatched(),
+                            m_replay->further_unmatched()};
     }
     return summary;
 }

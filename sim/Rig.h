@@ -11,11 +11,10 @@
 namespace sim
 {
 
-/// What a device is surrounded with. Empty names: not asked for.
+/// What a device is surrounded with. An empty name: not asked for.
 struct RigOptions {
     Options device;
     FaultSettings faults;
-    QString trace;
     QString replay;
 };
 
@@ -30,6 +29,9 @@ public:
 
     SimulatedDevice& device() { return m_device; }
 
+    /// Begins a trace, see Trace; throws what that throws.
+    void start_trace(const QString& path);
+
     /// How things stand; without a check, which is the caller's.
     Summary summary() const;
 
@@ -40,6 +42,7 @@ private:
     std::vector<Delivery> reply_to(const Command& command, const QByteArray& answer);
     QByteArray recorded_answer(const Command& command, const QByteArray& answer);
 
+    const Profile& m_profile;
     RigOptions m_options;
     SimulatedDevice m_device;
     FaultInjector m_faults;

@@ -1,6 +1,8 @@
 #include "sim/Session.h"
 
 #include "sim/Console.h"
+#include "sim/FileClash.h"
+#include "sim/UsageError.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -24,6 +26,19 @@ QString summary_text(const Summary& summary, bool json)
     return text_of(summary).join(QLatin1Char('\n'));
 }
 
+/// Complains when it fails.
+template <typename Write>
+bool succeeds(const Write& write)
+{
+    try {
+        write();
+        return true;
+    } catch (const std::exception& failure) {
+        complain(QString::fromUtf8(failure.what()));
+        return false;
+    }
+}
+
 } // namespace
 
 Session::Session(const Arguments& arguments)
@@ -32,11 +47,14 @@ Session::Session(const Arguments& arguments)
       m_profile(m_table.choose(arguments.version)),
       m_rig(m_profile, arguments.rig)
 {
+    refuse_clashes();
     prepare_memory();
     // Loaded before serving, so that a mistyped name shows at once.
     if (!arguments.check_image.isEmpty()) {
         m_expected.emplace(arguments.check_image);
     }
+    // From here on nothing waits for anybody, and what is made has to be removed in the end.
+    m_signals.emplace();
     const QString port_path = m_rig.device().port_path();
     if (!arguments.link.isEmpty()) {
         m_link = std::make_unique<PortLink>(arguments.link, port_path);
@@ -46,7 +64,31 @@ Session::Session(const Arguments& arguments)
     }
     m_quiet.setSingleShot(true);
     connect(&m_quiet, &QTimer::timeout, this, &Session::leave_when_quiet);
-    connect(&m_signals, &StopSignals::stop_requested, this, &Session::stop);
+    connect(&*m_signals, &StopSignals::stop_requested, this, &Session::stop);
+    // Last, for it empties its file.
+    if (!arguments.trace.isEmpty()) {
+        m_rig.start_trace(arguments.trace);
+    }
+}
+
+/// A file that is written must be none of the others: it would be lost.
+void Session::refuse_clashes() const
+{
+    using Use = NamedFile::Use;
+    const std::optional<FileClash> clash = find_clash({
+        {QStringLiteral("--table"), m_arguments.table, Use::Read},
+        {QStringLiteral("--replay"), m_arguments.rig.replay, Use::Read},
+        {QStringLiteral("--memory"), m_arguments.memory_image, Use::Read},
+        {QStringLiteral("--check"), m_arguments.check_image, Use::Read},
+        {QStringLiteral("--save"), m_arguments.save_image, Use::Written},
+        {QStringLiteral("--state"), m_arguments.state, Use::Written},
+        {QStringLiteral("--trace"), m_arguments.trace, Use::Written},
+        {QStringLiteral("--link"), m_arguments.link, Use::Linked},
+    });
+    if (clash) {
+        throw UsageError(
+            QStringLiteral("%1 and %2 name the same file").arg(clash->option, clash->other_option));
+    }
 }
 
 /// The image goes over the state, as an uploader's work would.
@@ -73,12 +115,23 @@ int Session::run()
     if (m_command) {
         start_command();
     }
-    QCoreApplication::exec();
+    serve();
     m_link.reset();
-    // Saved first: who was to read the summary may be gone, and its pipe end the program.
+    // Saved first: who was to read the summary may be gone.
     const bool saved = save();
     const bool holds = check_and_sum_up();
     return m_status == ExitGood && !(holds && saved) ? ExitFailed : m_status;
+}
+
+/// Whatever happens, what was to be saved can still be saved after it.
+void Session::serve()
+{
+    try {
+        QCoreApplication::exec();
+    } catch (const std::exception& failure) {
+        complain(QString::fromUtf8(failure.what()));
+        m_status = ExitFailed;
+    }
 }
 
 void Session::start_command()
@@ -111,7 +164,7 @@ void Session::end_command(int status)
 /// The device gets the last word that a command sent, such as a reset that it did not wait for.
 void Session::leave_when_quiet()
 {
-    const int heard = m_rig.device().heard().size();
+    const qint64 heard = m_rig.device().bytes_from_host();
     if (heard == m_heard_before && !m_rig.device().line().device_has_unread()) {
         QCoreApplication::quit();
         return;
@@ -134,23 +187,25 @@ bool Session::check_and_sum_up()
 /// Tries everything that is to be saved, whatever becomes of the rest.
 bool Session::save()
 {
-    const auto succeeds = [](const auto& write) {
-        try {
-            write();
-            return true;
-        } catch (const ImageError& failure) {
-            complain(QString::fromUtf8(failure.what()));
-            return false;
-        }
-    };
-    const DeviceMemory& memory = m_rig.device().memory();
-    const bool image = m_arguments.save_image.isEmpty() ||
-                       succeeds([&] { save_memory(memory, m_arguments.save_image); });
-    const bool state = !m_state || succeeds([&] { m_state->save(memory); });
+    const bool state = save_state();
+    // An image may go to a pipe, which waits for its reader and for ever if there is none.
+    m_signals.reset();
+    const bool image = save_image();
     if (!m_rig.is_trace_whole()) {
-        complain(QStringLiteral("cannot write the trace %1").arg(m_arguments.rig.trace));
+        complain(QStringLiteral("cannot write the trace %1").arg(m_arguments.trace));
     }
     return image && state && m_rig.is_trace_whole();
+}
+
+bool Session::save_state()
+{
+    return !m_state || succeeds([this] { m_state->save(m_rig.device().memory()); });
+}
+
+bool Session::save_image()
+{
+    const QString path = m_arguments.save_image;
+    return path.isEmpty() || succeeds([&] { save_memory(m_rig.device().memory(), path); });
 }
 
 } // namespace sim

@@ -38,13 +38,17 @@ public:
     int run();
 
 private:
+    void refuse_clashes() const;
     void prepare_memory();
     void start_command();
     void stop();
     void end_command(int status);
     void leave_when_quiet();
-    bool check_and_sum_up();
+    void serve();
     bool save();
+    bool save_state();
+    bool save_image();
+    bool check_and_sum_up();
 
     Arguments m_arguments;
     DeviceTable m_table;
@@ -52,11 +56,11 @@ private:
     Rig m_rig;
     std::optional<StateFile> m_state;
     std::optional<MemoryImage> m_expected;
-    StopSignals m_signals;
+    std::optional<StopSignals> m_signals;
     std::unique_ptr<PortLink> m_link;
     std::unique_ptr<CommandRunner> m_command;
     QTimer m_quiet;
-    int m_heard_before = 0; ///< bytes, when it was last looked whether all is quiet
+    qint64 m_heard_before = 0; ///< bytes, when it was last looked whether all is quiet
     int m_status = ExitGood;
 };
 

@@ -12,6 +12,8 @@ namespace
 {
 
 constexpr qint64 ns_per_ms = 1000000;
+/// However much a host asks for without waiting, the device is done with it after so long.
+constexpr qint64 longest_work_ns = 24 * 3600 * 1000 * ns_per_ms;
 
 LineOptions line_options(const Options& options)
 {
@@ -52,6 +54,12 @@ std::vector<QByteArray> SimulatedDevice::payloads() const
     return payloads;
 }
 
+void SimulatedDevice::clear_commands()
+{
+    m_commands.clear();
+    m_next_sequence = 0;
+}
+
 void SimulatedDevice::unplug()
 {
     m_outbox.clear();
@@ -60,7 +68,10 @@ void SimulatedDevice::unplug()
 
 void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
 {
-    m_heard.append(bytes);
+    m_bytes_from_host += bytes.size();
+    if (m_options.keeps_record) {
+        m_heard.append(bytes);
+    }
     const QByteArray got_through = m_request_filter ? m_request_filter(bytes) : bytes;
     const qint64 now_ns = Alarm::now_ns();
     std::vector<Reply> replies;
@@ -78,10 +89,13 @@ void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
 /// A device does one thing after the other; what it is asked meanwhile waits its turn.
 SimulatedDevice::Reply SimulatedDevice::reply_to(Exchange& exchange, qint64 now_ns)
 {
-    exchange.command.sequence = static_cast<unsigned int>(m_commands.size());
-    m_commands.push_back(exchange.command);
+    exchange.command.sequence = m_next_sequence++;
+    if (m_options.keeps_record) {
+        m_commands.push_back(exchange.command);
+    }
     Q_EMIT command_received(exchange.command);
-    m_busy_until_ns = std::max(m_busy_until_ns, now_ns) + work_ms(exchange) * ns_per_ms;
+    const qint64 done_ns = std::max(m_busy_until_ns, now_ns) + work_ms(exchange) * ns_per_ms;
+    m_busy_until_ns = std::min(done_ns, now_ns + longest_work_ns);
     return {exchange.command.baud, now_ns, m_busy_until_ns, deliveries_for(exchange)};
 }
 

@@ -33,6 +33,9 @@ struct Options {
     int latency_ms = 0;    ///< see LineOptions
     int erase_page_ms = 0; ///< what the device needs to erase a page
     int write_row_ms = 0;  ///< and to write a row
+    /// Keeps every command and byte for whoever looks at them later. A device that serves for long
+    /// had better only count.
+    bool keeps_record = true;
 };
 
 /// A device of the family with its bootloader, reached through a pseudo-terminal as through a
@@ -61,17 +64,24 @@ public:
 
     const DeviceMemory& memory() const { return m_memory; }
 
-    /// Everything made out since the start or the last clear_commands(), in order.
+    /// Everything made out since the start or the last clear_commands(), in order; nothing for a
+    /// device that keeps no record, as for payloads() and heard().
     const std::vector<Command>& commands() const { return m_commands; }
 
     /// The payloads of the framed commands among them, that is all but the probes.
     std::vector<QByteArray> payloads() const;
 
     /// Forgets them; the next command has the sequence 0 again.
-    void clear_commands() { m_commands.clear(); }
+    void clear_commands();
 
     /// Every raw byte received, whatever the rate.
     QByteArray heard() const { return m_heard; }
+
+    /// The number of these bytes.
+    qint64 bytes_from_host() const { return m_bytes_from_host; }
+
+    /// Bytes that were dropped because the host left too much unread.
+    qint64 lost_bytes() const { return m_outbox.lost_bytes(); }
 
     /// Frames that began and came to nothing.
     unsigned int dropped_frames() const { return m_bootloader.dropped_frames(); }
@@ -127,7 +137,9 @@ private:
     ReplyFilter m_filter;
     RequestFilter m_request_filter;
     std::vector<Command> m_commands;
+    unsigned int m_next_sequence = 0;
     QByteArray m_heard;
+    qint64 m_bytes_from_host = 0;
     QByteArray m_held_echo;     ///< goes out in front of the next answer
     qint64 m_busy_until_ns = 0; ///< with what it was asked before
 };

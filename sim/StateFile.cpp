@@ -6,6 +6,7 @@
 #include "util/WholeFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -58,6 +59,9 @@ void StateFile::load(DeviceMemory& memory) const
     QFile file(m_path);
     if (!file.exists()) {
         return;
+    }
+    if (!QFileInfo(m_path).isFile()) {
+        throw ImageError(QStringLiteral("the state %1 is no regular file").arg(m_path));
     }
     if (!file.open(QIODevice::ReadOnly)) {
         throw ImageError(QStringLiteral("cannot read the state %1").arg(m_path));

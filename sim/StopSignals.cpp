@@ -21,7 +21,7 @@ bool is_ignored(int signal)
     return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-int open_signals()
+int open_signals(sigset_t& mask_before)
 {
     sigset_t signals;
     sigemptyset(&signals);
@@ -30,7 +30,7 @@ int open_signals()
     if (!is_ignored(SIGHUP)) {
         sigaddset(&signals, SIGHUP);
     }
-    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    ::pthread_sigmask(SIG_BLOCK, &signals, &mask_before);
     const int descriptor = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
     if (descriptor < 0) {
         throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
@@ -41,10 +41,18 @@ int open_signals()
 } // namespace
 
 StopSignals::StopSignals()
-    : m_descriptor(open_signals()),
+    : m_descriptor(open_signals(m_mask_before)),
       m_notifier(m_descriptor.get(), QSocketNotifier::Read)
 {
     connect(&m_notifier, &QSocketNotifier::activated, this, &StopSignals::take);
+}
+
+StopSignals::~StopSignals()
+{
+    signalfd_siginfo signal{};
+    while (::read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal) {
+    }
+    ::pthread_sigmask(SIG_SETMASK, &m_mask_before, nullptr);
 }
 
 void StopSignals::take()

@@ -30,12 +30,14 @@ struct Summary {
         int matched = 0;
         int recorded = 0;
         std::vector<Replay::Unmatched> unmatched;
+        qint64 further_unmatched = 0;
     };
 
     Tally commands;
     unsigned int dropped_frames = 0;
     qint64 bytes_from_host = 0;
     qint64 bytes_to_host = 0;
+    qint64 lost_bytes = 0; ///< because the host left too much unread
     DeviceMemory::Statistics memory;
     /// Set when there were faults to inject.
     std::optional<std::uint64_t> seed;

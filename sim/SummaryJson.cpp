@@ -66,6 +66,7 @@ QJsonObject replay_of(const Summary::Replayed& replayed)
         {QStringLiteral("recorded"), replayed.recorded},
         {QStringLiteral("matched"), replayed.matched},
         {QStringLiteral("unmatched"), unmatched},
+        {QStringLiteral("further_unmatched"), number(replayed.further_unmatched)},
     };
 }
 
@@ -100,6 +101,7 @@ QJsonObject json_of(const Summary& summary)
         {QStringLiteral("repeated"), number(summary.commands.repeated())},
         {QStringLiteral("bytes_from_host"), number(summary.bytes_from_host)},
         {QStringLiteral("bytes_to_host"), number(summary.bytes_to_host)},
+        {QStringLiteral("bytes_lost"), number(summary.lost_bytes)},
         {QStringLiteral("frames_dropped"), number(summary.dropped_frames)},
         {QStringLiteral("flash"), flash_of(summary.memory)},
         {QStringLiteral("eeprom_writes"), number(summary.memory.eeprom_writes)},

@@ -30,6 +30,12 @@ QString line_line(const Summary& summary)
         .arg(summary.dropped_frames);
 }
 
+QString loss_line(qint64 lost_bytes)
+{
+    return QStringLiteral("line: %1 bytes lost because the host left too much unread")
+        .arg(lost_bytes);
+}
+
 QStringList memory_lines(const DeviceMemory::Statistics& memory)
 {
     return {
@@ -78,8 +84,9 @@ QStringList replay_lines(const Summary::Replayed& replayed)
                               QString::fromLatin1(unmatched.payload.toHex(' '))));
     }
     if (replayed.unmatched.size() > unmatched_shown) {
-        lines.append(QStringLiteral("replay: and %1 others")
-                         .arg(replayed.unmatched.size() - unmatched_shown));
+        const auto kept = static_cast<qint64>(replayed.unmatched.size() - unmatched_shown);
+        lines.append(
+            QStringLiteral("replay: and %1 others").arg(kept + replayed.further_unmatched));
     }
     return lines;
 }
@@ -89,6 +96,9 @@ QStringList replay_lines(const Summary::Replayed& replayed)
 QStringList text_of(const Summary& summary)
 {
     QStringList lines = {command_line(summary.commands), line_line(summary)};
+    if (summary.lost_bytes != 0) {
+        lines += loss_line(summary.lost_bytes);
+    }
     lines += memory_lines(summary.memory);
     if (summary.seed) {
         lines += fault_line(summary);

@@ -1,4 +1,5 @@
 #include "sim/Console.h"
+#include "sim/ProcessSetup.h"
 #include "sim/Session.h"
 
 #include <QCoreApplication>
@@ -38,6 +39,8 @@ int run(const sim::Arguments& arguments)
 
 int main(int argc, char** argv)
 {
+    sim::occupy_standard_streams();
+    sim::set_up_signals();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zserial-sim"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZSERIAL_VERSION));

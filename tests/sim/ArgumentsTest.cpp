@@ -43,13 +43,14 @@ TEST(SimArguments, ServeAProbedDeviceOfTheTableInTheFolderWithoutMore)
     EXPECT_TRUE(arguments.memory_image.isEmpty());
     EXPECT_TRUE(arguments.save_image.isEmpty());
     EXPECT_TRUE(arguments.check_image.isEmpty());
+    EXPECT_FALSE(arguments.rig.device.keeps_record);
     EXPECT_FALSE(arguments.rig.device.paced);
     EXPECT_EQ(arguments.rig.device.latency_ms, 0);
     EXPECT_EQ(arguments.rig.device.erase_page_ms, 0);
     EXPECT_EQ(arguments.rig.device.write_row_ms, 0);
     EXPECT_FALSE(arguments.rig.faults.are_any());
     EXPECT_EQ(arguments.rig.faults.seed, 1U);
-    EXPECT_TRUE(arguments.rig.trace.isEmpty());
+    EXPECT_TRUE(arguments.trace.isEmpty());
     EXPECT_TRUE(arguments.rig.replay.isEmpty());
     EXPECT_TRUE(arguments.state.isEmpty());
     EXPECT_TRUE(arguments.link.isEmpty());
@@ -83,7 +84,7 @@ TEST(SimArguments, CarryTimesFaultsAndFiles)
     EXPECT_EQ(arguments.rig.faults.rules[0].kind, sim::FaultKind::Noise);
     EXPECT_EQ(arguments.rig.faults.rules[1].kind, sim::FaultKind::Unplug);
     EXPECT_EQ(arguments.rig.faults.seed, 18446744073709551615U);
-    EXPECT_EQ(arguments.rig.trace, QStringLiteral("t"));
+    EXPECT_EQ(arguments.trace, QStringLiteral("t"));
     EXPECT_EQ(arguments.rig.replay, QStringLiteral("r"));
     EXPECT_EQ(arguments.state, QStringLiteral("s"));
     EXPECT_EQ(arguments.link, QStringLiteral("l"));

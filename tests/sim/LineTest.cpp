@@ -2,8 +2,16 @@
 
 #include "tests/sim/HostPort.h"
 
+#include <QCoreApplication>
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+using sim::Descriptor;
 using sim::Line;
 using sim::Piece;
 using sim_test::HostPort;
@@ -106,4 +114,31 @@ TEST(SimLine, SendsEverythingInTheEndAndInOrder)
     }
     EXPECT_EQ(host.receive(all.size()), all);
     EXPECT_EQ(line.lateness().count(), 49); // the first was empty
+}
+
+TEST(SimLine, LetsTheHostWaitThatIsFarAheadOfThePace)
+{
+    Line line(paced());
+    const Descriptor host(
+        ::open(line.path().toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    termios settings{};
+    ASSERT_EQ(::tcgetattr(host.get(), &settings), 0);
+    ASSERT_EQ(::cfsetspeed(&settings, B50), 0);
+    ASSERT_EQ(::tcsetattr(host.get(), TCSANOW, &settings), 0);
+    const std::array<char, 4096> block{};
+    qint64 taken = 0;
+    // The system's own buffers take a little more than what the line takes.
+    EXPECT_TRUE(wait_until([&] {
+        ssize_t count = 0;
+        while ((count = ::write(host.get(), block.data(), block.size())) > 0) {
+            taken += count;
+        }
+        return taken > 64 * 1024;
+    }));
+    for (int round = 0; round < 100; ++round) {
+        QCoreApplication::processEvents();
+        const ssize_t count = ::write(host.get(), block.data(), block.size());
+        taken += std::max<ssize_t>(count, 0);
+    }
+    EXPECT_LT(taken, 256 * 1024);
 }

@@ -117,3 +117,16 @@ TEST(SimPacedQueue, ForgetsEverythingWhenCleared)
     queue.clear();
     EXPECT_THAT(take_all(queue), IsEmpty());
 }
+
+TEST(SimPacedQueue, KnowsHowManyBytesWait)
+{
+    PacedQueue queue;
+    queue.add({"abc", baud}, 0);
+    queue.add({"defg", baud, 2}, 0);
+    queue.add({"hi", baud, 0, true}, 0);
+    EXPECT_EQ(queue.waiting_bytes(), 9);
+    queue.take(1 * ms);
+    EXPECT_EQ(queue.waiting_bytes(), 8);
+    queue.clear();
+    EXPECT_EQ(queue.waiting_bytes(), 0);
+}

@@ -1,7 +1,9 @@
+#include "sim/Descriptor.h"
 #include "sim/FrameCodec.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -10,7 +12,11 @@
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+using sim::Descriptor;
 using sim::make_frame;
 using sim_test::bytes;
 using sim_test::HostPort;
@@ -54,6 +60,25 @@ protected:
         QFile file(folder.filePath(QString::fromLatin1(name)));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         return file.readAll();
+    }
+
+    static QProcessEnvironment environment_with(const char* name, const char* value)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(name), QString::fromLatin1(value));
+        return environment;
+    }
+
+    /// For what no event tells of. Gives the process time between two tries.
+    template <typename Predicate>
+    bool try_until(Predicate predicate)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (!predicate() && clock.elapsed() < 20000) {
+            process.waitForFinished(1);
+        }
+        return predicate();
     }
 
     void start(const char* words)
@@ -112,13 +137,17 @@ protected:
 
     int stop_by(int signal)
     {
-        EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+        // Without a process this would be the signal of a whole group of them.
+        EXPECT_GT(process.processId(), 0);
+        if (process.processId() > 0) {
+            EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+        }
         return exit_status();
     }
 
     int exit_status()
     {
-        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_TRUE(process.waitForFinished(60000));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         return process.exitCode();
     }
@@ -430,6 +459,160 @@ TEST_F(SimProgram, FailsWhenTheCommandIsFineButTheCheckIsNot)
     EXPECT_EQ(exit_status(), 0);
 }
 
+TEST_F(SimProgram, StaysSmallUnderAFloodThatReadsNoAnswer)
+{
+    // Half a kilobyte is read with each.
+    write_file("flood", make_frame(bytes("01 ff 00 00 00")).repeated(300000));
+    process.setProcessEnvironment(environment_with("ASAN_OPTIONS", "quarantine_size_mb=1"));
+    start_shell("--table one.txt --entry version --json --exec",
+                "stty -F {} 57600 && cat flood > {}; grep VmHWM /proc/$PPID/status");
+    EXPECT_EQ(exit_status(), 0);
+    const QList<QByteArray> lines = output().split('\n');
+    const int most_kib = lines.at(1).mid(7).trimmed().split(' ').first().toInt();
+    EXPECT_GT(most_kib, 0) << lines.at(1).constData();
+    EXPECT_LT(most_kib, 100 * 1024);
+    const QJsonObject summary = QJsonDocument::fromJson(lines.at(2)).object();
+    EXPECT_GT(summary.value(QStringLiteral("bytes_lost")).toInt(), 0);
+    EXPECT_EQ(summary.value(QStringLiteral("commands")).toObject().value(QStringLiteral("read")),
+              300000);
+}
+
+TEST_F(SimProgram, KeepsItsMemoryWhenItsTraceMeetsASizeLimit)
+{
+    write_file("image.hex", image);
+    write_file("flood", make_frame(bytes("00 02")).repeated(100));
+    process.start(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"),
+         QStringLiteral("ulimit -f 4; exec \"$0\" --table one.txt --entry version --state "
+                        "state --memory image.hex --trace trace --exec -- /bin/sh -c "
+                        "'stty -F {} 57600 && cat flood > {}'"),
+         QStringLiteral(ZSERIAL_SIM)});
+    EXPECT_EQ(exit_status(), 1);
+    EXPECT_EQ(errors(), "zserial-sim: cannot write the trace trace\n");
+    EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
+}
+
+TEST_F(SimProgram, GivesItsCommandTheSignalsThatProgramsExpect)
+{
+    start_shell("--table one.txt --exec", "grep -E 'Sig(Blk|Ign)' /proc/self/status");
+    EXPECT_EQ(exit_status(), 0);
+    const QByteArray told = output();
+    EXPECT_TRUE(told.contains("\nSigBlk:\t0000000000000000\n")) << told.constData();
+    EXPECT_TRUE(told.contains("\nSigIgn:\t0000000000000000\n")) << told.constData();
+}
+
+TEST_F(SimProgram, NoticesTheEndOfItsCommandWhateverItsParentBlocked)
+{
+    class Process : public QProcess
+    {
+        void setupChildProcess() override
+        {
+            sigset_t children;
+            sigemptyset(&children);
+            sigaddset(&children, SIGCHLD);
+            ::pthread_sigmask(SIG_BLOCK, &children, nullptr);
+        }
+    };
+
+    Process blocked;
+    blocked.setWorkingDirectory(folder.path());
+    blocked.start(QStringLiteral(ZSERIAL_SIM),
+                  {QStringLiteral("--table"), QStringLiteral("one.txt"), QStringLiteral("--exec"),
+                   QStringLiteral("--"), QStringLiteral("true")});
+    EXPECT_TRUE(blocked.waitForFinished(20000));
+    EXPECT_EQ(blocked.exitCode(), 0);
+}
+
+TEST_F(SimProgram, CanBeStoppedWhileItReadsAPipe)
+{
+    const QByteArray pipe = QFile::encodeName(folder.filePath(QStringLiteral("pipe")));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    for (const char* option : {"--table pipe", "--table one.txt --memory pipe",
+                               "--table one.txt --check pipe", "--table one.txt --replay pipe"}) {
+        SCOPED_TRACE(option);
+        start(option);
+        // Can be opened without waiting when the program has opened its end.
+        int writer = -1;
+        ASSERT_TRUE(try_until([&] {
+            writer = ::open(pipe.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+            return writer >= 0 || process.state() == QProcess::NotRunning;
+        }));
+        const Descriptor open_end(writer);
+        process.terminate();
+        ASSERT_TRUE(process.waitForFinished(20000));
+        EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+        EXPECT_EQ(process.exitCode(), SIGTERM);
+    }
+}
+
+TEST_F(SimProgram, CanBeStoppedWhileItWaitsToSaveIntoAPipe)
+{
+    write_file("image.hex", image);
+    const QByteArray pipe = QFile::encodeName(folder.filePath(QStringLiteral("pipe")));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    serve("--table one.txt --memory image.hex --state state --save pipe");
+    EXPECT_TRUE(try_until([this] {
+        process.terminate();
+        return process.state() == QProcess::NotRunning;
+    }));
+    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
+}
+
+TEST_F(SimProgram, PrintsNothingIntoItsPortWhenItsStandardStreamsAreClosed)
+{
+    process.start(QStringLiteral("/bin/sh"),
+                  {QStringLiteral("-c"),
+                   QStringLiteral("exec \"$0\" --table one.txt --link port <&- >&- 2>&-"),
+                   QStringLiteral(ZSERIAL_SIM)});
+    const QString link = folder.filePath(QStringLiteral("port"));
+    ASSERT_TRUE(
+        try_until([&] { return QFile::exists(link) || process.state() == QProcess::NotRunning; }));
+    HostPort host(link);
+    EXPECT_EQ(host.ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+}
+
+TEST_F(SimProgram, RefusesToWriteAFileThatItNeedsForSomethingElse)
+{
+    write_file("image.hex", image);
+    ASSERT_TRUE(QFile::link(QStringLiteral("image.hex"), folder.filePath(QStringLiteral("soft"))));
+    ASSERT_EQ(::link(QFile::encodeName(folder.filePath(QStringLiteral("image.hex"))).constData(),
+                     QFile::encodeName(folder.filePath(QStringLiteral("hard"))).constData()),
+              0);
+    const std::vector<std::pair<const char*, QByteArray>> refusals = {
+        {"--check image.hex --trace image.hex", "--check and --trace name the same file"},
+        {"--check image.hex --trace hard", "--check and --trace name the same file"},
+        {"--memory soft --trace image.hex", "--memory and --trace name the same file"},
+        {"--trace one.txt", "--table and --trace name the same file"},
+        {"--memory image.hex --save ./image.hex", "--memory and --save name the same file"},
+        {"--state new --trace ./new", "--state and --trace name the same file"},
+        {"--link new --trace new", "--trace and --link name the same file"},
+    };
+    for (const auto& [words, complaint] : refusals) {
+        SCOPED_TRACE(words);
+        start(QByteArray("--table one.txt ") + words);
+        EXPECT_EQ(exit_status(), 2);
+        EXPECT_EQ(errors(), "zserial-sim: " + complaint + "\n");
+        EXPECT_EQ(output(), "");
+        EXPECT_EQ(file_content("image.hex"), image);
+        EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("new"))));
+    }
+}
+
+TEST_F(SimProgram, EmptiesItsTraceOnlyWhenAllElseIsFine)
+{
+    for (const char* words : {"--check missing.hex", "--memory missing.hex", "--replay missing",
+                              "--state device.txt", "--link device.txt"}) {
+        SCOPED_TRACE(words);
+        write_file("trace", "of before");
+        start(QByteArray("--table one.txt --trace trace ") + words);
+        EXPECT_EQ(exit_status(), 2);
+        EXPECT_EQ(file_content("trace"), "of before");
+    }
+}
+
 TEST_F(SimProgram, ListsTheDevices)
 {
     start("--list");
@@ -460,14 +643,16 @@ TEST_F(SimProgram, RefusesWhatItCannotDo)
         {"--exec", "zserial-sim: --exec needs a command: --exec -- COMMAND {} ...\n"},
         {"--table one.txt --fault stuck-bits:0x10000:1:1",
          "zserial-sim: --fault stuck-bits: the device has no memory at 0x00010000\n"},
-        {"--table one.txt --link one.txt",
-         "zserial-sim: --link one.txt: something else is there\n"},
+        {"--table one.txt --link device.txt",
+         "zserial-sim: --link device.txt: something else is there\n"},
         {"--table one.txt --trace nowhere/trace",
          "zserial-sim: --trace nowhere/trace: cannot write there\n"},
         {"--table one.txt --replay missing",
          "zserial-sim: --replay missing: cannot read the log\n"},
-        {"--table one.txt --state one.txt",
-         "zserial-sim: one.txt holds no whole state of device 0123\n"},
+        {"--table one.txt --state device.txt",
+         "zserial-sim: device.txt holds no whole state of device 0123\n"},
+        {"--table one.txt --state /dev/zero",
+         "zserial-sim: the state /dev/zero is no regular file\n"},
         {"--entry loud", "zserial-sim: 'loud' is no --entry behaviour: probe, version or silent\n"},
         {"", "zserial-sim: the table ./device.txt has several devices: choose with --device "
              "(--list shows them)\n"},

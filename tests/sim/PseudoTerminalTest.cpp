@@ -118,6 +118,31 @@ TEST_F(SimPseudoTerminal, LiftsTheClaimOfAHostThatMightBeKilled)
     EXPECT_EQ(claimed, 0);
 }
 
+TEST_F(SimPseudoTerminal, LiftsTheClaimOfAHostThatDiedWithoutAWord)
+{
+    const QByteArray path = terminal.path().toLocal8Bit();
+    const Descriptor observer(::open(path.constData(), O_RDWR | O_NOCTTY));
+    Descriptor host(::open(path.constData(), O_RDWR | O_NOCTTY));
+    ASSERT_EQ(::ioctl(host.get(), TIOCEXCL), 0);
+    host.close();
+    EXPECT_TRUE(wait_until([&observer] {
+        int claimed = -1;
+        return ::ioctl(observer.get(), TIOCGEXCL, &claimed) == 0 && claimed == 0;
+    }));
+}
+
+TEST_F(SimPseudoTerminal, LetsTheHostWaitWhileItDoesNotListen)
+{
+    HostPort host(terminal.path());
+    terminal.set_listening(false);
+    host.send("x");
+    terminal.write("y");
+    host.receive(1);
+    EXPECT_EQ(heard, "");
+    terminal.set_listening(true);
+    EXPECT_TRUE(wait_for_heard(1));
+}
+
 TEST_F(SimPseudoTerminal, KeepsWhatTheTerminalHasNoRoomFor)
 {
     const QByteArray plenty = pattern(1 << 20);

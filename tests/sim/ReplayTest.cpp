@@ -55,3 +55,16 @@ TEST(SimReplay, DoesNotAnswerWhatIsNotInTheRestOfTheLog)
     EXPECT_EQ(replay.unmatched()[1].payload, "a");
     EXPECT_EQ(replay.unmatched()[1].times, 1);
 }
+
+TEST(SimReplay, CountsWhatItHasSeenTooMuchOf)
+{
+    Replay replay(log_of({{"a", "one"}}));
+    for (int i = 0; i < 105; ++i) {
+        replay.answer_to("x" + QByteArray::number(i));
+    }
+    replay.answer_to("x104");
+    EXPECT_EQ(replay.unmatched().size(), 100U);
+    EXPECT_EQ(replay.unmatched().back().payload, "x99");
+    EXPECT_EQ(replay.unmatched().back().times, 1);
+    EXPECT_EQ(replay.further_unmatched(), 5);
+}

@@ -353,12 +353,13 @@ TEST_F(SimRig, TellsItsLatenessWhenItPaces)
 
 TEST_F(SimRig, TracesEachCommandAtOnce)
 {
-    options.trace = folder.filePath(QStringLiteral("trace"));
+    const QString trace = folder.filePath(QStringLiteral("trace"));
     start({"lose-response@2"});
+    rig->start_trace(trace);
     host->ask(version_request, version_answer);
     host->send(row_request);
     ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 2; }));
-    const QList<QByteArray> lines = file_content(options.trace).split('\n');
+    const QList<QByteArray> lines = file_content(trace).split('\n');
     ASSERT_EQ(lines.size(), 3);
     EXPECT_EQ(lines[0].mid(lines[0].indexOf(' ') + 1),
               "#1 57600 version request=6 answer=version sent=8 faults=none payload=0002");
@@ -428,9 +429,8 @@ TEST_F(SimRig, LetsFaultsHappenToRecordedAnswersToo)
 
 TEST_F(SimRig, RefusesWhatItCannotUse)
 {
-    options.trace = folder.filePath(QStringLiteral("nowhere/trace"));
-    EXPECT_THROW(start(), UsageError);
-    options.trace.clear();
+    start();
+    EXPECT_THROW(rig->start_trace(folder.filePath(QStringLiteral("nowhere/trace"))), UsageError);
     options.replay = folder.filePath(QStringLiteral("missing"));
     EXPECT_THROW(start(), UsageError);
     options.replay.clear();

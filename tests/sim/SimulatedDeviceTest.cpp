@@ -125,6 +125,50 @@ TEST_F(SimSimulatedDevice, CountsFromZeroAgainWhenItsListIsCleared)
     EXPECT_EQ(device->commands().front().sequence, 0U);
 }
 
+TEST_F(SimSimulatedDevice, OnlyCountsWhenItKeepsNoRecord)
+{
+    Options options{Entry::Version};
+    options.keeps_record = false;
+    start(options);
+    QSignalSpy spy(device.get(), &SimulatedDevice::command_received);
+    host->ask(version_frame, version_answer);
+    host->ask(version_frame, version_answer);
+    EXPECT_THAT(device->commands(), IsEmpty());
+    EXPECT_EQ(device->heard(), QByteArray());
+    EXPECT_EQ(device->bytes_from_host(), 2 * version_frame.size());
+    ASSERT_EQ(spy.size(), 2);
+    EXPECT_EQ(spy.at(1).at(0).value<Command>().sequence, 1U);
+}
+
+TEST_F(SimSimulatedDevice, LosesWhatAHostLeavesUnread)
+{
+    start({Entry::Version});
+    const int plenty = 2 * static_cast<int>(sim::Outbox::room);
+    device->set_reply_filter([plenty](const Command& command, const QByteArray&) {
+        const int size = command.sequence == 0 ? plenty : 5;
+        return std::vector<Delivery>{{QByteArray(size, 'a')}};
+    });
+    host->port().setReadBufferSize(1); // reads next to nothing
+    host->send(version_frame);
+    ASSERT_TRUE(wait_until([this] { return device->payloads().size() == 1; }));
+    EXPECT_EQ(device->lost_bytes(), 0); // a single answer always has room
+    host->send(version_frame);
+    ASSERT_TRUE(wait_until([this] { return device->payloads().size() == 2; }));
+    EXPECT_EQ(device->lost_bytes(), 5);
+}
+
+TEST_F(SimSimulatedDevice, HoldsALimitedNumberOfDelayedAnswersOnly)
+{
+    start({Entry::Version});
+    const QByteArray much(static_cast<int>(sim::Outbox::room), 'a');
+    device->set_reply_filter([&much](const Command&, const QByteArray&) {
+        return std::vector<Delivery>{{much, 600000}};
+    });
+    host->send(version_frame + version_frame);
+    ASSERT_TRUE(wait_until([this] { return device->payloads().size() == 2; }));
+    EXPECT_EQ(device->lost_bytes(), much.size());
+}
+
 TEST_F(SimSimulatedDevice, IsSilentWhenAskedToBe)
 {
     start({Entry::Silent});

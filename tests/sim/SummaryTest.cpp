@@ -31,6 +31,7 @@ Summary plain()
 Summary full()
 {
     Summary summary = plain();
+    summary.lost_bytes = 6;
     summary.seed = 18446744073709551615U;
     summary.faults = {{FaultKind::Noise, 2}, {FaultKind::LoseRequest, 1}};
     summary.pace.emplace();
@@ -53,12 +54,16 @@ std::string json(const Summary& summary)
     return QJsonDocument(json_of(summary)).toJson(QJsonDocument::Compact).toStdString();
 }
 
-const std::string plain_text =
+const std::string line_text =
     "commands: 1 probe, 2 version, 0 reset, 0 read, 0 write, 0 erase, 0 unknown; 0 refused, "
     "1 repeated\n"
-    "line: 5000000000 bytes from the host, 5 to the host, 3 frames dropped\n"
+    "line: 5000000000 bytes from the host, 5 to the host, 3 frames dropped\n";
+
+const std::string memory_text =
     "flash: 8 pages erased, 9 rows programmed, 10 cells programmed without erase\n"
     "EEPROM: 11 writes";
+
+const std::string plain_text = line_text + memory_text;
 
 } // namespace
 
@@ -69,7 +74,9 @@ TEST(SimSummary, TellsAReaderWhatEveryRunHas)
 
 TEST(SimSummary, TellsAReaderWhatOnlySomeRunsHave)
 {
-    EXPECT_EQ(text(full()), plain_text +
+    EXPECT_EQ(text(full()), line_text +
+                                "line: 6 bytes lost because the host left too much unread\n" +
+                                memory_text +
                                 "\nfaults with seed 18446744073709551615: 1 lose-request, 2 noise\n"
                                 "pace: line busy for 7 of 8 ms, last bytes late by 20 us in the "
                                 "mean and 30 us at most, of 2\n"
@@ -89,16 +96,16 @@ TEST(SimSummary, TellsAReaderThatNoFaultHappened)
 TEST(SimSummary, SparesAReaderAllButTheFirstOfManyUnknownFrames)
 {
     Summary summary = plain();
-    summary.replayed = Summary::Replayed{0, 1, std::vector<Replay::Unmatched>(12, {"x", 1})};
+    summary.replayed = Summary::Replayed{0, 1, std::vector<Replay::Unmatched>(12, {"x", 1}), 5};
     const QStringList lines = text_of(summary);
     EXPECT_EQ(lines.filter(QStringLiteral("not in the rest of the log")).size(), 10);
-    EXPECT_EQ(lines.last(), QStringLiteral("replay: and 2 others"));
+    EXPECT_EQ(lines.last(), QStringLiteral("replay: and 7 others"));
 }
 
 TEST(SimSummary, TellsAProgramWhatEveryRunHas)
 {
     EXPECT_EQ(json(plain()),
-              R"({"bytes_from_host":5000000000,"bytes_to_host":5,)"
+              R"({"bytes_from_host":5000000000,"bytes_lost":0,"bytes_to_host":5,)"
               R"("commands":{"erase":0,"probe":1,"read":0,"reset":0,"unknown":0,"version":2,)"
               R"("write":0},"eeprom_writes":11,)"
               R"("flash":{"cells_programmed_without_erase":10,"pages_erased":8,)"
@@ -108,7 +115,7 @@ TEST(SimSummary, TellsAProgramWhatEveryRunHas)
 TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
 {
     EXPECT_EQ(json(full()),
-              R"({"bytes_from_host":5000000000,"bytes_to_host":5,)"
+              R"({"bytes_from_host":5000000000,"bytes_lost":6,"bytes_to_host":5,)"
               R"("check":{"matches":true,"report":"it holds"},)"
               R"("commands":{"erase":0,"probe":1,"read":0,"reset":0,"unknown":0,"version":2,)"
               R"("write":0},"eeprom_writes":11,"faults":{"lose-request":1,"noise":2},)"
@@ -117,7 +124,7 @@ TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
               R"("pace":{"busy_us":7000,"last_bytes":2,"max_lateness_us":30,)"
               R"("mean_lateness_us":20,"span_us":8000},)"
               R"("refused":0,"repeated":1,)"
-              R"("replay":{"matched":4,"recorded":6,)"
+              R"("replay":{"further_unmatched":0,"matched":4,"recorded":6,)"
               R"("unmatched":[{"payload":"0002","times":40},{"payload":"06","times":1}]},)"
               R"("seed":"18446744073709551615"})");
 }
