@@ -139,9 +139,11 @@ Arguments parse_arguments(const QStringList& command_line)
     arguments.memory_image = parser.value("memory");
     arguments.save_image = parser.value("save");
     arguments.check_image = parser.value("check");
+    arguments.ignore_outside = parser.has("ignore-outside");
     arguments.state = parser.value("state");
     arguments.link = parser.value("link");
     arguments.trace = parser.value("trace");
+    arguments.summary = parser.value("summary");
     arguments.command = command_of(parser);
     arguments.json = parser.has("json");
     return arguments;

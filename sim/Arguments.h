@@ -22,9 +22,11 @@ struct Arguments {
     QString memory_image;
     QString save_image;
     QString check_image;
+    bool ignore_outside = false; ///< bytes of that image that the device has no place for
     QString state;
     QString link;
     QString trace;
+    QString summary;
     QStringList command; ///< to run on the port
     bool json = false;
 };

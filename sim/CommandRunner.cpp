@@ -5,13 +5,6 @@
 namespace sim
 {
 
-namespace
-{
-
-constexpr int killed_by_signal = 128;
-
-} // namespace
-
 void CommandRunner::Process::setupChildProcess()
 {
     restore_signals();
@@ -48,14 +41,15 @@ void CommandRunner::stop()
 /// The code of a process that was killed is the number of the signal.
 void CommandRunner::tell_end(int code, QProcess::ExitStatus status)
 {
-    Q_EMIT ended(status == QProcess::NormalExit ? code : killed_by_signal + code);
+    const bool exited = status == QProcess::NormalExit;
+    Q_EMIT ended({exited ? CommandEnd::Kind::Exited : CommandEnd::Kind::Killed, code}, {});
 }
 
 void CommandRunner::tell_error(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart) {
-        Q_EMIT not_started(QStringLiteral("cannot start %1: %2")
-                               .arg(m_process.program(), m_process.errorString()));
+        Q_EMIT ended({}, QStringLiteral("cannot start %1: %2")
+                             .arg(m_process.program(), m_process.errorString()));
     }
 }
 

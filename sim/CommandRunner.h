@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sim/CommandEnd.h"
+
 #include <QObject>
 #include <QProcess>
 #include <QStringList>
@@ -21,10 +23,8 @@ public:
     void stop();
 
 Q_SIGNALS:
-    /// The command has ended; `status` is what a shell would say: its own, or 128 and the number of
-    /// the signal that killed it.
-    void ended(int status);
-    void not_started(const QString& reason);
+    /// Comes once, when the command has ended or turned out not to start; `complaint` says why not.
+    void ended(const sim::CommandEnd& end, const QString& complaint);
 
 private:
     /// A child that has its signals as programs expect them, whatever this process does with its

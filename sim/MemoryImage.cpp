@@ -36,6 +36,15 @@ QString difference_text(const QString& path, unsigned int address, char in_memor
         .arg(path, Util::uint_to_hex(address, -1), byte_text(in_memory), byte_text(in_image));
 }
 
+QString agreement_text(const QString& path, unsigned int matching)
+{
+    if (matching == 0) {
+        return QStringLiteral("%1 holds no byte of the device's flash and EEPROM").arg(path);
+    }
+    return QStringLiteral("device memory holds %1: %2 bytes in flash and EEPROM match")
+        .arg(path, QString::number(matching));
+}
+
 /// The records of one stretch, each within one 64 KiB segment as readers of such files expect.
 bool write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
 {
@@ -84,25 +93,28 @@ unsigned int MemoryImage::fill(DeviceMemory& memory) const
 MemoryImage::Comparison MemoryImage::compare(const DeviceMemory& memory) const
 {
     unsigned int matching = 0;
+    unsigned int outside = 0;
+    QString difference;
     for (const auto& blob : m_map.blobs()) {
         unsigned int address = blob->address;
         for (const char in_image : content_of(*blob)) {
-            if (memory.is_user_memory(address)) {
+            if (!memory.is_in_flash(address, 1) && !memory.is_in_eeprom(address, 1)) {
+                ++outside;
+            } else if (memory.is_user_memory(address)) {
                 const char in_memory = memory.read(address, 1).at(0);
-                if (in_memory != in_image) {
-                    return {false, difference_text(m_path, address, in_memory, in_image)};
+                if (in_memory == in_image) {
+                    ++matching;
+                } else if (difference.isEmpty()) {
+                    difference = difference_text(m_path, address, in_memory, in_image);
                 }
-                ++matching;
             }
             ++address;
         }
     }
-    if (matching == 0) {
-        return {false,
-                QStringLiteral("%1 holds no byte of the device's flash and EEPROM").arg(m_path)};
+    if (!difference.isEmpty()) {
+        return {false, difference, outside};
     }
-    return {true, QStringLiteral("device memory holds %1: %2 bytes in flash and EEPROM match")
-                      .arg(m_path, QString::number(matching))};
+    return {matching != 0, agreement_text(m_path, matching), outside};
 }
 
 void save_memory(const DeviceMemory& memory, const QString& path)

@@ -30,12 +30,14 @@ public:
 
     struct Comparison {
         bool matches;
-        QString report; ///< one line for the user
+        QString report;                 ///< one line for the user
+        unsigned int outside_bytes = 0; ///< of the image, that lie neither in flash nor in EEPROM
     };
 
     /// Compares what the image holds for user flash and EEPROM with the memory. The rest of an
     /// image, the bootloader's part included, is nothing that an uploader could have written. An
-    /// image that holds nothing for the device does not match.
+    /// image that holds nothing for the device does not match. Bytes outside of the device are
+    /// counted and are no difference.
     Comparison compare(const DeviceMemory& memory) const;
 
 private:

@@ -22,11 +22,9 @@ const char* const description =
     "truncate-response, delay-response:MS, duplicate-response, noise. Written otherwise:\n"
     "request-bytes=P and response-bytes=P (each byte by itself) and stuck-bits:ADDRESS:MASK:LEVEL\n"
     "(from the start).\n\n"
-    "Exit status: that of the command of --exec, or 128 and the number of the signal that killed "
-    "it.\n"
-    "Otherwise 0 when all is well, 1 when the memory differs from the image of --check, the "
-    "command\n"
-    "can't be started or a file can't be written, 2 when the command line can't be carried out.";
+    "Exit status: 0 when all is well, 1 when the check fails or a file can't be written, 2 when "
+    "the\n"
+    "command line can't be carried out, 3 when the command of --exec fails or can't be started.";
 
 struct OptionText {
     const char* name;
@@ -34,7 +32,7 @@ struct OptionText {
     const char* text;
 };
 
-constexpr std::array<OptionText, 22> option_texts = {{
+constexpr std::array<OptionText, 24> option_texts = {{
     {"help", "", "Show this help and exit."},
     {"version", "", "Show the version and exit."},
     {"table", "file", "Read the devices from <file> instead of ./device.txt."},
@@ -57,11 +55,15 @@ constexpr std::array<OptionText, 22> option_texts = {{
     {"replay", "log", "Answer as the device did whose frames are in <log>, written with -x."},
     {"memory", "image", "Fill the memory from the Intel HEX file <image> at the start."},
     {"save", "image", "Write what is not erased to the Intel HEX file <image> at the end."},
-    {"check", "image", "Compare the memory with the Intel HEX file <image> at the end."},
+    {"check", "image",
+     "Compare the memory with the Intel HEX file <image> at the end; bytes of it that lie outside "
+     "of the device make the check fail."},
+    {"ignore-outside", "", "Bytes outside of the device are reported and do not fail the check."},
     {"state", "file", "Keep the memory in <file> from one run to the next."},
     {"link", "path", "Make the symbolic link <path> to the port while it is there."},
     {"trace", "file", "Write a line for every command to <file>."},
-    {"json", "", "Print the summary as one line of JSON."},
+    {"summary", "file", "Write the summary to <file> instead of printing it."},
+    {"json", "", "Give the summary as one line of JSON."},
     {"exec", "", "Run the command that follows --, with the port's path in place of each {}."},
 }};
 

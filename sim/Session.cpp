@@ -3,8 +3,10 @@
 #include "sim/Console.h"
 #include "sim/FileClash.h"
 #include "sim/UsageError.h"
+#include "util/WholeFile.h"
 
 #include <QCoreApplication>
+#include <QFileDevice>
 #include <QJsonDocument>
 
 #include <exception>
@@ -24,6 +26,18 @@ QString summary_text(const Summary& summary, bool json)
         return QString::fromUtf8(QJsonDocument(json_of(summary)).toJson(QJsonDocument::Compact));
     }
     return text_of(summary).join(QLatin1Char('\n'));
+}
+
+/// Throws when the file can't be written.
+void write_text(const QString& path, const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    const auto write = [&bytes](QFileDevice& file) {
+        return file.write(bytes) == bytes.size();
+    };
+    if (!Util::write_whole_file(path, write)) {
+        throw ImageError(QStringLiteral("cannot write the summary %1").arg(path));
+    }
 }
 
 /// Complains when it fails.
@@ -83,6 +97,7 @@ void Session::refuse_clashes() const
         {QStringLiteral("--save"), m_arguments.save_image, Use::Written},
         {QStringLiteral("--state"), m_arguments.state, Use::Written},
         {QStringLiteral("--trace"), m_arguments.trace, Use::Written},
+        {QStringLiteral("--summary"), m_arguments.summary, Use::Written},
         {QStringLiteral("--link"), m_arguments.link, Use::Linked},
     });
     if (clash) {
@@ -119,8 +134,16 @@ int Session::run()
     m_link.reset();
     // Saved first: who was to read the summary may be gone.
     const bool saved = save();
-    const bool holds = check_and_sum_up();
-    return m_status == ExitGood && !(holds && saved) ? ExitFailed : m_status;
+    const bool holds = sum_up();
+    return exit_status(m_served && saved && holds);
+}
+
+int Session::exit_status(bool is_good) const
+{
+    if (m_command_end && !m_command_end->is_good()) {
+        return ExitCommandFailed;
+    }
+    return is_good ? ExitGood : ExitFailed;
 }
 
 /// Whatever happens, what was to be saved can still be saved after it.
@@ -130,17 +153,13 @@ void Session::serve()
         QCoreApplication::exec();
     } catch (const std::exception& failure) {
         complain(QString::fromUtf8(failure.what()));
-        m_status = ExitFailed;
+        m_served = false;
     }
 }
 
 void Session::start_command()
 {
     connect(m_command.get(), &CommandRunner::ended, this, &Session::end_command);
-    connect(m_command.get(), &CommandRunner::not_started, this, [this](const QString& reason) {
-        complain(reason);
-        end_command(ExitFailed);
-    });
     // From within the event loop, which would not notice that it has to end before it has begun.
     QTimer::singleShot(0, m_command.get(), &CommandRunner::start);
 }
@@ -155,9 +174,12 @@ void Session::stop()
     }
 }
 
-void Session::end_command(int status)
+void Session::end_command(const CommandEnd& end, const QString& complaint)
 {
-    m_status = status;
+    m_command_end = end;
+    if (!complaint.isEmpty()) {
+        complain(complaint);
+    }
     m_quiet.start(quiet_ms);
 }
 
@@ -173,15 +195,31 @@ void Session::leave_when_quiet()
     m_quiet.start(quiet_ms);
 }
 
-/// True unless the memory differs from what was expected.
-bool Session::check_and_sum_up()
+/// True when the memory holds what it should and the summary has got out.
+bool Session::sum_up()
 {
     Summary summary = m_rig.summary();
+    summary.command = m_command_end;
     if (m_expected) {
         summary.check = m_expected->compare(m_rig.device().memory());
     }
-    print(summary_text(summary, m_arguments.json));
-    return !summary.check || summary.check->matches;
+    const bool is_out = give_out(summary_text(summary, m_arguments.json));
+    return is_out && holds_what_it_should(summary);
+}
+
+bool Session::holds_what_it_should(const Summary& summary) const
+{
+    return !summary.check || (summary.check->matches &&
+                              (summary.check->outside_bytes == 0 || m_arguments.ignore_outside));
+}
+
+bool Session::give_out(const QString& text) const
+{
+    if (m_arguments.summary.isEmpty()) {
+        print(text);
+        return true;
+    }
+    return succeeds([&] { write_text(m_arguments.summary, text + QLatin1Char('\n')); });
 }
 
 /// Tries everything that is to be saved, whatever becomes of the rest.

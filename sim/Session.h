@@ -20,8 +20,9 @@ namespace sim
 /// How the program ends.
 enum ExitStatus {
     ExitGood = 0,
-    ExitFailed = 1, ///< the check failed, the command did not start, a file can't be written
-    ExitCannot = 2, ///< the command line can't be carried out
+    ExitFailed = 1,        ///< the check failed, or a file can't be written
+    ExitCannot = 2,        ///< the command line can't be carried out
+    ExitCommandFailed = 3, ///< the command did not start, or ended with a status other than 0
 };
 
 /// One run of the program: a device served from its table to its summary. Prints on standard output
@@ -42,13 +43,16 @@ private:
     void prepare_memory();
     void start_command();
     void stop();
-    void end_command(int status);
+    void end_command(const CommandEnd& end, const QString& complaint);
     void leave_when_quiet();
     void serve();
     bool save();
     bool save_state();
     bool save_image();
-    bool check_and_sum_up();
+    bool sum_up();
+    bool holds_what_it_should(const Summary& summary) const;
+    bool give_out(const QString& text) const;
+    int exit_status(bool is_good) const;
 
     Arguments m_arguments;
     DeviceTable m_table;
@@ -61,7 +65,8 @@ private:
     std::unique_ptr<CommandRunner> m_command;
     QTimer m_quiet;
     qint64 m_heard_before = 0; ///< bytes, when it was last looked whether all is quiet
-    int m_status = ExitGood;
+    std::optional<CommandEnd> m_command_end;
+    bool m_served = true; ///< to the end, with nothing in between that could not be helped
 };
 
 } // namespace sim

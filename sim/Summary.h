@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sim/CommandEnd.h"
 #include "sim/DeviceMemory.h"
 #include "sim/FaultKind.h"
 #include "sim/Lateness.h"
@@ -46,6 +47,8 @@ struct Summary {
     std::optional<Pace> pace;
     std::optional<Replayed> replayed;
     std::optional<MemoryImage::Comparison> check;
+    /// Set when there was a command to run on the port.
+    std::optional<CommandEnd> command;
 };
 
 /// For a reader.

@@ -70,6 +70,19 @@ QJsonObject replay_of(const Summary::Replayed& replayed)
     };
 }
 
+QJsonObject end_of(const CommandEnd& end)
+{
+    switch (end.kind) {
+    case CommandEnd::Kind::Exited:
+        return {{QStringLiteral("status"), end.number}};
+    case CommandEnd::Kind::Killed:
+        return {{QStringLiteral("signal"), end.number}};
+    case CommandEnd::Kind::NotStarted:
+        break;
+    }
+    return {{QStringLiteral("started"), false}};
+}
+
 /// What only some runs have.
 void add_extras(QJsonObject& object, const Summary& summary)
 {
@@ -85,9 +98,14 @@ void add_extras(QJsonObject& object, const Summary& summary)
         object.insert(QStringLiteral("replay"), replay_of(*summary.replayed));
     }
     if (summary.check) {
-        const QJsonObject check = {{QStringLiteral("matches"), summary.check->matches},
-                                   {QStringLiteral("report"), summary.check->report}};
+        const QJsonObject check = {
+            {QStringLiteral("matches"), summary.check->matches},
+            {QStringLiteral("outside"), number(summary.check->outside_bytes)},
+            {QStringLiteral("report"), summary.check->report}};
         object.insert(QStringLiteral("check"), check);
+    }
+    if (summary.command) {
+        object.insert(QStringLiteral("command"), end_of(*summary.command));
     }
 }
 

@@ -91,6 +91,29 @@ QStringList replay_lines(const Summary::Replayed& replayed)
     return lines;
 }
 
+QStringList check_lines(const MemoryImage::Comparison& check)
+{
+    QStringList lines = {check.report};
+    if (check.outside_bytes != 0) {
+        lines += QStringLiteral("image: %1 bytes lie outside of the device's flash and EEPROM")
+                     .arg(check.outside_bytes);
+    }
+    return lines;
+}
+
+QString end_line(const CommandEnd& end)
+{
+    switch (end.kind) {
+    case CommandEnd::Kind::Exited:
+        return QStringLiteral("command: ended with status %1").arg(end.number);
+    case CommandEnd::Kind::Killed:
+        return QStringLiteral("command: killed by signal %1").arg(end.number);
+    case CommandEnd::Kind::NotStarted:
+        break;
+    }
+    return QStringLiteral("command: not started");
+}
+
 } // namespace
 
 QStringList text_of(const Summary& summary)
@@ -110,7 +133,10 @@ QStringList text_of(const Summary& summary)
         lines += replay_lines(*summary.replayed);
     }
     if (summary.check) {
-        lines += summary.check->report;
+        lines += check_lines(*summary.check);
+    }
+    if (summary.command) {
+        lines += end_line(*summary.command);
     }
     return lines;
 }

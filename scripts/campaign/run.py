@@ -1,6 +1,7 @@
 """One run: a simulated device with faults, and the tool at work on it."""
 
 import dataclasses
+import json
 import os
 import shlex
 import signal
@@ -49,7 +50,7 @@ def arguments_of(run, programs):
                         for step in run.procedure.steps)
     return [programs.simulator, "--table", "device.txt", "--device", device.VERSION,
             "--memory", "before.hex", "--save", "after.hex", "--trace", "trace.txt",
-            "--seed", str(run.seed), *run.options, "--exec", "--", "sh", "-c", steps, "{}"]
+            "--seed", str(run.seed), *run.options, "--summary", "summary.json", "--json", "--exec", "--", "sh", "-c", steps, "{}"]
 
 
 def prepare(run, folder):
@@ -57,6 +58,13 @@ def prepare(run, folder):
     (folder / "device.txt").write_text(device.TABLE, encoding="ascii")
     device.write_hex(folder / "image.hex", run.image)
     device.write_hex(folder / "before.hex", run.before.cells)
+
+
+def status_of_command(summary):
+    """The exit status of what the simulator ran; -1 if it has none."""
+    if not summary.exists():
+        return -1
+    return json.loads(summary.read_text(encoding="utf-8"))["command"].get("status", -1)
 
 
 def execute(run, programs, folder):
@@ -76,6 +84,8 @@ def execute(run, programs, folder):
             process.wait()
             status = None
     seconds = time.monotonic() - start
+    if status is not None:
+        status = status_of_command(folder / "summary.json")
     saved = folder / "after.hex"
     after = device.Memory(device.read_hex(saved) if saved.exists() else {})
     text = (folder / "out.txt").read_text(encoding="utf-8", errors="replace")

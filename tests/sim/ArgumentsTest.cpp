@@ -43,6 +43,8 @@ TEST(SimArguments, ServeAProbedDeviceOfTheTableInTheFolderWithoutMore)
     EXPECT_TRUE(arguments.memory_image.isEmpty());
     EXPECT_TRUE(arguments.save_image.isEmpty());
     EXPECT_TRUE(arguments.check_image.isEmpty());
+    EXPECT_FALSE(arguments.ignore_outside);
+    EXPECT_TRUE(arguments.summary.isEmpty());
     EXPECT_FALSE(arguments.rig.device.keeps_record);
     EXPECT_FALSE(arguments.rig.device.paced);
     EXPECT_EQ(arguments.rig.device.latency_ms, 0);
@@ -75,7 +77,8 @@ TEST(SimArguments, CarryTimesFaultsAndFiles)
 {
     const Arguments arguments =
         parse("--pace --latency-ms 16 --erase-ms 20 --write-ms 3 --fault noise@1 --fault=unplug=1 "
-              "--seed 18446744073709551615 --trace t --replay r --state s --link l --json");
+              "--seed 18446744073709551615 --trace t --replay r --state s --link l --json "
+              "--summary u --ignore-outside");
     EXPECT_TRUE(arguments.rig.device.paced);
     EXPECT_EQ(arguments.rig.device.latency_ms, 16);
     EXPECT_EQ(arguments.rig.device.erase_page_ms, 20);
@@ -85,6 +88,8 @@ TEST(SimArguments, CarryTimesFaultsAndFiles)
     EXPECT_EQ(arguments.rig.faults.rules[1].kind, sim::FaultKind::Unplug);
     EXPECT_EQ(arguments.rig.faults.seed, 18446744073709551615U);
     EXPECT_EQ(arguments.trace, QStringLiteral("t"));
+    EXPECT_EQ(arguments.summary, QStringLiteral("u"));
+    EXPECT_TRUE(arguments.ignore_outside);
     EXPECT_EQ(arguments.rig.replay, QStringLiteral("r"));
     EXPECT_EQ(arguments.state, QStringLiteral("s"));
     EXPECT_EQ(arguments.link, QStringLiteral("l"));

@@ -130,6 +130,20 @@ TEST_F(SimMemoryImage, ComparesNothingThatAHostCannotWrite)
     EXPECT_EQ(
         comparison.report,
         QStringLiteral("device memory holds %1: 2 bytes in flash and EEPROM match").arg(name));
+    EXPECT_EQ(comparison.outside_bytes, 2U);
+}
+
+TEST_F(SimMemoryImage, CountsAllBytesOutsideOfADeviceThatDiffers)
+{
+    const QString name =
+        write_file("image.hex", ":0410000001020304E2\n"
+                                ":02FFFF001122CD\n" // its second byte is the first outside
+                                ":020000040040BA\n"
+                                ":020100001122CA\n" // right after the EEPROM
+                                ":00000001FF\n");
+    const MemoryImage::Comparison comparison = MemoryImage(name).compare(memory);
+    EXPECT_FALSE(comparison.matches);
+    EXPECT_EQ(comparison.outside_bytes, 3U);
 }
 
 TEST_F(SimMemoryImage, DoesNotMatchWhenItHoldsNothingForTheDevice)

@@ -121,7 +121,7 @@ protected:
         const char* const upload = ZSERIAL_PROGRAM " -s {} -e -w image.hex -R";
         const char* const words = "--device 0123 --state state --check image.hex --exec";
         start_shell("--fault " + QByteArray(fault) + " " + words, upload);
-        EXPECT_EQ(exit_status(), 1);
+        EXPECT_EQ(exit_status(), 3);
         const QByteArray told = output();
         EXPECT_TRUE(told.contains("\nunable to write flash row at address 0x00001040\n"))
             << told.constData();
@@ -131,8 +131,9 @@ protected:
                   "zserial-sim state of device 0123\n00001000 01020304\nend\n");
         start_shell(words, upload);
         EXPECT_EQ(exit_status(), 0);
-        EXPECT_TRUE(output().endsWith(
-            "\ndevice memory holds image.hex: 8 bytes in flash and EEPROM match\n"));
+        EXPECT_TRUE(
+            output().endsWith("\ndevice memory holds image.hex: 8 bytes in flash and EEPROM match\n"
+                              "command: ended with status 0\n"));
     }
 
     int stop_by(int signal)
@@ -265,6 +266,45 @@ TEST_F(SimProgram, TellsWhenTheMemoryDiffersFromTheImage)
                                        "0x00001000: memory 0xFF, image 0x01\n");
 }
 
+TEST_F(SimProgram, FailsWhenTheImageIsForALargerDevice)
+{
+    // Two bytes at 0x20000 beside the four at 0x1000.
+    write_file("image.hex", ":0410000001020304E2\n:020000040002F8\n:020000001122CB\n:00000001FF\n");
+    const QByteArray complaint =
+        "device memory holds image.hex: 4 bytes in flash and EEPROM match\n"
+        "image: 2 bytes lie outside of the device's flash and EEPROM\n";
+    serve("--table one.txt --memory image.hex --check image.hex");
+    EXPECT_EQ(stop_by(SIGTERM), 1);
+    EXPECT_EQ(output(), idle_summary + complaint);
+    serve("--table one.txt --memory image.hex --check image.hex --ignore-outside");
+    EXPECT_EQ(stop_by(SIGTERM), 0);
+    EXPECT_EQ(output(), idle_summary + complaint);
+    serve("--table one.txt --check image.hex --ignore-outside");
+    EXPECT_EQ(stop_by(SIGTERM), 1);
+}
+
+TEST_F(SimProgram, KeepsTheSummaryApartFromWhatItsCommandPrints)
+{
+    start_shell("--table one.txt --summary summary --exec", "echo mine");
+    EXPECT_EQ(exit_status(), 0);
+    const QList<QByteArray> lines = output().split('\n');
+    EXPECT_EQ(lines.mid(1).join('\n'), "mine\n");
+    EXPECT_EQ(file_content("summary"), idle_summary + "command: ended with status 0\n");
+    start_shell("--table one.txt --json --summary summary --exec", "exit 2");
+    EXPECT_EQ(exit_status(), 3);
+    const QJsonObject summary = QJsonDocument::fromJson(file_content("summary")).object();
+    EXPECT_EQ(summary.value(QStringLiteral("command")).toObject().value(QStringLiteral("status")),
+              2);
+}
+
+TEST_F(SimProgram, FailsWhenItsSummaryCannotBeWritten)
+{
+    serve("--table one.txt --summary nowhere/summary");
+    EXPECT_EQ(stop_by(SIGTERM), 1);
+    EXPECT_EQ(output(), "");
+    EXPECT_EQ(errors(), "zserial-sim: cannot write the summary nowhere/summary\n");
+}
+
 TEST_F(SimProgram, TellsWhatOfAnImageHasNoPlace)
 {
     write_file("image.hex", ":020000040001F9\n:020000001122CB\n:00000001FF\n");
@@ -376,14 +416,14 @@ TEST_F(SimProgram, SumsUpInJson)
                     .toBool());
 }
 
-TEST_F(SimProgram, RunsACommandOnItsPortAndEndsAsItDoes)
+TEST_F(SimProgram, RunsACommandOnItsPortAndEndsWithIt)
 {
     start_shell("--table one.txt --exec", "echo {} is {}; echo oops >&2; exit 7");
-    EXPECT_EQ(exit_status(), 7);
+    EXPECT_EQ(exit_status(), 3);
     const QList<QByteArray> lines = output().split('\n');
     EXPECT_TRUE(lines[0].startsWith("/dev/"));
     EXPECT_EQ(lines[1], lines[0] + " is " + lines[0]);
-    EXPECT_EQ(lines.mid(2).join('\n'), idle_summary);
+    EXPECT_EQ(lines.mid(2).join('\n'), idle_summary + "command: ended with status 7\n");
     EXPECT_EQ(errors(), "oops\n");
 }
 
@@ -412,12 +452,14 @@ TEST_F(SimProgram, WhosePortVanishesUnderTheToolIsProgrammedInTheNextRun)
     expect_recovery_from("unplug@4");
 }
 
-TEST_F(SimProgram, EndsAsACommandThatASignalKilled)
+TEST_F(SimProgram, FailsWithACommandThatASignalKilled)
 {
     start_shell("--table one.txt --exec", "kill -KILL $$");
-    EXPECT_EQ(exit_status(), 128 + SIGKILL);
+    EXPECT_EQ(exit_status(), 3);
+    EXPECT_TRUE(output().endsWith("\ncommand: killed by signal 9\n"));
     start_shell("--table one.txt --exec", "kill -TERM $$; sleep 60");
-    EXPECT_EQ(exit_status(), 128 + SIGTERM);
+    EXPECT_EQ(exit_status(), 3);
+    EXPECT_TRUE(output().endsWith("\ncommand: killed by signal 15\n"));
 }
 
 TEST_F(SimProgram, StopsItsCommandWhenItIsStopped)
@@ -425,8 +467,8 @@ TEST_F(SimProgram, StopsItsCommandWhenItIsStopped)
     start_shell("--table one.txt --exec", "echo ready; exec sleep 60");
     read_line();
     EXPECT_EQ(read_line(), "ready\n");
-    EXPECT_EQ(stop_by(SIGINT), 128 + SIGTERM);
-    EXPECT_EQ(output(), idle_summary);
+    EXPECT_EQ(stop_by(SIGINT), 3);
+    EXPECT_EQ(output(), idle_summary + "command: killed by signal 15\n");
 }
 
 TEST_F(SimProgram, MakesAStubbornCommandEndAtTheSecondTime)
@@ -437,15 +479,16 @@ TEST_F(SimProgram, MakesAStubbornCommandEndAtTheSecondTime)
     EXPECT_EQ(read_line(), "ready\n");
     EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
     EXPECT_EQ(read_line(), "no\n");
-    EXPECT_EQ(stop_by(SIGTERM), 128 + SIGKILL);
+    EXPECT_EQ(stop_by(SIGTERM), 3);
+    EXPECT_TRUE(output().endsWith("\ncommand: killed by signal 9\n"));
 }
 
 TEST_F(SimProgram, FailsWhenItsCommandCannotBeStarted)
 {
     start("--table one.txt --exec -- ./no-such-tool {}");
-    EXPECT_EQ(exit_status(), 1);
+    EXPECT_EQ(exit_status(), 3);
     EXPECT_TRUE(errors().startsWith("zserial-sim: cannot start ./no-such-tool: "));
-    EXPECT_TRUE(output().endsWith(idle_summary));
+    EXPECT_TRUE(output().endsWith(idle_summary + "command: not started\n"));
 }
 
 TEST_F(SimProgram, FailsWhenTheCommandIsFineButTheCheckIsNot)
@@ -453,7 +496,7 @@ TEST_F(SimProgram, FailsWhenTheCommandIsFineButTheCheckIsNot)
     write_file("image.hex", image);
     start_shell("--table one.txt --check image.hex --exec", "exit 0");
     EXPECT_EQ(exit_status(), 1);
-    start_shell("--table one.txt --check image.hex --exec", "exit 3");
+    start_shell("--table one.txt --check image.hex --exec", "exit 1");
     EXPECT_EQ(exit_status(), 3);
     start_shell("--table one.txt --memory image.hex --check image.hex --exec", "exit 0");
     EXPECT_EQ(exit_status(), 0);
@@ -588,6 +631,7 @@ TEST_F(SimProgram, RefusesToWriteAFileThatItNeedsForSomethingElse)
         {"--trace one.txt", "--table and --trace name the same file"},
         {"--memory image.hex --save ./image.hex", "--memory and --save name the same file"},
         {"--state new --trace ./new", "--state and --trace name the same file"},
+        {"--summary image.hex --check image.hex", "--check and --summary name the same file"},
         {"--link new --trace new", "--trace and --link name the same file"},
     };
     for (const auto& [words, complaint] : refusals) {

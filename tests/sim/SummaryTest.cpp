@@ -40,7 +40,8 @@ Summary full()
     summary.pace->use.add(7000000, 2000000);
     summary.pace->use.pass(10000000);
     summary.replayed = Summary::Replayed{4, 6, {{QByteArray("\x00\x02", 2), 40}, {"\x06", 1}}};
-    summary.check = sim::MemoryImage::Comparison{true, QStringLiteral("it holds")};
+    summary.check = sim::MemoryImage::Comparison{true, QStringLiteral("it holds"), 7};
+    summary.command = sim::CommandEnd{sim::CommandEnd::Kind::Exited, 8};
     return summary;
 }
 
@@ -83,7 +84,9 @@ TEST(SimSummary, TellsAReaderWhatOnlySomeRunsHave)
                                 "replay: 4 of 6 recorded frames came\n"
                                 "replay: not in the rest of the log, 40 times: 00 02\n"
                                 "replay: not in the rest of the log, 1 times: 06\n"
-                                "it holds");
+                                "it holds\n"
+                                "image: 7 bytes lie outside of the device's flash and EEPROM\n"
+                                "command: ended with status 8");
 }
 
 TEST(SimSummary, TellsAReaderThatNoFaultHappened)
@@ -116,7 +119,8 @@ TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
 {
     EXPECT_EQ(json(full()),
               R"({"bytes_from_host":5000000000,"bytes_lost":6,"bytes_to_host":5,)"
-              R"("check":{"matches":true,"report":"it holds"},)"
+              R"("check":{"matches":true,"outside":7,"report":"it holds"},)"
+              R"("command":{"status":8},)"
               R"("commands":{"erase":0,"probe":1,"read":0,"reset":0,"unknown":0,"version":2,)"
               R"("write":0},"eeprom_writes":11,"faults":{"lose-request":1,"noise":2},)"
               R"("flash":{"cells_programmed_without_erase":10,"pages_erased":8,)"
@@ -127,4 +131,17 @@ TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
               R"("replay":{"further_unmatched":0,"matched":4,"recorded":6,)"
               R"("unmatched":[{"payload":"0002","times":40},{"payload":"06","times":1}]},)"
               R"("seed":"18446744073709551615"})");
+}
+
+TEST(SimSummary, TellsHowACommandEnded)
+{
+    using Kind = sim::CommandEnd::Kind;
+    Summary killed = plain();
+    killed.command = sim::CommandEnd{Kind::Killed, 15};
+    EXPECT_EQ(text(killed), plain_text + "\ncommand: killed by signal 15");
+    EXPECT_NE(json(killed).find(R"("command":{"signal":15})"), std::string::npos);
+    Summary not_started = plain();
+    not_started.command = sim::CommandEnd{};
+    EXPECT_EQ(text(not_started), plain_text + "\ncommand: not started");
+    EXPECT_NE(json(not_started).find(R"("command":{"started":false})"), std::string::npos);
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace sim
+{
+
+/// How a command went that was run on the port.
+struct CommandEnd {
+    enum class Kind { Exited, Killed, NotStarted };
+
+    Kind kind = Kind::NotStarted;
+    int number = 0; ///< its exit status, or the number of the signal that killed it
+
+    bool is_good() const { return kind == Kind::Exited && number == 0; }
+};
+
+} // namespace sim
