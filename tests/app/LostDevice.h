@@ -1,7 +1,7 @@
 #pragma once
 
-#include "sim/Descriptor.h"
-#include "sim/SimulatedDevice.h"
+#include "sim/device/SimulatedDevice.h"
+#include "sim/line/Descriptor.h"
 #include "tests/app/QuadTest.h"
 
 #include <QTimer>

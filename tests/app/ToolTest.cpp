@@ -1,6 +1,6 @@
 #include "tests/app/ToolTest.h"
 
-#include "sim/FrameCodec.h"
+#include "sim/device/FrameCodec.h"
 
 #include <QFile>
 #include <QSerialPort>

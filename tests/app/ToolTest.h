@@ -1,7 +1,7 @@
 #pragma once
 
-#include "sim/DeviceTable.h"
-#include "sim/SimulatedDevice.h"
+#include "sim/device/SimulatedDevice.h"
+#include "sim/program/DeviceTable.h"
 #include "tests/app/Words.h"
 #include "tests/support/ToolRun.h"
 

@@ -1,4 +1,4 @@
-#include "sim/Descriptor.h"
+#include "sim/line/Descriptor.h"
 #include "tests/app/QuadTest.h"
 #include "tests/support/MalformedHex.h"
 #include "tests/support/RowName.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/DeviceMemory.h"
+#include "sim/device/DeviceMemory.h"
 #include "tests/device/OperationImages.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/PortLock.h"
+#include "sim/line/PortLock.h"
 
 #include <QString>
 #include <gtest/gtest.h>

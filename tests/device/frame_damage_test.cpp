@@ -1,5 +1,5 @@
 #include "device/FrameCodec.h"
-#include "sim/FrameCodec.h"
+#include "sim/device/FrameCodec.h"
 #include "tests/support/Bytes.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "device/ZarnSerialDevice.h"
-#include "sim/SimulatedDevice.h"
+#include "sim/device/SimulatedDevice.h"
 #include "tests/support/PortWatch.h"
 #include "tests/support/SignalRecorder.h"
 

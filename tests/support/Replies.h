@@ -1,7 +1,7 @@
 #pragma once
 
-#include "sim/FrameCodec.h"
-#include "sim/SimulatedDevice.h"
+#include "sim/device/FrameCodec.h"
+#include "sim/device/SimulatedDevice.h"
 #include "tests/support/Bytes.h"
 
 #include <utility>

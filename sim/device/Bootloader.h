@@ -1,0 +1,94 @@
+#pragma once
+
+#include "sim/device/Command.h"
+#include "sim/device/DeviceMemory.h"
+#include "sim/device/FrameCodec.h"
+#include "sim/device/MemoryGeometry.h"
+
+#include <QByteArray>
+
+#include <functional>
+#include <vector>
+
+class Profile;
+
+namespace sim
+{
+
+/// How the device comes up when it is powered on, and again after a reset.
+enum class Entry {
+    Probe,   ///< starting: waits for a probe before it runs
+    Version, ///< already running its bootloader; never answers a probe
+    Silent,  ///< hears everything, does nothing and never answers
+};
+
+/// What becomes of a command that the device is about to take.
+enum class Handling {
+    Normal,
+    Ignored,   ///< as if it had never come
+    Altered,   ///< damaged on the way, with a checksum that fits all the same
+    Pretended, ///< a write is acknowledged and not done
+    Half,      ///< of a write, the first half of the data is done
+};
+
+/// What the device heard and the bytes it answers with, empty where it stays silent.
+struct Exchange {
+    Command command;
+    QByteArray answer;
+};
+
+/// The bootloader as a state machine without a line: bytes in, answers out.
+///
+/// While starting it answers the probe, heard at 9600 baud, and then runs. Frames are understood at
+/// the profile's rate; one that comes while starting makes the device run just as a probe does. A
+/// running device also hears the version command at 460800 baud. Bytes at any other rate are noise
+/// that also spoils a frame begun before.
+///
+/// Where the profile's rate is 9600 too, a starting device can't tell a probe from the sync symbol
+/// of a frame. It answers as for a probe and still follows the frame.
+class Bootloader
+{
+public:
+    /// Asked once for every command that is made out, in their order, before anything is done.
+    using Judge = std::function<Handling(const Command& command)>;
+
+    /// Neither argument is copied; both must outlive the bootloader.
+    Bootloader(const Profile& profile, DeviceMemory& memory, Entry entry);
+
+    /// Takes the next bytes from the line, sent at `baud`.
+    std::vector<Exchange> hear(const QByteArray& bytes, unsigned int baud);
+
+    bool is_running() const { return m_running; }
+
+    /// Frames that began and came to nothing.
+    unsigned int dropped_frames() const { return m_receiver.dropped_frames(); }
+
+    /// Without a judge everything is handled normally.
+    void set_judge(Judge judge) { m_judge = std::move(judge); }
+
+private:
+    void power_on();
+    void hear_probe(const QByteArray& bytes, unsigned int baud, std::vector<Exchange>& exchanges);
+    bool listens_to_probe(unsigned int baud) const;
+    bool listens_to_frames(unsigned int baud) const;
+    Exchange handle(const QByteArray& payload, unsigned int baud);
+    Handling judge(Command& command) const;
+    bool understands(const QByteArray& payload, unsigned int baud) const;
+    QByteArray carry_out(Command& command, Handling handling);
+    QByteArray read(const Command& command) const;
+    QByteArray write(const Command& command, Handling handling);
+    bool program_row(const Command& command, unsigned int address, Handling handling);
+    bool write_eeprom(const Command& command, unsigned int address, Handling handling);
+    QByteArray erase(const Command& command);
+    QByteArray version_bytes() const;
+
+    const Profile& m_profile;
+    DeviceMemory& m_memory;
+    FrameReceiver m_receiver;
+    Entry m_entry;
+    Judge m_judge;
+    bool m_running = false;
+    unsigned int m_last_baud = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,117 @@
+#include "sim/program/OptionParser.h"
+
+#include "sim/program/UsageError.h"
+
+#include <array>
+
+namespace sim
+{
+
+namespace
+{
+
+const char* const description =
+    "Simulates a device with a serial bootloader on a pseudo-terminal.\n\n"
+    "The path of the port is the first line printed. The device serves until the command of "
+    "--exec\n"
+    "ends or, without one, until SIGINT, SIGTERM or SIGHUP; then a summary is printed.\n\n"
+    "A fault is written KIND=P, each time with the probability P, or KIND@N[,N...], at the Nth\n"
+    "command. Kinds: lose-request, corrupt-request, alter-request (damaged, the checksum fits),\n"
+    "phantom-write (acknowledged, not done), half-write (acknowledged, half done), wrong-ack,\n"
+    "power-loss, unplug, lose-response, alter-response (as alter-request), corrupt-response,\n"
+    "truncate-response, delay-response:MS, duplicate-response, noise. Written otherwise:\n"
+    "request-bytes=P and response-bytes=P (each byte by itself) and stuck-bits:ADDRESS:MASK:LEVEL\n"
+    "(from the start).\n\n"
+    "Exit status: 0 when all is well, 1 when the check fails or a file can't be written, 2 when "
+    "the\n"
+    "command line can't be carried out, 3 when the command of --exec fails or can't be started.";
+
+struct OptionText {
+    const char* name;
+    const char* value; ///< what follows the option; empty for nothing
+    const char* text;
+};
+
+constexpr std::array<OptionText, 24> option_texts = {{
+    {"help", "", "Show this help and exit."},
+    {"version", "", "Show the version and exit."},
+    {"table", "file", "Read the devices from <file> instead of ./device.txt."},
+    {"device", "version",
+     "Simulate the device with the bootloader version <version>, in hexadecimal; needed when the "
+     "table has more than one."},
+    {"list", "", "List the table's devices and exit."},
+    {"entry", "behaviour",
+     "What the device does after power-on: it waits for a \"probe\" (the default), it runs already "
+     "and answers the \"version\" command, or it is \"silent\" for good."},
+    {"echo", "how",
+     "The line is half-duplex, the host hears what it sends: \"apart\" from the answer (the "
+     "default) or \"together\" with it."},
+    {"pace", "", "Bytes take the time that they take at the rate in force."},
+    {"latency-ms", "ms", "The host's adapter hands over short packets after <ms>."},
+    {"erase-ms", "ms", "It takes <ms> to erase a page."},
+    {"write-ms", "ms", "It takes <ms> to write a row."},
+    {"fault", "fault", "Let something go wrong, see above; any number of times."},
+    {"seed", "number", "Let chance play another game; the same number, the same game (1)."},
+    {"replay", "log", "Answer as the device did whose frames are in <log>, written with -x."},
+    {"memory", "image", "Fill the memory from the Intel HEX file <image> at the start."},
+    {"save", "image", "Write what is not erased to the Intel HEX file <image> at the end."},
+    {"check", "image",
+     "Compare the memory with the Intel HEX file <image> at the end; bytes of it that lie outside "
+     "of the device make the check fail."},
+    {"ignore-outside", "", "Bytes outside of the device are reported and do not fail the check."},
+    {"state", "file", "Keep the memory in <file> from one run to the next."},
+    {"link", "path", "Make the symbolic link <path> to the port while it is there."},
+    {"trace", "file", "Write a line for every command to <file>."},
+    {"summary", "file", "Write the summary to <file> instead of printing it."},
+    {"json", "", "Give the summary as one line of JSON."},
+    {"exec", "", "Run the command that follows --, with the port's path in place of each {}."},
+}};
+
+/// The word --echo may stand without its value, which the parser knows no way to say.
+QStringList with_echo_value(QStringList command_line)
+{
+    for (int i = 1; i < command_line.size() && command_line.at(i) != QLatin1String("--"); ++i) {
+        const bool is_bare =
+            i + 1 == command_line.size() || command_line.at(i + 1).startsWith(QLatin1Char('-'));
+        if (command_line.at(i) == QLatin1String("--echo") && is_bare) {
+            command_line[i] = QStringLiteral("--echo=apart");
+        }
+    }
+    return command_line;
+}
+
+} // namespace
+
+OptionParser::OptionParser(const QStringList& command_line)
+{
+    m_parser.setApplicationDescription(QString::fromLatin1(description));
+    for (const OptionText& text : option_texts) {
+        m_parser.addOption({QString::fromLatin1(text.name), QString::fromLatin1(text.text),
+                            QString::fromLatin1(text.value)});
+    }
+    m_parser.addPositionalArgument(QStringLiteral("command"),
+                                   QStringLiteral("What --exec runs, and its arguments."),
+                                   QStringLiteral("[-- command...]"));
+    if (!m_parser.parse(with_echo_value(command_line))) {
+        throw UsageError(m_parser.errorText());
+    }
+}
+
+QString OptionParser::value(const char* name, const QString& preset) const
+{
+    if (!has(name)) {
+        return preset;
+    }
+    QString value = m_parser.value(QString::fromLatin1(name));
+    if (value.isEmpty()) {
+        throw UsageError(QStringLiteral("--%1 needs a value").arg(QString::fromLatin1(name)));
+    }
+    return value;
+}
+
+QStringList OptionParser::values(const char* name) const
+{
+    return m_parser.values(QString::fromLatin1(name));
+}
+
+} // namespace sim

@@ -1,0 +1,45 @@
+#include "sim/program/PortLink.h"
+
+#include "sim/program/UsageError.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace sim
+{
+
+namespace
+{
+
+/// A number of a pseudo-terminal may be somebody else's by now, so that it exists says nothing.
+bool is_left_behind(const QFileInfo& file)
+{
+    return file.isSymLink() &&
+           (!file.exists() || file.symLinkTarget().startsWith(QLatin1String("/dev/pts/")));
+}
+
+} // namespace
+
+PortLink::PortLink(const QString& path, const QString& port_path)
+    : m_path(path),
+      m_port_path(port_path)
+{
+    const QFileInfo file(path);
+    if (is_left_behind(file)) {
+        QFile::remove(path);
+    } else if (file.exists()) {
+        throw UsageError(QStringLiteral("--link %1: something else is there").arg(path));
+    }
+    if (!QFile::link(port_path, path)) {
+        throw UsageError(QStringLiteral("--link %1: cannot make a link there").arg(path));
+    }
+}
+
+PortLink::~PortLink()
+{
+    if (QFileInfo(m_path).symLinkTarget() == m_port_path) {
+        QFile::remove(m_path);
+    }
+}
+
+} // namespace sim

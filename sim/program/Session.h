@@ -1,0 +1,72 @@
+#pragma once
+
+#include "sim/program/Arguments.h"
+#include "sim/program/CommandRunner.h"
+#include "sim/program/DeviceTable.h"
+#include "sim/program/PortLink.h"
+#include "sim/program/StateFile.h"
+#include "sim/program/StopSignals.h"
+#include "sim/rig/MemoryImage.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace sim
+{
+
+/// How the program ends.
+enum ExitStatus {
+    ExitGood = 0,
+    ExitFailed = 1,        ///< the check failed, or a file can't be written
+    ExitCannot = 2,        ///< the command line can't be carried out
+    ExitCommandFailed = 3, ///< the command did not start, or ended with a status other than 0
+};
+
+/// One run of the program: a device served from its table to its summary. Prints on standard output
+/// and complains on standard error.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Makes everything ready. Throws an exception that tells the user what can't be done.
+    explicit Session(const Arguments& arguments);
+
+    /// Serves until the command ends or somebody stops the program; returns the exit status.
+    int run();
+
+private:
+    void refuse_clashes() const;
+    void prepare_memory();
+    void start_command();
+    void stop();
+    void end_command(const CommandEnd& end, const QString& complaint);
+    void leave_when_quiet();
+    void serve();
+    bool save();
+    bool save_state();
+    bool save_image();
+    bool sum_up();
+    bool holds_what_it_should(const Summary& summary) const;
+    bool give_out(const QString& text) const;
+    int exit_status(bool is_good) const;
+
+    Arguments m_arguments;
+    DeviceTable m_table;
+    const Profile& m_profile;
+    Rig m_rig;
+    std::optional<StateFile> m_state;
+    std::optional<MemoryImage> m_expected;
+    std::optional<StopSignals> m_signals;
+    std::unique_ptr<PortLink> m_link;
+    std::unique_ptr<CommandRunner> m_command;
+    QTimer m_quiet;
+    qint64 m_heard_before = 0; ///< bytes, when it was last looked whether all is quiet
+    std::optional<CommandEnd> m_command_end;
+    bool m_served = true; ///< to the end, with nothing in between that could not be helped
+};
+
+} // namespace sim

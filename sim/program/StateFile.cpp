@@ -1,0 +1,93 @@
+#include "sim/program/StateFile.h"
+
+#include "sim/device/DeviceMemory.h"
+#include "sim/rig/MemoryImage.h"
+#include "util/Util.h"
+#include "util/WholeFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <utility>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr int bytes_per_line = 16;
+const char* const end_line = "end";
+
+QByteArray title(unsigned int version)
+{
+    return "zserial-sim state of device " + Util::uint_to_hex(version, 4).toLatin1();
+}
+
+QByteArray line_of(unsigned int address, const QByteArray& bytes)
+{
+    return Util::uint_to_hex(address, -1).toLatin1() + ' ' + bytes.toHex().toUpper();
+}
+
+QList<QByteArray> lines_of(const DeviceMemory& memory, unsigned int version)
+{
+    QList<QByteArray> lines = {title(version)};
+    for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
+        for (int done = 0; done < stretch.bytes.size(); done += bytes_per_line) {
+            lines.append(line_of(stretch.address + static_cast<unsigned int>(done),
+                                 stretch.bytes.mid(done, bytes_per_line)));
+        }
+    }
+    lines.append(end_line);
+    return lines;
+}
+
+/// Only what this program writes is good, to the letter.
+bool read_line(const QByteArray& line, DeviceMemory& memory)
+{
+    bool converted = false;
+    const unsigned int address = line.left(8).toUInt(&converted, 16);
+    const QByteArray bytes = QByteArray::fromHex(line.mid(9));
+    return converted && !bytes.isEmpty() && line == line_of(address, bytes) &&
+           memory.preset(address, bytes) == 0;
+}
+
+} // namespace
+
+void StateFile::load(DeviceMemory& memory) const
+{
+    QFile file(m_path);
+    if (!file.exists()) {
+        return;
+    }
+    if (!QFileInfo(m_path).isFile()) {
+        throw ImageError(QStringLiteral("the state %1 is no regular file").arg(m_path));
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw ImageError(QStringLiteral("cannot read the state %1").arg(m_path));
+    }
+    QList<QByteArray> lines = file.readAll().split('\n');
+    const bool whole = lines.size() >= 3 && lines.takeLast().isEmpty() &&
+                       lines.takeLast() == end_line && lines.takeFirst() == title(m_version);
+    bool good = whole;
+    for (const QByteArray& line : std::as_const(lines)) {
+        good = good && read_line(line, memory);
+    }
+    if (!good) {
+        throw ImageError(QStringLiteral("%1 holds no whole state of device %2")
+                             .arg(m_path, Util::uint_to_hex(m_version, 4)));
+    }
+}
+
+void StateFile::save(const DeviceMemory& memory) const
+{
+    const QByteArray text = lines_of(memory, m_version).join('\n') + '\n';
+    const auto write = [&text](QFileDevice& file) {
+        return file.write(text) == text.size();
+    };
+    if (!Util::write_whole_file(m_path, write)) {
+        throw ImageError(QStringLiteral("cannot write the state %1").arg(m_path));
+    }
+}
+
+} // namespace sim

@@ -1,0 +1,66 @@
+#include "sim/program/StopSignals.h"
+
+#include <cerrno>
+#include <csignal>
+#include <sys/signalfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace sim
+{
+
+namespace
+{
+
+/// Somebody else has seen to it that the signal is ignored, as nohup does.
+bool is_ignored(int signal)
+{
+    struct sigaction action {
+    };
+
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+int open_signals(sigset_t& mask_before)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    if (!is_ignored(SIGHUP)) {
+        sigaddset(&signals, SIGHUP);
+    }
+    ::pthread_sigmask(SIG_BLOCK, &signals, &mask_before);
+    const int descriptor = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
+    if (descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
+    }
+    return descriptor;
+}
+
+} // namespace
+
+StopSignals::StopSignals()
+    : m_descriptor(open_signals(m_mask_before)),
+      m_notifier(m_descriptor.get(), QSocketNotifier::Read)
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, &StopSignals::take);
+}
+
+StopSignals::~StopSignals()
+{
+    signalfd_siginfo signal{};
+    while (::read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal) {
+    }
+    ::pthread_sigmask(SIG_SETMASK, &m_mask_before, nullptr);
+}
+
+void StopSignals::take()
+{
+    signalfd_siginfo signal{};
+    if (::read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal) {
+        Q_EMIT stop_requested();
+    }
+}
+
+} // namespace sim

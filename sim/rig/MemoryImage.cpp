@@ -1,0 +1,130 @@
+#include "sim/rig/MemoryImage.h"
+
+#include "memory/AddressedBLOB.h"
+#include "sim/device/DeviceMemory.h"
+#include "util/Util.h"
+#include "util/WholeFile.h"
+
+#include <QFileDevice>
+
+#include <algorithm>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr unsigned int chunk_size = 16;
+
+QByteArray content_of(const AddressedBLOB& blob)
+{
+    QByteArray bytes;
+    blob.read(0, blob.size(), bytes);
+    return bytes;
+}
+
+QString byte_text(char byte)
+{
+    const unsigned int value = static_cast<unsigned char>(byte);
+    return QStringLiteral("0x") + Util::uint_to_hex(value, 2);
+}
+
+QString difference_text(const QString& path, unsigned int address, char in_memory, char in_image)
+{
+    return QStringLiteral("device memory differs from %1 at address 0x%2: memory %3, image %4")
+        .arg(path, Util::uint_to_hex(address, -1), byte_text(in_memory), byte_text(in_image));
+}
+
+QString agreement_text(const QString& path, unsigned int matching)
+{
+    if (matching == 0) {
+        return QStringLiteral("%1 holds no byte of the device's flash and EEPROM").arg(path);
+    }
+    return QStringLiteral("device memory holds %1: %2 bytes in flash and EEPROM match")
+        .arg(path, QString::number(matching));
+}
+
+/// The records of one stretch, each within one 64 KiB segment as readers of such files expect.
+bool write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
+{
+    const auto size = static_cast<unsigned int>(stretch.bytes.size());
+    for (unsigned int done = 0; done < size;) {
+        AddressedBLOB blob(chunk_size);
+        blob.address = stretch.address + done;
+        const unsigned int piece = std::min(size - done, 0x10000U - (blob.address & 0xFFFFU));
+        blob.write(0, piece, stretch.bytes.constData() + done);
+        if (!blob.write_content_to_file(file, upper)) {
+            return false;
+        }
+        upper = static_cast<unsigned short>(blob.address >> 16U);
+        done += piece;
+    }
+    return true;
+}
+
+bool write_image(QFileDevice& file, const DeviceMemory& memory)
+{
+    unsigned short upper = 0;
+    const std::vector<DeviceMemory::Stretch> stretches = memory.programmed_stretches();
+    return std::all_of(stretches.begin(), stretches.end(),
+                       [&](const auto& stretch) { return write_stretch(file, stretch, upper); }) &&
+           AddressedBLOB(chunk_size).write_eof_to_file(file);
+}
+
+} // namespace
+
+MemoryImage::MemoryImage(const QString& path) : m_path(path), m_map(chunk_size)
+{
+    if (!m_map.load_from_hex_file(path, {})) {
+        throw ImageError(QStringLiteral("cannot load the image %1").arg(path));
+    }
+}
+
+unsigned int MemoryImage::fill(DeviceMemory& memory) const
+{
+    unsigned int left_out = 0;
+    for (const auto& blob : m_map.blobs()) {
+        left_out += memory.preset(blob->address, content_of(*blob));
+    }
+    return left_out;
+}
+
+MemoryImage::Comparison MemoryImage::compare(const DeviceMemory& memory) const
+{
+    unsigned int matching = 0;
+    unsigned int outside = 0;
+    QString difference;
+    for (const auto& blob : m_map.blobs()) {
+        unsigned int address = blob->address;
+        for (const char in_image : content_of(*blob)) {
+            if (!memory.is_in_flash(address, 1) && !memory.is_in_eeprom(address, 1)) {
+                ++outside;
+            } else if (memory.is_user_memory(address)) {
+                const char in_memory = memory.read(address, 1).at(0);
+                if (in_memory == in_image) {
+                    ++matching;
+                } else if (difference.isEmpty()) {
+                    difference = difference_text(m_path, address, in_memory, in_image);
+                }
+            }
+            ++address;
+        }
+    }
+    if (!difference.isEmpty()) {
+        return {false, difference, outside};
+    }
+    return {matching != 0, agreement_text(m_path, matching), outside};
+}
+
+void save_memory(const DeviceMemory& memory, const QString& path)
+{
+    const auto write = [&memory](QFileDevice& file) {
+        return write_image(file, memory);
+    };
+    if (!Util::write_whole_file(path, write)) {
+        throw ImageError(QStringLiteral("cannot write the image %1").arg(path));
+    }
+}
+
+} // namespace sim
