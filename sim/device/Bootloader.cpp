@@ -1,7 +1,6 @@
 #include "sim/device/Bootloader.h"
 
 #include "profile/Profile.h"
-#include "sim/faults/ByteDamage.h"
 
 namespace sim
 {
@@ -41,18 +40,6 @@ Command::Kind kind_of(const QByteArray& payload)
     default:
         return Command::Kind::Unknown;
     }
-}
-
-void alter(Command& command)
-{
-    command.payload = with_same_sum(command.payload);
-    command.kind = kind_of(command.payload);
-}
-
-/// What of a write's data gets into the cells.
-QByteArray stored_part(const QByteArray& data, Handling handling)
-{
-    return handling == Handling::Half ? data.left(data.size() / 2) : data;
 }
 
 } // namespace
@@ -99,7 +86,7 @@ void Bootloader::hear_probe(const QByteArray& bytes, unsigned int baud,
             continue;
         }
         Exchange exchange{{Command::Kind::Probe, QByteArray(1, byte), baud}, {}};
-        if (judge(exchange.command) != Handling::Ignored && m_entry != Entry::Silent) {
+        if (let_through(exchange.command) && m_entry != Entry::Silent) {
             exchange.answer = "QV" + version_bytes();
             m_running = true;
         }
@@ -128,30 +115,30 @@ bool Bootloader::understands(const QByteArray& payload, unsigned int baud) const
 Exchange Bootloader::handle(const QByteArray& payload, unsigned int baud)
 {
     Exchange exchange{{kind_of(payload), payload, baud}, {}};
-    const Handling handling = judge(exchange.command);
-    if (handling == Handling::Ignored || m_entry == Entry::Silent) {
+    const std::optional<QByteArray> taken = let_through(exchange.command);
+    if (!taken || m_entry == Entry::Silent) {
         return exchange;
     }
-    if (handling == Handling::Altered) {
-        alter(exchange.command);
-    }
+    exchange.command.payload = *taken;
+    exchange.command.kind = kind_of(*taken);
     m_running = true;
-    const QByteArray answer_payload = carry_out(exchange.command, handling);
+    const QByteArray answer_payload = carry_out(exchange.command);
     if (!answer_payload.isEmpty()) {
         exchange.answer = make_frame(answer_payload);
     }
     return exchange;
 }
 
-Handling Bootloader::judge(Command& command) const
+/// What gets to the device; marks a command that does not.
+std::optional<QByteArray> Bootloader::let_through(Command& command) const
 {
-    const Handling handling = m_judge ? m_judge(command) : Handling::Normal;
-    command.ignored = handling == Handling::Ignored;
-    return handling;
+    const std::optional<QByteArray> payload = m_gate ? m_gate(command) : command.payload;
+    command.ignored = !payload;
+    return payload;
 }
 
 /// The payload of the answer, empty where there is none; marks a command that is refused.
-QByteArray Bootloader::carry_out(Command& command, Handling handling)
+QByteArray Bootloader::carry_out(Command& command)
 {
     QByteArray answer;
     switch (command.kind) {
@@ -164,7 +151,7 @@ QByteArray Bootloader::carry_out(Command& command, Handling handling)
         answer = read(command);
         break;
     case Command::Kind::Write:
-        answer = write(command, handling);
+        answer = write(command);
         break;
     case Command::Kind::Erase:
         answer = erase(command);
@@ -191,7 +178,7 @@ QByteArray Bootloader::read(const Command& command) const
            m_memory.read(static_cast<unsigned int>(address), static_cast<unsigned int>(length));
 }
 
-QByteArray Bootloader::write(const Command& command, Handling handling)
+QByteArray Bootloader::write(const Command& command)
 {
     const MemoryGeometry memory = geometry_of(m_profile, command.is_eeprom());
     const std::uint64_t address = memory.byte_address(command.word_address());
@@ -199,37 +186,40 @@ QByteArray Bootloader::write(const Command& command, Handling handling)
         return {};
     }
     const auto target = static_cast<unsigned int>(address);
-    const bool done = command.is_eeprom() ? write_eeprom(command, target, handling)
-                                          : program_row(command, target, handling);
+    const bool done =
+        command.is_eeprom() ? write_eeprom(command, target) : program_row(command, target);
     return done ? command.payload.left(1) : QByteArray();
 }
 
 /// One row at a time, at its place in the row grid: that is how the cells are wired.
-bool Bootloader::program_row(const Command& command, unsigned int address, Handling handling)
+bool Bootloader::program_row(const Command& command, unsigned int address)
 {
     const MemoryGeometry flash = geometry_of(m_profile, false);
-    const QByteArray data = command.data();
-    const auto size = static_cast<std::uint64_t>(data.size());
+    const auto size = static_cast<std::uint64_t>(command.data().size());
     if (command.count() != 1 || size != flash.row_size || address % flash.row_size != 0 ||
         !m_memory.is_in_user_flash(address, size)) {
         return false;
     }
-    return handling == Handling::Pretended ||
-           m_memory.program_flash(address, stored_part(data, handling));
+    const QByteArray stored = stored_part(command);
+    return stored.isEmpty() || m_memory.program_flash(address, stored);
 }
 
 /// The count names the words of one row, however many rows of data follow.
-bool Bootloader::write_eeprom(const Command& command, unsigned int address, Handling handling)
+bool Bootloader::write_eeprom(const Command& command, unsigned int address)
 {
     const MemoryGeometry eeprom = geometry_of(m_profile, true);
-    const QByteArray data = command.data();
-    const auto size = static_cast<std::uint64_t>(data.size());
+    const auto size = static_cast<std::uint64_t>(command.data().size());
     if (command.count() != eeprom.row_size / eeprom.word_size || size % eeprom.row_size != 0 ||
         !m_memory.is_in_eeprom(address, size)) {
         return false;
     }
-    return handling == Handling::Pretended ||
-           m_memory.write_eeprom(address, stored_part(data, handling));
+    const QByteArray stored = stored_part(command);
+    return stored.isEmpty() || m_memory.write_eeprom(address, stored);
+}
+
+QByteArray Bootloader::stored_part(const Command& command) const
+{
+    return m_store ? m_store(command, command.data()) : command.data();
 }
 
 QByteArray Bootloader::erase(const Command& command)

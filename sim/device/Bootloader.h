@@ -8,6 +8,7 @@
 #include <QByteArray>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 class Profile;
@@ -20,15 +21,6 @@ enum class Entry {
     Probe,   ///< starting: waits for a probe before it runs
     Version, ///< already running its bootloader; never answers a probe
     Silent,  ///< hears everything, does nothing and never answers
-};
-
-/// What becomes of a command that the device is about to take.
-enum class Handling {
-    Normal,
-    Ignored,   ///< as if it had never come
-    Altered,   ///< damaged on the way, with a checksum that fits all the same
-    Pretended, ///< a write is acknowledged and not done
-    Half,      ///< of a write, the first half of the data is done
 };
 
 /// What the device heard and the bytes it answers with, empty where it stays silent.
@@ -49,8 +41,12 @@ struct Exchange {
 class Bootloader
 {
 public:
-    /// Asked once for every command that is made out, in their order, before anything is done.
-    using Judge = std::function<Handling(const Command& command)>;
+    /// Asked once for every command that is made out, in their order, before anything is done: the
+    /// payload that gets to the device, or none if it never does. Of a probe, any payload will do.
+    using Gate = std::function<std::optional<QByteArray>(const Command& command)>;
+    /// Asked for every write that the device accepts: what of its data gets into the cells, from
+    /// their first on.
+    using Store = std::function<QByteArray(const Command& command, const QByteArray& data)>;
 
     /// Neither argument is copied; both must outlive the bootloader.
     Bootloader(const Profile& profile, DeviceMemory& memory, Entry entry);
@@ -63,8 +59,11 @@ public:
     /// Frames that began and came to nothing.
     unsigned int dropped_frames() const { return m_receiver.dropped_frames(); }
 
-    /// Without a judge everything is handled normally.
-    void set_judge(Judge judge) { m_judge = std::move(judge); }
+    /// Without a gate every command gets to the device as it is.
+    void set_gate(Gate gate) { m_gate = std::move(gate); }
+
+    /// Without a store all data gets into the cells.
+    void set_store(Store store) { m_store = std::move(store); }
 
 private:
     void power_on();
@@ -72,13 +71,14 @@ private:
     bool listens_to_probe(unsigned int baud) const;
     bool listens_to_frames(unsigned int baud) const;
     Exchange handle(const QByteArray& payload, unsigned int baud);
-    Handling judge(Command& command) const;
+    std::optional<QByteArray> let_through(Command& command) const;
     bool understands(const QByteArray& payload, unsigned int baud) const;
-    QByteArray carry_out(Command& command, Handling handling);
+    QByteArray carry_out(Command& command);
     QByteArray read(const Command& command) const;
-    QByteArray write(const Command& command, Handling handling);
-    bool program_row(const Command& command, unsigned int address, Handling handling);
-    bool write_eeprom(const Command& command, unsigned int address, Handling handling);
+    QByteArray write(const Command& command);
+    bool program_row(const Command& command, unsigned int address);
+    bool write_eeprom(const Command& command, unsigned int address);
+    QByteArray stored_part(const Command& command) const;
     QByteArray erase(const Command& command);
     QByteArray version_bytes() const;
 
@@ -86,7 +86,8 @@ private:
     DeviceMemory& m_memory;
     FrameReceiver m_receiver;
     Entry m_entry;
-    Judge m_judge;
+    Gate m_gate;
+    Store m_store;
     bool m_running = false;
     unsigned int m_last_baud = 0;
 };

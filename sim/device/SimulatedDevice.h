@@ -99,8 +99,11 @@ public:
     /// consequence for the echo.
     void set_request_filter(RequestFilter filter) { m_request_filter = std::move(filter); }
 
-    /// Asked for every command how the device takes it.
-    void set_judge(Bootloader::Judge judge) { m_bootloader.set_judge(std::move(judge)); }
+    /// Asked for every command what of it gets to the device.
+    void set_gate(Bootloader::Gate gate) { m_bootloader.set_gate(std::move(gate)); }
+
+    /// Asked for every write what of its data gets into the cells.
+    void set_store(Bootloader::Store store) { m_bootloader.set_store(std::move(store)); }
 
     /// Closes the line at both ends, as when the adapter is pulled out; drops what was still due.
     void unplug();

@@ -8,36 +8,38 @@ namespace sim
 namespace
 {
 
-bool contains(const std::vector<FaultKind>& kinds, FaultKind kind)
-{
-    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
-}
-
 DrawStream draws_for(const FaultSettings& settings, FaultKind kind)
 {
     return {settings.seed, name_of(kind)};
 }
 
-/// What a fault makes of a command before anything of it is done.
-Handling effect_of(FaultKind kind, const Command& command)
+bool is_on_request(FaultKind kind, const Command& command)
 {
-    const bool is_write = command.kind == Command::Kind::Write;
-    const bool is_framed = command.kind != Command::Kind::Probe;
     switch (kind) {
-    case FaultKind::LoseRequest:
-    case FaultKind::CorruptRequest:
     case FaultKind::PowerLoss:
     case FaultKind::Unplug:
-        return Handling::Ignored;
+    case FaultKind::LoseRequest:
+    case FaultKind::CorruptRequest:
+        return true;
     case FaultKind::AlterRequest:
-        return is_framed && command.payload.size() > 1 ? Handling::Altered : Handling::Normal;
+        return command.kind != Command::Kind::Probe && command.payload.size() > 1;
     case FaultKind::PhantomWrite:
-        return is_write ? Handling::Pretended : Handling::Normal;
     case FaultKind::HalfWrite:
-        return is_write ? Handling::Half : Handling::Normal;
+        return command.kind == Command::Kind::Write;
     default:
-        return Handling::Normal;
+        return false;
     }
+}
+
+/// What the device gets of the payload.
+std::optional<QByteArray> payload_after(std::optional<FaultKind> fault, const QByteArray& payload)
+{
+    if (fault == FaultKind::AlterRequest) {
+        return with_same_sum(payload);
+    }
+    const bool gets_through =
+        !fault || fault == FaultKind::PhantomWrite || fault == FaultKind::HalfWrite;
+    return gets_through ? std::optional(payload) : std::nullopt;
 }
 
 } // namespace
@@ -61,27 +63,37 @@ QByteArray FaultInjector::damage_request(const QByteArray& bytes)
     return result;
 }
 
-Handling FaultInjector::judge(const Command& command)
+std::optional<QByteArray> FaultInjector::let_through(const Command& command)
 {
     Decision decision;
     decision.faults = m_plan.next();
-    const Handling handling = m_hears ? apply_to_request(command, decision) : Handling::Ignored;
+    if (!m_hears) {
+        m_decisions.push_back(decision);
+        return std::nullopt;
+    }
+    decision.on_request = first_on_request(command, decision.faults);
+    m_hears =
+        decision.on_request != FaultKind::PowerLoss && decision.on_request != FaultKind::Unplug;
     m_decisions.push_back(decision);
-    return handling;
+    return payload_after(decision.on_request, command.payload);
 }
 
-/// The first fault that has an effect on the request is the one that happens.
-Handling FaultInjector::apply_to_request(const Command& command, Decision& decision)
+std::optional<FaultKind> FaultInjector::first_on_request(const Command& command,
+                                                         const std::vector<Fault>& faults)
 {
-    for (const Fault& fault : decision.faults) {
-        const Handling handling = effect_of(fault.kind, command);
-        if (handling != Handling::Normal) {
-            decision.applied.push_back(fault.kind);
-            m_hears = fault.kind != FaultKind::PowerLoss && fault.kind != FaultKind::Unplug;
-            return handling;
-        }
+    const auto found = std::find_if(faults.begin(), faults.end(), [&command](const Fault& fault) {
+        return is_on_request(fault.kind, command);
+    });
+    return found == faults.end() ? std::nullopt : std::optional(found->kind);
+}
+
+QByteArray FaultInjector::stored_part(const QByteArray& data) const
+{
+    const std::optional<FaultKind> fault = m_decisions.back().on_request;
+    if (fault == FaultKind::PhantomWrite) {
+        return {};
     }
-    return Handling::Normal;
+    return fault == FaultKind::HalfWrite ? data.left(data.size() / 2) : data;
 }
 
 FaultInjector::Reply FaultInjector::reply(const Command& command, const QByteArray& answer)
@@ -90,8 +102,9 @@ FaultInjector::Reply FaultInjector::reply(const Command& command, const QByteArr
     m_decisions.pop_front();
     Reply reply;
     // What the device refuses anyway it neither pretends to do nor halves.
-    if (!command.refused || contains(decision.applied, FaultKind::AlterRequest)) {
-        reply.applied = decision.applied;
+    const bool happened = !command.refused || decision.on_request == FaultKind::AlterRequest;
+    if (decision.on_request && happened) {
+        reply.applied.push_back(*decision.on_request);
     }
     if (!command.ignored) {
         FaultyReply faulty = apply_to_reply(command, answer, decision.faults);
@@ -104,7 +117,7 @@ FaultInjector::Reply FaultInjector::reply(const Command& command, const QByteArr
             ++m_counts[kind];
         }
     }
-    reply.unplug = contains(reply.applied, FaultKind::Unplug);
+    reply.unplug = decision.on_request == FaultKind::Unplug;
     return reply;
 }
 

@@ -7,12 +7,13 @@
 
 #include <deque>
 #include <map>
+#include <optional>
 
 namespace sim
 {
 
 /// Lets the faults that a user asked for happen to one device, and counts them. Follows a device
-/// through its three filters: requests, judge, replies.
+/// through its four openings: requests, gate, store, replies.
 class FaultInjector
 {
 public:
@@ -20,8 +21,11 @@ public:
 
     /// What the device gets of bytes from the host.
     QByteArray damage_request(const QByteArray& bytes);
-    /// How the device takes its next command.
-    Handling judge(const Command& command);
+    /// What the device gets of its next command; see Bootloader::Gate.
+    std::optional<QByteArray> let_through(const Command& command);
+    /// What of a write gets into the cells; see Bootloader::Store. Asked after let_through() and
+    /// before the next command.
+    QByteArray stored_part(const QByteArray& data) const;
 
     struct Reply {
         std::vector<Delivery> deliveries;
@@ -29,7 +33,7 @@ public:
         bool unplug = false;            ///< the line vanishes before anything of this goes out
     };
 
-    /// What goes out for a command; asked once for each that was judged, in the same order.
+    /// What goes out for a command; asked once for each that was let through or not, in the same order.
     Reply reply(const Command& command, const QByteArray& answer);
 
     /// How often each kind has been applied; kinds that never were are missing. Of stuck bits, how
@@ -37,13 +41,14 @@ public:
     const std::map<FaultKind, unsigned int>& counts() const { return m_counts; }
 
 private:
-    /// What was decided for a command that is judged but not answered yet.
+    /// What was decided for a command that is not answered yet.
     struct Decision {
         std::vector<Fault> faults;
-        std::vector<FaultKind> applied;
+        std::optional<FaultKind> on_request; ///< the one that has an effect on the request
     };
 
-    Handling apply_to_request(const Command& command, Decision& decision);
+    static std::optional<FaultKind> first_on_request(const Command& command,
+                                                     const std::vector<Fault>& faults);
     void damage(std::vector<Delivery>& deliveries, std::vector<FaultKind>& applied);
 
     FaultPlan m_plan;

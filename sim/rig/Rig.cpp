@@ -42,7 +42,9 @@ Rig::Rig(const Profile& profile, const RigOptions& options)
     }
     m_device.set_request_filter(
         [this](const QByteArray& bytes) { return m_faults.damage_request(bytes); });
-    m_device.set_judge([this](const Command& command) { return m_faults.judge(command); });
+    m_device.set_gate([this](const Command& command) { return m_faults.let_through(command); });
+    m_device.set_store(
+        [this](const Command&, const QByteArray& data) { return m_faults.stored_part(data); });
     m_device.set_reply_filter([this](const Command& command, const QByteArray& answer) {
         return reply_to(command, answer);
     });

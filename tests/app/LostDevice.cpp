@@ -22,7 +22,9 @@ LostDevice::LostDevice(const Profile& profile, sim::Entry entry, Loss loss)
 {
     EXPECT_TRUE(m_name_keeper.is_open());
     m_device.set_request_filter([this](const QByteArray& bytes) { return hear(bytes); });
-    m_device.set_judge([this](const sim::Command&) { return judge(); });
+    m_device.set_gate([this](const sim::Command& command) {
+        return is_heard() ? std::optional(command.payload) : std::nullopt;
+    });
     m_device.set_reply_filter(
         [this](const sim::Command&, const QByteArray& answer) { return reply(answer); });
     QObject::connect(&m_reading_host, &QTimer::timeout, [this] { unplug_when_read(); });
@@ -51,10 +53,10 @@ QByteArray LostDevice::hear(const QByteArray& bytes)
     return {};
 }
 
-sim::Handling LostDevice::judge() const
+bool LostDevice::is_heard() const
 {
     const bool undone = m_loss.moment == Moment::Undone || m_loss.moment == Moment::Repeated;
-    return m_is_lost || (is_at_loss() && undone) ? sim::Handling::Ignored : sim::Handling::Normal;
+    return !m_is_lost && !(is_at_loss() && undone);
 }
 
 LostDevice::Reply LostDevice::reply(const QByteArray& answer)

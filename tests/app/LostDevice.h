@@ -47,7 +47,7 @@ private:
     bool is_at_loss() const { return m_number == m_loss.command; }
 
     QByteArray hear(const QByteArray& bytes);
-    sim::Handling judge() const;
+    bool is_heard() const;
     Reply reply(const QByteArray& answer);
     Reply last_reply(const QByteArray& answer);
     void unplug_when_read();

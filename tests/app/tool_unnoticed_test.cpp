@@ -1,3 +1,4 @@
+#include "sim/faults/ByteDamage.h"
 #include "tests/app/QuadTest.h"
 
 namespace
@@ -5,7 +6,6 @@ namespace
 
 using sim::Command;
 using sim::Delivery;
-using sim::Handling;
 
 /// A line that damages what it carries in a way that no checksum shows, or that brings the
 /// acknowledgement of one row while another is waited for. image.hex fills the page at 0x80 and a
@@ -19,10 +19,10 @@ protected:
     /// instead of its own.
     void lose_behind_a_late_acknowledgement(const std::string& lost)
     {
-        m_device.set_judge([this, lost](const Command& command) {
+        m_device.set_gate([this, lost](const Command& command) {
             m_is_lost = !m_was_lost && hex(command.payload) == lost;
             m_was_lost = m_was_lost || m_is_lost;
-            return m_is_lost ? Handling::Ignored : Handling::Normal;
+            return m_is_lost ? std::nullopt : std::optional(command.payload);
         });
         m_device.set_reply_filter([this](const Command&, const QByteArray& answer) {
             return std::vector<Delivery>{{m_is_lost ? frame("02") : answer}};
@@ -31,8 +31,9 @@ protected:
 
     void alter(const std::string& altered)
     {
-        m_device.set_judge([altered](const Command& command) {
-            return hex(command.payload) == altered ? Handling::Altered : Handling::Normal;
+        m_device.set_gate([altered](const Command& command) {
+            return hex(command.payload) == altered ? sim::with_same_sum(command.payload)
+                                                   : command.payload;
         });
     }
 
@@ -107,7 +108,7 @@ TEST_F(ToolUnnoticed, AnAlteredRowOfEepromIsNotNoticedByAWriteAndVerify)
 {
     alter(write_eeprom(0x1000, m_eeprom));
     expect_unnoticed("-wv image.hex", m_lower + m_upper, m_altered_eeprom);
-    m_device.set_judge({});
+    m_device.set_gate({});
     expect_noticed("-v image.hex", "data mismatch starting at address 0x00001000");
 }
 

@@ -1,5 +1,6 @@
 #include "sim/device/Bootloader.h"
 
+#include "sim/faults/ByteDamage.h"
 #include "tests/sim/SampleDevice.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +10,6 @@ using sim::Command;
 using sim::DeviceMemory;
 using sim::Entry;
 using sim::Exchange;
-using sim::Handling;
 using sim::make_frame;
 using sim_test::bytes;
 using sim_test::Changes;
@@ -452,10 +452,10 @@ INSTANTIATE_TEST_SUITE_P(
                             {{Profile::flash_word_size, "0"}}}),
     refusal_name);
 
-TEST(SimBootloader, DoesNothingAboutACommandThatItsJudgeIgnores)
+TEST(SimBootloader, DoesNothingAboutACommandThatDoesNotGetThrough)
 {
     Device device(Entry::Probe);
-    device.bootloader.set_judge([](const Command&) { return Handling::Ignored; });
+    device.bootloader.set_gate([](const Command&) { return std::nullopt; });
     const std::vector<Exchange> probed = device.hear(probe_byte, 9600);
     ASSERT_EQ(probed.size(), 1U);
     EXPECT_TRUE(probed.front().command.ignored);
@@ -468,13 +468,13 @@ TEST(SimBootloader, DoesNothingAboutACommandThatItsJudgeIgnores)
     EXPECT_FALSE(device.bootloader.is_running());
 }
 
-TEST(SimBootloader, AsksItsJudgeAboutEveryCommandInOrder)
+TEST(SimBootloader, AsksItsGateAboutEveryCommandInOrder)
 {
     Device device(Entry::Silent);
     std::vector<Command::Kind> asked;
-    device.bootloader.set_judge([&asked](const Command& command) {
+    device.bootloader.set_gate([&asked](const Command& command) {
         asked.push_back(command.kind);
-        return Handling::Normal;
+        return command.payload;
     });
     device.hear(version_frame + reset_frame + read_frame);
     device.hear(probe_byte, 9600);
@@ -482,10 +482,10 @@ TEST(SimBootloader, AsksItsJudgeAboutEveryCommandInOrder)
     EXPECT_THAT(asked, testing::ElementsAre(Kind::Version, Kind::Reset, Kind::Read, Kind::Probe));
 }
 
-TEST(SimBootloader, AcknowledgesWritesThatItOnlyPretends)
+TEST(SimBootloader, AcknowledgesWritesOfWhichNothingIsStored)
 {
     Device device(Entry::Version);
-    device.bootloader.set_judge([](const Command&) { return Handling::Pretended; });
+    device.bootloader.set_store([](const Command&, const QByteArray&) { return QByteArray(); });
     const QByteArray flash_row = bytes("02 01 00 08 00") + QByteArray(0x40, '\x11');
     EXPECT_EQ(device.ask(flash_row).answer, make_frame(bytes("02")));
     const QByteArray eeprom_row = bytes("05 10 00 00 00") + QByteArray(0x10, '\x22');
@@ -493,14 +493,15 @@ TEST(SimBootloader, AcknowledgesWritesThatItOnlyPretends)
     EXPECT_TRUE(device.memory.programmed_stretches().empty());
     EXPECT_EQ(device.memory.statistics().flash_rows_programmed, 0U);
     EXPECT_EQ(device.memory.statistics().eeprom_writes, 0U);
-    // What it would refuse it does not pretend either.
+    // What it refuses is not acknowledged, stored or not.
     EXPECT_TRUE(device.ask(bytes("02 01 01 08 00") + QByteArray(0x40, '\x11')).command.refused);
 }
 
-TEST(SimBootloader, DoesTheFirstHalfOfAWriteThatIsCutShort)
+TEST(SimBootloader, StoresWhatItIsLeftOfAWrite)
 {
     Device device(Entry::Version);
-    device.bootloader.set_judge([](const Command&) { return Handling::Half; });
+    device.bootloader.set_store(
+        [](const Command&, const QByteArray& data) { return data.left(data.size() / 2); });
     const QByteArray flash_row = bytes("02 01 00 08 00") + QByteArray(0x40, '\x11');
     EXPECT_EQ(device.ask(flash_row).answer, make_frame(bytes("02")));
     EXPECT_EQ(device.memory.read(0x1000, 0x40),
@@ -513,7 +514,7 @@ TEST(SimBootloader, DoesTheFirstHalfOfAWriteThatIsCutShort)
 TEST(SimBootloader, TakesACommandThatWasAlteredOnTheWayForWhatItSays)
 {
     Device device(Entry::Version);
-    device.bootloader.set_judge([](const Command&) { return Handling::Altered; });
+    device.bootloader.set_gate([](const Command& command) { return sim::with_same_sum(command.payload); });
     const Exchange written = device.ask(bytes("05 10 00 00 00") + QByteArray(0x10, '\x22'));
     EXPECT_EQ(written.answer, make_frame(bytes("05")));
     EXPECT_EQ(device.memory.read(0x400000, 0x10), QByteArray(0x0E, '\x22') + bytes("A2 A2"));

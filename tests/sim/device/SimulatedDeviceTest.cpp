@@ -322,12 +322,12 @@ TEST_F(SimSimulatedDevice, HearsWhatItsRequestFilterLetsThrough)
               version_frame + version_answer);
 }
 
-TEST_F(SimSimulatedDevice, TakesCommandsAsItsJudgeSays)
+TEST_F(SimSimulatedDevice, TakesCommandsAsTheyGetThroughItsGate)
 {
     start({Entry::Version});
-    device->set_judge([](const Command& command) {
-        return command.kind == Command::Kind::Erase ? sim::Handling::Ignored
-                                                    : sim::Handling::Normal;
+    device->set_gate([](const Command& command) {
+        return command.kind == Command::Kind::Erase ? std::nullopt
+                                                    : std::optional(command.payload);
     });
     host->send(make_frame(bytes("03 01 00 08 00")));
     EXPECT_EQ(host->ask(version_frame, version_answer), version_answer);
