@@ -1,6 +1,6 @@
 #include "sim/faults/FaultSettings.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -39,7 +39,7 @@ FaultKind kind_of(const Words& words)
 {
     const std::optional<FaultKind> kind = fault_kind_named(words.kind);
     if (!kind) {
-        throw UsageError(
+        throw Error(
             QStringLiteral("there is no fault '%1', only %2").arg(words.kind, fault_kind_list()));
     }
     return *kind;
@@ -51,8 +51,8 @@ unsigned int number_in(const QString& text, unsigned int lowest, unsigned int hi
     const bool hexadecimal = text.startsWith(QLatin1String("0x"));
     const unsigned int number = text.toUInt(&converted, hexadecimal ? 16 : 10);
     if (!converted || number < lowest || number > highest) {
-        throw UsageError(QStringLiteral("'%1' is no number from %2 to %3")
-                             .arg(text, QString::number(lowest), QString::number(highest)));
+        throw Error(QStringLiteral("'%1' is no number from %2 to %3")
+                        .arg(text, QString::number(lowest), QString::number(highest)));
     }
     return number;
 }
@@ -62,7 +62,7 @@ Chance chance_of(const QString& text)
     bool converted = false;
     const double probability = text.toDouble(&converted);
     if (!converted || !(probability >= 0 && probability <= 1)) {
-        throw UsageError(QStringLiteral("'%1' is no probability from 0 to 1").arg(text));
+        throw Error(QStringLiteral("'%1' is no probability from 0 to 1").arg(text));
     }
     return Chance(probability);
 }
@@ -70,8 +70,7 @@ Chance chance_of(const QString& text)
 void expect_parameters(const Words& words, int count, const char* form)
 {
     if (words.parameters.size() != count) {
-        throw UsageError(
-            QStringLiteral("%1 is written %2").arg(words.kind, QString::fromLatin1(form)));
+        throw Error(QStringLiteral("%1 is written %2").arg(words.kind, QString::fromLatin1(form)));
     }
 }
 
@@ -94,7 +93,7 @@ Chance byte_chance_of(const Words& words)
 void set_trigger(FaultRule& rule, const Words& words)
 {
     if (words.trigger.isNull()) {
-        throw UsageError(
+        throw Error(
             QStringLiteral("it does not say when: KIND=P with a probability, or KIND@N[,N...]"
                            " with numbers of commands"));
     }
@@ -121,8 +120,11 @@ FaultRule rule_of(FaultKind kind, const Words& words)
     return rule;
 }
 
-void add_words(FaultSettings& settings, const Words& words)
+} // namespace
+
+void add_fault(FaultSettings& settings, const QString& text)
 {
+    const Words words = words_of(text);
     const FaultKind kind = kind_of(words);
     if (kind == FaultKind::StuckBits) {
         settings.stuck_bits.push_back(stuck_bits_of(words));
@@ -132,18 +134,6 @@ void add_words(FaultSettings& settings, const Words& words)
         settings.response_bytes = byte_chance_of(words);
     } else {
         settings.rules.push_back(rule_of(kind, words));
-    }
-}
-
-} // namespace
-
-void add_fault(FaultSettings& settings, const QString& text)
-{
-    try {
-        add_words(settings, words_of(text));
-    } catch (const UsageError& error) {
-        throw UsageError(
-            QStringLiteral("--fault %1: %2").arg(text, QString::fromUtf8(error.what())));
     }
 }
 

@@ -36,7 +36,7 @@ struct FaultSettings {
 ///     stuck-bits:ADDRESS:MASK:LEVEL    from the start
 ///
 /// where delay-response is followed by a colon and its milliseconds, and the kinds that hit single
-/// bytes only take a probability. Throws UsageError.
+/// bytes only take a probability. Throws Error.
 void add_fault(FaultSettings& settings, const QString& text);
 
 } // namespace sim

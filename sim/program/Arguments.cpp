@@ -1,7 +1,7 @@
 #include "sim/program/Arguments.h"
 
+#include "sim/device/Error.h"
 #include "sim/program/OptionParser.h"
-#include "sim/program/UsageError.h"
 
 #include <map>
 
@@ -18,7 +18,7 @@ unsigned short version_of(const QString& text)
     bool converted = false;
     const unsigned short version = text.toUShort(&converted, 16);
     if (!converted) {
-        throw UsageError(
+        throw Error(
             QStringLiteral("'%1' is no bootloader version such as 0102 or 0x0102").arg(text));
     }
     return version;
@@ -33,7 +33,7 @@ Entry entry_of(const QString& text)
     };
     const auto found = entries.find(text);
     if (found == entries.end()) {
-        throw UsageError(
+        throw Error(
             QStringLiteral("'%1' is no --entry behaviour: probe, version or silent").arg(text));
     }
     return found->second;
@@ -47,7 +47,7 @@ Options::Echo echo_of(const QString& text)
     if (text == QLatin1String("together")) {
         return Options::Echo::Together;
     }
-    throw UsageError(QStringLiteral("'%1' is no --echo: apart or together").arg(text));
+    throw Error(QStringLiteral("'%1' is no --echo: apart or together").arg(text));
 }
 
 int ms_of(const OptionParser& parser, const char* name)
@@ -56,8 +56,8 @@ int ms_of(const OptionParser& parser, const char* name)
     bool converted = false;
     const int ms = text.toInt(&converted);
     if (!converted || ms < 0 || ms > longest_ms) {
-        throw UsageError(QStringLiteral("--%1: '%2' is no number of milliseconds from 0 to %3")
-                             .arg(QString::fromLatin1(name), text, QString::number(longest_ms)));
+        throw Error(QStringLiteral("--%1: '%2' is no number of milliseconds from 0 to %3")
+                        .arg(QString::fromLatin1(name), text, QString::number(longest_ms)));
     }
     return ms;
 }
@@ -67,7 +67,7 @@ std::uint64_t seed_of(const QString& text)
     bool converted = false;
     const qulonglong seed = text.toULongLong(&converted);
     if (!converted) {
-        throw UsageError(QStringLiteral("--seed: '%1' is no whole number").arg(text));
+        throw Error(QStringLiteral("--seed: '%1' is no whole number").arg(text));
     }
     return seed;
 }
@@ -98,15 +98,23 @@ Options device_options(const OptionParser& parser)
     return options;
 }
 
+void add_fault_option(FaultSettings& settings, const QString& fault)
+{
+    try {
+        add_fault(settings, fault);
+    } catch (const Error& error) {
+        throw Error(QStringLiteral("--fault %1: %2").arg(fault, error.text()));
+    }
+}
+
 RigOptions rig_options(const OptionParser& parser)
 {
     RigOptions options;
     options.device = device_options(parser);
     for (const QString& fault : parser.values("fault")) {
-        add_fault(options.faults, fault);
+        add_fault_option(options.faults, fault);
     }
     options.faults.seed = seed_of(parser.value("seed", QStringLiteral("1")));
-    options.replay = parser.value("replay");
     return options;
 }
 
@@ -114,11 +122,10 @@ QStringList command_of(const OptionParser& parser)
 {
     QStringList rest = parser.rest();
     if (parser.has("exec") && rest.isEmpty()) {
-        throw UsageError(QStringLiteral("--exec needs a command: --exec -- COMMAND {} ..."));
+        throw Error(QStringLiteral("--exec needs a command: --exec -- COMMAND {} ..."));
     }
     if (!parser.has("exec") && !rest.isEmpty()) {
-        throw UsageError(
-            QStringLiteral("'%1' is no option; a command needs --exec").arg(rest.first()));
+        throw Error(QStringLiteral("'%1' is no option; a command needs --exec").arg(rest.first()));
     }
     return rest;
 }
@@ -142,6 +149,7 @@ Arguments parse_arguments(const QStringList& command_line)
     arguments.ignore_outside = parser.has("ignore-outside");
     arguments.state = parser.value("state");
     arguments.link = parser.value("link");
+    arguments.replay = parser.value("replay");
     arguments.trace = parser.value("trace");
     arguments.summary = parser.value("summary");
     arguments.command = command_of(parser);

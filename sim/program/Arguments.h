@@ -25,13 +25,14 @@ struct Arguments {
     bool ignore_outside = false; ///< bytes of that image that the device has no place for
     QString state;
     QString link;
+    QString replay;
     QString trace;
     QString summary;
     QStringList command; ///< to run on the port
     bool json = false;
 };
 
-/// Takes the command line apart, the program's name first. Throws UsageError.
+/// Takes the command line apart, the program's name first. Throws Error.
 Arguments parse_arguments(const QStringList& command_line);
 
 } // namespace sim

@@ -1,7 +1,7 @@
 #include "sim/program/DeviceTable.h"
 
 #include "profile/ProfileTable.h"
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 #include "util/Util.h"
 
 #include <QException>
@@ -24,11 +24,11 @@ DeviceTable::DeviceTable(const QString& path) : m_path(path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("cannot read the table %1").arg(path));
+        throw Error(QStringLiteral("cannot read the table %1").arg(path));
     }
     while (const auto line = read_profile_table_line(file)) {
         if (line->kind == ProfileTableLine::Kind::Unparsable) {
-            throw UsageError(
+            throw Error(
                 QStringLiteral("the table %1 has a row that begins with no version").arg(path));
         }
         if (line->kind == ProfileTableLine::Kind::Row) {
@@ -44,8 +44,8 @@ void DeviceTable::add(const QStringList& fields)
         const unsigned int version = profile->attributes[Profile::bootloader_version];
         m_profiles[static_cast<unsigned short>(version & 0xFFFFU)] = std::move(profile);
     } catch (const QException&) {
-        throw UsageError(QStringLiteral("the table %1 has a bad row for version %2")
-                             .arg(m_path, fields.first()));
+        throw Error(QStringLiteral("the table %1 has a bad row for version %2")
+                        .arg(m_path, fields.first()));
     }
 }
 
@@ -61,17 +61,17 @@ QStringList DeviceTable::listing() const
 const Profile& DeviceTable::choose(std::optional<unsigned short> version) const
 {
     if (m_profiles.empty()) {
-        throw UsageError(QStringLiteral("the table %1 has no devices").arg(m_path));
+        throw Error(QStringLiteral("the table %1 has no devices").arg(m_path));
     }
     if (!version && m_profiles.size() > 1) {
-        throw UsageError(QStringLiteral("the table %1 has several devices: choose with --device "
-                                        "(--list shows them)")
-                             .arg(m_path));
+        throw Error(QStringLiteral("the table %1 has several devices: choose with --device "
+                                   "(--list shows them)")
+                        .arg(m_path));
     }
     const auto found = version ? m_profiles.find(*version) : m_profiles.begin();
     if (found == m_profiles.end()) {
-        throw UsageError(QStringLiteral("the table %1 has no device of version %2")
-                             .arg(m_path, four_digits(*version)));
+        throw Error(QStringLiteral("the table %1 has no device of version %2")
+                        .arg(m_path, four_digits(*version)));
     }
     return *found->second;
 }

@@ -16,12 +16,12 @@ namespace sim
 class DeviceTable
 {
 public:
-    /// Reads the table. Throws UsageError when it can't be read or holds a bad row.
+    /// Reads the table. Throws Error when it can't be read or holds a bad row.
     explicit DeviceTable(const QString& path);
 
     /// One line per device in ascending order: the version as four hexadecimal digits, the name.
     QStringList listing() const;
-    /// The device of this version; without a version, the only one there is. Throws UsageError
+    /// The device of this version; without a version, the only one there is. Throws Error
     /// when there is no such device, or when there are several to choose from.
     const Profile& choose(std::optional<unsigned short> version) const;
 

@@ -1,6 +1,6 @@
 #include "sim/program/OptionParser.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 
 #include <array>
 
@@ -93,7 +93,7 @@ OptionParser::OptionParser(const QStringList& command_line)
                                    QStringLiteral("What --exec runs, and its arguments."),
                                    QStringLiteral("[-- command...]"));
     if (!m_parser.parse(with_echo_value(command_line))) {
-        throw UsageError(m_parser.errorText());
+        throw Error(m_parser.errorText());
     }
 }
 
@@ -104,7 +104,7 @@ QString OptionParser::value(const char* name, const QString& preset) const
     }
     QString value = m_parser.value(QString::fromLatin1(name));
     if (value.isEmpty()) {
-        throw UsageError(QStringLiteral("--%1 needs a value").arg(QString::fromLatin1(name)));
+        throw Error(QStringLiteral("--%1 needs a value").arg(QString::fromLatin1(name)));
     }
     return value;
 }

@@ -11,12 +11,12 @@ namespace sim
 class OptionParser
 {
 public:
-    /// Throws UsageError for what is no option or lacks its value.
+    /// Throws Error for what is no option or lacks its value.
     explicit OptionParser(const QStringList& command_line);
 
     bool has(const char* name) const { return m_parser.isSet(QString::fromLatin1(name)); }
 
-    /// The option's value, the last one given; the preset without the option. Throws UsageError
+    /// The option's value, the last one given; the preset without the option. Throws Error
     /// when it is empty.
     QString value(const char* name, const QString& preset = QString()) const;
     /// All values given, in their order.

@@ -1,6 +1,6 @@
 #include "sim/program/PortLink.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -28,10 +28,10 @@ PortLink::PortLink(const QString& path, const QString& port_path)
     if (is_left_behind(file)) {
         QFile::remove(path);
     } else if (file.exists()) {
-        throw UsageError(QStringLiteral("--link %1: something else is there").arg(path));
+        throw Error(QStringLiteral("--link %1: something else is there").arg(path));
     }
     if (!QFile::link(port_path, path)) {
-        throw UsageError(QStringLiteral("--link %1: cannot make a link there").arg(path));
+        throw Error(QStringLiteral("--link %1: cannot make a link there").arg(path));
     }
 }
 

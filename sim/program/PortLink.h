@@ -10,7 +10,7 @@ class PortLink
 {
 public:
     /// Takes the place of a link that a simulator left behind: one that leads nowhere or to a
-    /// pseudo-terminal. Throws UsageError when anything else is there, or when there can't be a
+    /// pseudo-terminal. Throws Error when anything else is there, or when there can't be a
     /// link.
     PortLink(const QString& path, const QString& port_path);
     /// Removes the link, unless another simulator has taken its place.

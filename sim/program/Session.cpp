@@ -1,8 +1,8 @@
 #include "sim/program/Session.h"
 
+#include "sim/device/Error.h"
 #include "sim/program/Console.h"
 #include "sim/program/FileClash.h"
-#include "sim/program/UsageError.h"
 #include "util/WholeFile.h"
 
 #include <QCoreApplication>
@@ -36,7 +36,18 @@ void write_text(const QString& path, const QString& text)
         return file.write(bytes) == bytes.size();
     };
     if (!Util::write_whole_file(path, write)) {
-        throw ImageError(QStringLiteral("cannot write the summary %1").arg(path));
+        throw Error(QStringLiteral("cannot write the summary %1").arg(path));
+    }
+}
+
+/// What can't be done is complained about with the name of the option that asked for it.
+template <typename Action>
+void for_option(const char* option, const Action& action)
+{
+    try {
+        action();
+    } catch (const Error& error) {
+        throw Error(QString::fromLatin1(option) + QLatin1Char(' ') + error.text());
     }
 }
 
@@ -58,10 +69,10 @@ bool succeeds(const Write& write)
 Session::Session(const Arguments& arguments)
     : m_arguments(arguments),
       m_table(arguments.table),
-      m_profile(m_table.choose(arguments.version)),
-      m_rig(m_profile, arguments.rig)
+      m_profile(m_table.choose(arguments.version))
 {
     refuse_clashes();
+    set_up_rig();
     prepare_memory();
     // Loaded before serving, so that a mistyped name shows at once.
     if (!arguments.check_image.isEmpty()) {
@@ -69,7 +80,7 @@ Session::Session(const Arguments& arguments)
     }
     // From here on nothing waits for anybody, and what is made has to be removed in the end.
     m_signals.emplace();
-    const QString port_path = m_rig.device().port_path();
+    const QString port_path = m_rig->device().port_path();
     if (!arguments.link.isEmpty()) {
         m_link = std::make_unique<PortLink>(arguments.link, port_path);
     }
@@ -81,7 +92,15 @@ Session::Session(const Arguments& arguments)
     connect(&*m_signals, &StopSignals::stop_requested, this, &Session::stop);
     // Last, for it empties its file.
     if (!arguments.trace.isEmpty()) {
-        m_rig.start_trace(arguments.trace);
+        for_option("--trace", [&] { m_rig->start_trace(arguments.trace); });
+    }
+}
+
+void Session::set_up_rig()
+{
+    for_option("--fault", [this] { m_rig.emplace(m_profile, m_arguments.rig); });
+    if (!m_arguments.replay.isEmpty()) {
+        for_option("--replay", [this] { m_rig->start_replay(m_arguments.replay); });
     }
 }
 
@@ -91,7 +110,7 @@ void Session::refuse_clashes() const
     using Use = NamedFile::Use;
     const std::optional<FileClash> clash = find_clash({
         {QStringLiteral("--table"), m_arguments.table, Use::Read},
-        {QStringLiteral("--replay"), m_arguments.rig.replay, Use::Read},
+        {QStringLiteral("--replay"), m_arguments.replay, Use::Read},
         {QStringLiteral("--memory"), m_arguments.memory_image, Use::Read},
         {QStringLiteral("--check"), m_arguments.check_image, Use::Read},
         {QStringLiteral("--save"), m_arguments.save_image, Use::Written},
@@ -101,7 +120,7 @@ void Session::refuse_clashes() const
         {QStringLiteral("--link"), m_arguments.link, Use::Linked},
     });
     if (clash) {
-        throw UsageError(
+        throw Error(
             QStringLiteral("%1 and %2 name the same file").arg(clash->option, clash->other_option));
     }
 }
@@ -109,7 +128,7 @@ void Session::refuse_clashes() const
 /// The image goes over the state, as an uploader's work would.
 void Session::prepare_memory()
 {
-    DeviceMemory& memory = m_rig.device().memory();
+    DeviceMemory& memory = m_rig->device().memory();
     if (!m_arguments.state.isEmpty()) {
         m_state.emplace(m_arguments.state, m_profile.attributes[Profile::bootloader_version]);
         m_state->load(memory);
@@ -126,7 +145,7 @@ void Session::prepare_memory()
 
 int Session::run()
 {
-    print(m_rig.device().port_path());
+    print(m_rig->device().port_path());
     if (m_command) {
         start_command();
     }
@@ -186,8 +205,8 @@ void Session::end_command(const CommandEnd& end, const QString& complaint)
 /// The device gets the last word that a command sent, such as a reset that it did not wait for.
 void Session::leave_when_quiet()
 {
-    const qint64 heard = m_rig.device().bytes_from_host();
-    if (heard == m_heard_before && !m_rig.device().line().device_has_unread()) {
+    const qint64 heard = m_rig->device().bytes_from_host();
+    if (heard == m_heard_before && !m_rig->device().line().device_has_unread()) {
         QCoreApplication::quit();
         return;
     }
@@ -198,10 +217,10 @@ void Session::leave_when_quiet()
 /// True when the memory holds what it should and the summary has got out.
 bool Session::sum_up()
 {
-    Summary summary = m_rig.summary();
+    Summary summary = m_rig->summary();
     summary.command = m_command_end;
     if (m_expected) {
-        summary.check = m_expected->compare(m_rig.device().memory());
+        summary.check = m_expected->compare(m_rig->device().memory());
     }
     const bool is_out = give_out(summary_text(summary, m_arguments.json));
     return is_out && holds_what_it_should(summary);
@@ -229,21 +248,21 @@ bool Session::save()
     // An image may go to a pipe, which waits for its reader and for ever if there is none.
     m_signals.reset();
     const bool image = save_image();
-    if (!m_rig.is_trace_whole()) {
+    if (!m_rig->is_trace_whole()) {
         complain(QStringLiteral("cannot write the trace %1").arg(m_arguments.trace));
     }
-    return image && state && m_rig.is_trace_whole();
+    return image && state && m_rig->is_trace_whole();
 }
 
 bool Session::save_state()
 {
-    return !m_state || succeeds([this] { m_state->save(m_rig.device().memory()); });
+    return !m_state || succeeds([this] { m_state->save(m_rig->device().memory()); });
 }
 
 bool Session::save_image()
 {
     const QString path = m_arguments.save_image;
-    return path.isEmpty() || succeeds([&] { save_memory(m_rig.device().memory(), path); });
+    return path.isEmpty() || succeeds([&] { save_memory(m_rig->device().memory(), path); });
 }
 
 } // namespace sim

@@ -39,6 +39,7 @@ public:
     int run();
 
 private:
+    void set_up_rig();
     void refuse_clashes() const;
     void prepare_memory();
     void start_command();
@@ -57,7 +58,7 @@ private:
     Arguments m_arguments;
     DeviceTable m_table;
     const Profile& m_profile;
-    Rig m_rig;
+    std::optional<Rig> m_rig;
     std::optional<StateFile> m_state;
     std::optional<MemoryImage> m_expected;
     std::optional<StopSignals> m_signals;

@@ -1,7 +1,7 @@
 #include "sim/program/StateFile.h"
 
 #include "sim/device/DeviceMemory.h"
-#include "sim/rig/MemoryImage.h"
+#include "sim/device/Error.h"
 #include "util/Util.h"
 #include "util/WholeFile.h"
 
@@ -61,10 +61,10 @@ void StateFile::load(DeviceMemory& memory) const
         return;
     }
     if (!QFileInfo(m_path).isFile()) {
-        throw ImageError(QStringLiteral("the state %1 is no regular file").arg(m_path));
+        throw Error(QStringLiteral("the state %1 is no regular file").arg(m_path));
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        throw ImageError(QStringLiteral("cannot read the state %1").arg(m_path));
+        throw Error(QStringLiteral("cannot read the state %1").arg(m_path));
     }
     QList<QByteArray> lines = file.readAll().split('\n');
     const bool whole = lines.size() >= 3 && lines.takeLast().isEmpty() &&
@@ -74,8 +74,8 @@ void StateFile::load(DeviceMemory& memory) const
         good = good && read_line(line, memory);
     }
     if (!good) {
-        throw ImageError(QStringLiteral("%1 holds no whole state of device %2")
-                             .arg(m_path, Util::uint_to_hex(m_version, 4)));
+        throw Error(QStringLiteral("%1 holds no whole state of device %2")
+                        .arg(m_path, Util::uint_to_hex(m_version, 4)));
     }
 }
 
@@ -86,7 +86,7 @@ void StateFile::save(const DeviceMemory& memory) const
         return file.write(text) == text.size();
     };
     if (!Util::write_whole_file(m_path, write)) {
-        throw ImageError(QStringLiteral("cannot write the state %1").arg(m_path));
+        throw Error(QStringLiteral("cannot write the state %1").arg(m_path));
     }
 }
 

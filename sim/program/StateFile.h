@@ -16,10 +16,10 @@ public:
     /// `version` is the device's; the state of another one is refused.
     StateFile(const QString& path, unsigned int version) : m_path(path), m_version(version) {}
 
-    /// Presets the memory; a file that does not exist leaves it alone. Throws ImageError when the
+    /// Presets the memory; a file that does not exist leaves it alone. Throws Error when the
     /// file can't be read, is not whole, or belongs to another device.
     void load(DeviceMemory& memory) const;
-    /// Replaces the file, or leaves it as it was and throws ImageError.
+    /// Replaces the file, or leaves it as it was and throws Error.
     void save(const DeviceMemory& memory) const;
 
 private:

@@ -1,6 +1,6 @@
 #include "sim/rig/FrameLog.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 
 #include <QFile>
 
@@ -58,8 +58,8 @@ FrameLog parse_frame_log(const QByteArray& content, const QString& path)
         const QByteArray line = lines.at(number - 1).trimmed();
         const bool is_cut = number == lines.size() && may_be_cut(line);
         if (!line.isEmpty() && !add_line(log, line) && !is_cut) {
-            throw UsageError(QStringLiteral("--replay %1: line %2 is no frame of a log")
-                                 .arg(path, QString::number(number)));
+            throw Error(QStringLiteral("%1: line %2 is no frame of a log")
+                            .arg(path, QString::number(number)));
         }
     }
     return log;
@@ -69,11 +69,11 @@ FrameLog read_frame_log(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("--replay %1: cannot read the log").arg(path));
+        throw Error(QStringLiteral("%1: cannot read the log").arg(path));
     }
     FrameLog log = parse_frame_log(file.readAll(), path);
     if (log.entries.empty()) {
-        throw UsageError(QStringLiteral("--replay %1: nothing was sent in this log").arg(path));
+        throw Error(QStringLiteral("%1: nothing was sent in this log").arg(path));
     }
     return log;
 }

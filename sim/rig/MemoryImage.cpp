@@ -1,6 +1,7 @@
 #include "sim/rig/MemoryImage.h"
 
 #include "memory/AddressedBLOB.h"
+#include "sim/device/Error.h"
 #include "sim/device/DeviceMemory.h"
 #include "util/Util.h"
 #include "util/WholeFile.h"
@@ -77,7 +78,7 @@ bool write_image(QFileDevice& file, const DeviceMemory& memory)
 MemoryImage::MemoryImage(const QString& path) : m_path(path), m_map(chunk_size)
 {
     if (!m_map.load_from_hex_file(path, {})) {
-        throw ImageError(QStringLiteral("cannot load the image %1").arg(path));
+        throw Error(QStringLiteral("cannot load the image %1").arg(path));
     }
 }
 
@@ -123,7 +124,7 @@ void save_memory(const DeviceMemory& memory, const QString& path)
         return write_image(file, memory);
     };
     if (!Util::write_whole_file(path, write)) {
-        throw ImageError(QStringLiteral("cannot write the image %1").arg(path));
+        throw Error(QStringLiteral("cannot write the image %1").arg(path));
     }
 }
 

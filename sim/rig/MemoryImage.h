@@ -4,25 +4,16 @@
 
 #include <QString>
 
-#include <stdexcept>
-
 namespace sim
 {
 
 class DeviceMemory;
 
-/// An image file can't be read or written; what() says which.
-class ImageError : public std::runtime_error
-{
-public:
-    explicit ImageError(const QString& text) : std::runtime_error(text.toStdString()) {}
-};
-
 /// An Intel HEX file beside a device's memory.
 class MemoryImage
 {
 public:
-    /// Loads the file. Throws ImageError when that fails.
+    /// Loads the file. Throws Error when that fails.
     explicit MemoryImage(const QString& path);
 
     /// Fills the memory; returns how many bytes of the image the device has no place for.
@@ -45,7 +36,7 @@ private:
     MemoryMap m_map;
 };
 
-/// Writes what is not erased as an Intel HEX file, or leaves what is there and throws ImageError.
+/// Writes what is not erased as an Intel HEX file, or leaves what is there and throws Error.
 void save_memory(const DeviceMemory& memory, const QString& path);
 
 } // namespace sim

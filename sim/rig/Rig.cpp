@@ -1,6 +1,6 @@
 #include "sim/rig/Rig.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 #include "util/Util.h"
 
 namespace sim
@@ -13,8 +13,8 @@ void stick_bits(DeviceMemory& memory, const std::vector<StuckBits>& stuck_bits)
 {
     for (const StuckBits& bits : stuck_bits) {
         if (!memory.stick_bits(bits.address, bits.mask, bits.level)) {
-            throw UsageError(QStringLiteral("--fault stuck-bits: the device has no memory at 0x%1")
-                                 .arg(Util::uint_to_hex(bits.address, -1)));
+            throw Error(QStringLiteral("stuck-bits: the device has no memory at 0x%1")
+                            .arg(Util::uint_to_hex(bits.address, -1)));
         }
     }
 }
@@ -37,9 +37,6 @@ Rig::Rig(const Profile& profile, const RigOptions& options)
       m_faults(options.faults)
 {
     stick_bits(m_device.memory(), options.faults.stuck_bits);
-    if (!options.replay.isEmpty()) {
-        m_replay.emplace(read_frame_log(options.replay));
-    }
     m_device.set_request_filter(
         [this](const QByteArray& bytes) { return m_faults.damage_request(bytes); });
     m_device.set_gate([this](const Command& command) { return m_faults.let_through(command); });
@@ -48,6 +45,11 @@ Rig::Rig(const Profile& profile, const RigOptions& options)
     m_device.set_reply_filter([this](const Command& command, const QByteArray& answer) {
         return reply_to(command, answer);
     });
+}
+
+void Rig::start_replay(const QString& path)
+{
+    m_replay.emplace(read_frame_log(path));
 }
 
 void Rig::start_trace(const QString& path)

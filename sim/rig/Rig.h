@@ -11,11 +11,9 @@
 namespace sim
 {
 
-/// What a device is surrounded with. An empty name: not asked for.
 struct RigOptions {
     Options device;
     FaultSettings faults;
-    QString replay;
 };
 
 /// A simulated device with everything around it that a user may ask for: faults that happen to it,
@@ -23,12 +21,14 @@ struct RigOptions {
 class Rig
 {
 public:
-    /// The profile must outlive the rig. Throws UsageError for files that can't be used and stuck
-    /// bits where there is no memory, std::system_error when the system gives no line.
+    /// The profile must outlive the rig. Throws Error for stuck bits where there is no memory,
+    /// std::system_error when the system gives no line.
     Rig(const Profile& profile, const RigOptions& options);
 
     SimulatedDevice& device() { return m_device; }
 
+    /// From now on a log answers, see Replay; throws what read_frame_log() throws.
+    void start_replay(const QString& path);
     /// Begins a trace, see Trace; throws what that throws.
     void start_trace(const QString& path);
 

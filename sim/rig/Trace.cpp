@@ -1,8 +1,8 @@
 #include "sim/rig/Trace.h"
 
+#include "sim/device/Error.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/device/MemoryGeometry.h"
-#include "sim/program/UsageError.h"
 
 #include <QStringList>
 
@@ -102,7 +102,7 @@ QString trace_line(const Profile& profile, const Command& command, const Outcome
 Trace::Trace(const QString& path, const Profile& profile) : m_profile(profile), m_file(path)
 {
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        throw UsageError(QStringLiteral("--trace %1: cannot write there").arg(path));
+        throw Error(QStringLiteral("%1: cannot write there").arg(path));
     }
     m_clock.start();
 }

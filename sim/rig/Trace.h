@@ -29,7 +29,7 @@ QString trace_line(const Profile& profile, const Command& command, const Outcome
 class Trace
 {
 public:
-    /// Begins the file anew and the time at 0. Throws UsageError when the file can't be written.
+    /// Begins the file anew and the time at 0. Throws Error when the file can't be written.
     /// The profile must outlive the trace.
     Trace(const QString& path, const Profile& profile);
 

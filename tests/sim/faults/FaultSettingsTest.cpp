@@ -1,16 +1,16 @@
 #include "sim/faults/FaultSettings.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 
 #include <gmock/gmock.h>
 
 using sim::add_fault;
 using sim::Chance;
+using sim::Error;
 using sim::fault_kind_named;
 using sim::FaultKind;
 using sim::FaultRule;
 using sim::FaultSettings;
-using sim::UsageError;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -43,7 +43,7 @@ std::string complaint_about(const char* text)
 {
     try {
         settings_of(text);
-    } catch (const UsageError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "nothing thrown";
@@ -123,32 +123,27 @@ TEST(SimFaultSettings, AddUp)
 TEST(SimFaultSettings, AreRefusedWithTheReason)
 {
     const std::vector<std::pair<const char*, std::string>> refusals = {
-        {"lose=1",
-         "--fault lose=1: there is no fault 'lose', only " + sim::fault_kind_list().toStdString()},
-        {"", "--fault : there is no fault '', only " + sim::fault_kind_list().toStdString()},
-        {"noise",
-         "--fault noise: it does not say when: KIND=P with a probability, or KIND@N[,N...] "
-         "with numbers of commands"},
-        {"noise=1.5", "--fault noise=1.5: '1.5' is no probability from 0 to 1"},
-        {"noise=-0.1", "--fault noise=-0.1: '-0.1' is no probability from 0 to 1"},
-        {"noise=nan", "--fault noise=nan: 'nan' is no probability from 0 to 1"},
-        {"noise=", "--fault noise=: '' is no probability from 0 to 1"},
-        {"noise@0", "--fault noise@0: '0' is no number from 1 to 4294967295"},
-        {"noise@1,,2", "--fault noise@1,,2: '' is no number from 1 to 4294967295"},
-        {"noise:5=1", "--fault noise:5=1: noise is written KIND=P or KIND@N[,N...]"},
-        {"delay-response=1", "--fault delay-response=1: delay-response is written "
+        {"lose=1", "there is no fault 'lose', only " + sim::fault_kind_list().toStdString()},
+        {"", "there is no fault '', only " + sim::fault_kind_list().toStdString()},
+        {"noise", "it does not say when: KIND=P with a probability, or KIND@N[,N...] "
+                  "with numbers of commands"},
+        {"noise=1.5", "'1.5' is no probability from 0 to 1"},
+        {"noise=-0.1", "'-0.1' is no probability from 0 to 1"},
+        {"noise=nan", "'nan' is no probability from 0 to 1"},
+        {"noise=", "'' is no probability from 0 to 1"},
+        {"noise@0", "'0' is no number from 1 to 4294967295"},
+        {"noise@1,,2", "'' is no number from 1 to 4294967295"},
+        {"noise:5=1", "noise is written KIND=P or KIND@N[,N...]"},
+        {"delay-response=1", "delay-response is written "
                              "delay-response:MS=P or delay-response:MS@N[,N...]"},
-        {"delay-response:600001=1",
-         "--fault delay-response:600001=1: '600001' is no number from 0 to 600000"},
-        {"request-bytes@3", "--fault request-bytes@3: request-bytes is written KIND=P"},
-        {"response-bytes", "--fault response-bytes: response-bytes is written KIND=P"},
-        {"stuck-bits:1:2",
-         "--fault stuck-bits:1:2: stuck-bits is written stuck-bits:ADDRESS:MASK:LEVEL"},
-        {"stuck-bits:1:2:1=1",
-         "--fault stuck-bits:1:2:1=1: stuck-bits is written stuck-bits:ADDRESS:MASK:LEVEL"},
-        {"stuck-bits:1:0:1", "--fault stuck-bits:1:0:1: '0' is no number from 1 to 255"},
-        {"stuck-bits:1:1:2", "--fault stuck-bits:1:1:2: '2' is no number from 0 to 1"},
-        {"stuck-bits:x:1:1", "--fault stuck-bits:x:1:1: 'x' is no number from 0 to 4294967295"},
+        {"delay-response:600001=1", "'600001' is no number from 0 to 600000"},
+        {"request-bytes@3", "request-bytes is written KIND=P"},
+        {"response-bytes", "response-bytes is written KIND=P"},
+        {"stuck-bits:1:2", "stuck-bits is written stuck-bits:ADDRESS:MASK:LEVEL"},
+        {"stuck-bits:1:2:1=1", "stuck-bits is written stuck-bits:ADDRESS:MASK:LEVEL"},
+        {"stuck-bits:1:0:1", "'0' is no number from 1 to 255"},
+        {"stuck-bits:1:1:2", "'2' is no number from 0 to 1"},
+        {"stuck-bits:x:1:1", "'x' is no number from 0 to 4294967295"},
     };
     for (const auto& [text, complaint] : refusals) {
         EXPECT_EQ(complaint_about(text), complaint);

@@ -1,14 +1,14 @@
 #include "sim/program/Arguments.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 
 #include <gtest/gtest.h>
 
 using sim::Arguments;
 using sim::Entry;
+using sim::Error;
 using sim::Options;
 using sim::parse_arguments;
-using sim::UsageError;
 
 namespace
 {
@@ -24,7 +24,7 @@ std::string complaint_about(const char* words)
 {
     try {
         parse(words);
-    } catch (const UsageError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "nothing thrown";
@@ -53,7 +53,7 @@ TEST(SimArguments, ServeAProbedDeviceOfTheTableInTheFolderWithoutMore)
     EXPECT_FALSE(arguments.rig.faults.are_any());
     EXPECT_EQ(arguments.rig.faults.seed, 1U);
     EXPECT_TRUE(arguments.trace.isEmpty());
-    EXPECT_TRUE(arguments.rig.replay.isEmpty());
+    EXPECT_TRUE(arguments.replay.isEmpty());
     EXPECT_TRUE(arguments.state.isEmpty());
     EXPECT_TRUE(arguments.link.isEmpty());
     EXPECT_TRUE(arguments.command.isEmpty());
@@ -90,7 +90,7 @@ TEST(SimArguments, CarryTimesFaultsAndFiles)
     EXPECT_EQ(arguments.trace, QStringLiteral("t"));
     EXPECT_EQ(arguments.summary, QStringLiteral("u"));
     EXPECT_TRUE(arguments.ignore_outside);
-    EXPECT_EQ(arguments.rig.replay, QStringLiteral("r"));
+    EXPECT_EQ(arguments.replay, QStringLiteral("r"));
     EXPECT_EQ(arguments.state, QStringLiteral("s"));
     EXPECT_EQ(arguments.link, QStringLiteral("l"));
     EXPECT_TRUE(arguments.json);
@@ -177,5 +177,5 @@ TEST(SimArguments, AreRefusedWithTheReason)
     }
     EXPECT_THROW(
         parse_arguments({QStringLiteral("zserial-sim"), QStringLiteral("--check"), QString()}),
-        UsageError);
+        Error);
 }

@@ -1,6 +1,6 @@
 #include "sim/program/DeviceTable.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 #include "tests/sim/SampleDevice.h"
 
 #include <QFile>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 using sim::DeviceTable;
-using sim::UsageError;
+using sim::Error;
 using sim_test::Changes;
 using sim_test::sample_fields;
 
@@ -42,7 +42,7 @@ protected:
     {
         try {
             action();
-        } catch (const UsageError& error) {
+        } catch (const Error& error) {
             return QString::fromUtf8(error.what()).replace(path, QStringLiteral("T")).toStdString();
         }
         return "nothing thrown";

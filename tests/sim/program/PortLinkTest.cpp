@@ -1,7 +1,7 @@
 #include "sim/program/PortLink.h"
 
+#include "sim/device/Error.h"
 #include "sim/line/PseudoTerminal.h"
-#include "sim/program/UsageError.h"
 #include "tests/sim/HostPort.h"
 
 #include <QFile>
@@ -10,9 +10,9 @@
 
 #include <memory>
 
+using sim::Error;
 using sim::PortLink;
 using sim::PseudoTerminal;
-using sim::UsageError;
 using sim_test::HostPort;
 using sim_test::wait_until;
 
@@ -81,7 +81,7 @@ TEST_F(SimPortLink, RefusesToReplaceAnythingElse)
         try {
             const PortLink link(there, terminal.path());
             ADD_FAILURE() << there.toStdString();
-        } catch (const UsageError& error) {
+        } catch (const Error& error) {
             EXPECT_EQ(error.what(), "--link " + there.toStdString() + ": something else is there");
         }
     }
@@ -91,8 +91,7 @@ TEST_F(SimPortLink, RefusesToReplaceAnythingElse)
 
 TEST_F(SimPortLink, RefusesToBeWhereThereIsNoFolder)
 {
-    EXPECT_THROW(PortLink(folder.filePath(QStringLiteral("nowhere/port")), terminal.path()),
-                 UsageError);
+    EXPECT_THROW(PortLink(folder.filePath(QStringLiteral("nowhere/port")), terminal.path()), Error);
 }
 
 TEST_F(SimPortLink, LeavesALinkAloneThatIsAnothersByNow)

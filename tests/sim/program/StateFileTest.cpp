@@ -1,7 +1,6 @@
-#include "sim/program/StateFile.h"
-
 #include "sim/device/DeviceMemory.h"
-#include "sim/rig/MemoryImage.h"
+#include "sim/device/Error.h"
+#include "sim/program/StateFile.h"
 #include "tests/sim/SampleDevice.h"
 #include "tests/support/SmallDisk.h"
 
@@ -10,7 +9,7 @@
 #include <gtest/gtest.h>
 
 using sim::DeviceMemory;
-using sim::ImageError;
+using sim::Error;
 using sim::StateFile;
 using sim_test::bytes;
 using sim_test::sample_profile;
@@ -41,7 +40,7 @@ protected:
         DeviceMemory memory(*profile);
         try {
             state.load(memory);
-        } catch (const ImageError& error) {
+        } catch (const Error& error) {
             return QString::fromUtf8(error.what()).remove(folder.path()).toStdString();
         }
         return "nothing thrown";
@@ -121,7 +120,7 @@ TEST_F(SimStateFile, IsNotWrittenWhereThereIsNoFolder)
 {
     const StateFile nowhere(folder.filePath(QStringLiteral("nowhere/state")), 0x0123);
     const DeviceMemory memory(*profile);
-    EXPECT_THROW(nowhere.save(memory), ImageError);
+    EXPECT_THROW(nowhere.save(memory), Error);
 }
 
 TEST_F(SimStateFile, StaysAsItWasWhenTheDiskIsFull)
@@ -130,7 +129,7 @@ TEST_F(SimStateFile, StaysAsItWasWhenTheDiskIsFull)
     DeviceMemory memory(*profile);
     memory.preset(0, QByteArray(0x1000, 'a'));
     const SmallDisk disk(1000);
-    EXPECT_THROW(state.save(memory), ImageError);
+    EXPECT_THROW(state.save(memory), Error);
     EXPECT_EQ(content(), whole);
 }
 
@@ -138,5 +137,5 @@ TEST_F(SimStateFile, IsRefusedWhenItCannotBeRead)
 {
     const StateFile is_folder(folder.path(), 0x0123);
     DeviceMemory memory(*profile);
-    EXPECT_THROW(is_folder.load(memory), ImageError);
+    EXPECT_THROW(is_folder.load(memory), Error);
 }

@@ -1,16 +1,16 @@
 #include "sim/rig/FrameLog.h"
 
-#include "sim/program/UsageError.h"
+#include "sim/device/Error.h"
 #include "tests/sim/SampleDevice.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
+using sim::Error;
 using sim::FrameLog;
 using sim::parse_frame_log;
 using sim::read_frame_log;
-using sim::UsageError;
 using sim_test::bytes;
 
 namespace
@@ -31,7 +31,7 @@ std::string complaint_about(const QByteArray& content)
 {
     try {
         entries_of(content);
-    } catch (const UsageError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "nothing thrown";
@@ -63,7 +63,7 @@ TEST(SimFrameLog, IsRefusedWithTheLineThatIsNone)
 {
     for (const char* line : {"hello", "TX:5", "TX:5g", "tx:55", "RX 55", "TX: 55"}) {
         EXPECT_EQ(complaint_about(QByteArray("\nTX:55\n") + line + '\n'),
-                  "--replay log: line 3 is no frame of a log")
+                  "log: line 3 is no frame of a log")
             << line;
     }
 }
@@ -75,20 +75,20 @@ TEST(SimFrameLog, MayEndInTheMiddleOfALine)
                   (Entries::value_type{bytes("55"), bytes("66")}))
             << cut;
     }
-    EXPECT_EQ(complaint_about("\nTX:55\nhello"), "--replay log: line 3 is no frame of a log");
-    EXPECT_EQ(complaint_about("\nTX:55\nTX:5g"), "--replay log: line 3 is no frame of a log");
+    EXPECT_EQ(complaint_about("\nTX:55\nhello"), "log: line 3 is no frame of a log");
+    EXPECT_EQ(complaint_about("\nTX:55\nTX:5g"), "log: line 3 is no frame of a log");
 }
 
 TEST(SimFrameLog, IsReadFromAFileInWhichSomethingWasSent)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("log"));
-    EXPECT_THROW(read_frame_log(path), UsageError);
+    EXPECT_THROW(read_frame_log(path), Error);
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("\nRX:55");
     file.flush();
-    EXPECT_THROW(read_frame_log(path), UsageError);
+    EXPECT_THROW(read_frame_log(path), Error);
     file.write("\nTX:55");
     file.flush();
     EXPECT_EQ(read_frame_log(path).entries.size(), 1U);

@@ -1,7 +1,7 @@
-#include "sim/rig/MemoryImage.h"
-
 #include "sim/device/DeviceMemory.h"
+#include "sim/device/Error.h"
 #include "sim/line/Descriptor.h"
+#include "sim/rig/MemoryImage.h"
 #include "tests/sim/SampleDevice.h"
 #include "tests/support/SmallDisk.h"
 
@@ -17,7 +17,7 @@
 #include <unistd.h>
 
 using sim::DeviceMemory;
-using sim::ImageError;
+using sim::Error;
 using sim::MemoryImage;
 using sim::save_memory;
 using sim_test::bytes;
@@ -62,7 +62,7 @@ std::string what_of(const std::function<void()>& action)
 {
     try {
         action();
-    } catch (const ImageError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "nothing thrown";

@@ -1,8 +1,8 @@
 #include "sim/rig/Rig.h"
 
+#include "sim/device/Error.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/line/Alarm.h"
-#include "sim/program/UsageError.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
 
@@ -12,12 +12,12 @@
 
 using sim::add_fault;
 using sim::Entry;
+using sim::Error;
 using sim::FaultKind;
 using sim::make_frame;
 using sim::Rig;
 using sim::RigOptions;
 using sim::Summary;
-using sim::UsageError;
 using sim_test::bytes;
 using sim_test::HostPort;
 using sim_test::sample_profile;
@@ -378,10 +378,10 @@ TEST_F(SimRig, TracesEachCommandAtOnce)
 
 TEST_F(SimRig, AnswersAsTheLogDoes)
 {
-    options.replay =
-        write_file("log", "\nTX:" + version_request.toHex() + "\nTX:" + version_request.toHex() +
-                              "\nRX:010203\nTX:" + reset_request.toHex());
     start();
+    rig->start_replay(write_file("log", "\nTX:" + version_request.toHex() +
+                                            "\nTX:" + version_request.toHex() +
+                                            "\nRX:010203\nTX:" + reset_request.toHex()));
     host->send(version_request); // recorded without an answer
     EXPECT_EQ(host->ask(version_request, "\x01\x02\x03"), "\x01\x02\x03");
     host->send(erase_request);
@@ -398,9 +398,9 @@ TEST_F(SimRig, AnswersAsTheLogDoes)
 
 TEST_F(SimRig, AnswersAProbeByItselfWhenItReplays)
 {
-    options.replay = write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203");
     options.device.entry = Entry::Probe;
     rig = std::make_unique<Rig>(*profile, options);
+    rig->start_replay(write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203"));
     host = std::make_unique<HostPort>(rig->device().port_path(), 9600);
     EXPECT_EQ(host->ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
     host->set_baud(57600);
@@ -409,9 +409,9 @@ TEST_F(SimRig, AnswersAProbeByItselfWhenItReplays)
 
 TEST_F(SimRig, StaysSilentBesideALogToo)
 {
-    options.replay = write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203");
     options.device.entry = Entry::Silent;
     rig = std::make_unique<Rig>(*profile, options);
+    rig->start_replay(write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203"));
     host = std::make_unique<HostPort>(rig->device().port_path(), 57600);
     host->send(version_request);
     ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 1; }));
@@ -420,9 +420,9 @@ TEST_F(SimRig, StaysSilentBesideALogToo)
 
 TEST_F(SimRig, LetsFaultsHappenToRecordedAnswersToo)
 {
-    options.replay = write_file("log", "\nTX:" + erase_request.toHex() + "\nRX:010203\nTX:" +
-                                           erase_request.toHex() + "\nRX:040506");
     start({"lose-request@1", "duplicate-response@2"});
+    rig->start_replay(write_file("log", "\nTX:" + erase_request.toHex() + "\nRX:010203\nTX:" +
+                                            erase_request.toHex() + "\nRX:040506"));
     host->send(erase_request); // does not get to the recorded device
     EXPECT_EQ(host->ask(erase_request, "\x01\x02\x03\x01\x02\x03"), "\x01\x02\x03\x01\x02\x03");
 }
@@ -430,9 +430,7 @@ TEST_F(SimRig, LetsFaultsHappenToRecordedAnswersToo)
 TEST_F(SimRig, RefusesWhatItCannotUse)
 {
     start();
-    EXPECT_THROW(rig->start_trace(folder.filePath(QStringLiteral("nowhere/trace"))), UsageError);
-    options.replay = folder.filePath(QStringLiteral("missing"));
-    EXPECT_THROW(start(), UsageError);
-    options.replay.clear();
-    EXPECT_THROW(start({"stuck-bits:0x10000:1:1"}), UsageError);
+    EXPECT_THROW(rig->start_trace(folder.filePath(QStringLiteral("nowhere/trace"))), Error);
+    EXPECT_THROW(rig->start_replay(folder.filePath(QStringLiteral("missing"))), Error);
+    EXPECT_THROW(start({"stuck-bits:0x10000:1:1"}), Error);
 }
