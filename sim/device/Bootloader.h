@@ -4,9 +4,11 @@
 #include "sim/device/DeviceMemory.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/device/MemoryGeometry.h"
+#include "sim/device/Named.h"
 
 #include <QByteArray>
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -17,11 +19,13 @@ namespace sim
 {
 
 /// How the device comes up when it is powered on, and again after a reset.
-enum class Entry {
-    Probe,   ///< starting: waits for a probe before it runs
-    Version, ///< already running its bootloader; never answers a probe
-    Silent,  ///< hears everything, does nothing and never answers
-};
+enum class Entry { Probe, Version, Silent };
+
+constexpr std::array<Named<Entry>, 3> entries = {{
+    {Entry::Probe, "probe", "starts and waits for a probe before it runs"},
+    {Entry::Version, "version", "runs already, answers the version command and never a probe"},
+    {Entry::Silent, "silent", "hears everything, does nothing and never answers"},
+}};
 
 /// What the device heard and the bytes it answers with, empty where it stays silent.
 struct Exchange {

@@ -5,23 +5,7 @@ namespace sim
 
 const char* name_of(Command::Kind kind)
 {
-    switch (kind) {
-    case Command::Kind::Probe:
-        return "probe";
-    case Command::Kind::Version:
-        return "version";
-    case Command::Kind::Reset:
-        return "reset";
-    case Command::Kind::Read:
-        return "read";
-    case Command::Kind::Write:
-        return "write";
-    case Command::Kind::Erase:
-        return "erase";
-    case Command::Kind::Unknown:
-        break;
-    }
-    return "unknown";
+    return name_in(command_kinds, kind);
 }
 
 } // namespace sim

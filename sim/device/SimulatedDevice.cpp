@@ -17,7 +17,7 @@ constexpr qint64 longest_work_ns = 24 * 3600 * 1000 * ns_per_ms;
 
 LineOptions line_options(const Options& options)
 {
-    return {options.paced, options.latency_ms, options.echo == Options::Echo::Together};
+    return {options.paced, options.latency_ms, options.echo == Echo::Together};
 }
 
 } // namespace
@@ -78,7 +78,7 @@ void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
     for (Exchange& exchange : m_bootloader.hear(got_through, baud)) {
         replies.push_back(reply_to(exchange, now_ns));
     }
-    if (m_options.echo != Options::Echo::None) {
+    if (m_options.echo != Echo::None) {
         echo({bytes, baud, bytes.size()}, now_ns, replies);
     }
     for (const Reply& reply : replies) {
@@ -128,7 +128,7 @@ void SimulatedDevice::echo(const Piece& heard, qint64 now_ns, const std::vector<
 {
     const bool answered_at_once = std::any_of(
         replies.begin(), replies.end(), [](const Reply& reply) { return reply.is_immediate(); });
-    if (m_options.echo == Options::Echo::Together && answered_at_once) {
+    if (m_options.echo == Echo::Together && answered_at_once) {
         m_held_echo = heard.bytes;
     } else {
         m_outbox.post(heard, now_ns, false);
@@ -143,7 +143,7 @@ bool SimulatedDevice::Reply::is_immediate() const
 /// Where the line takes its time, that alone decides what comes together.
 bool SimulatedDevice::holds_answers_back() const
 {
-    return m_options.echo == Options::Echo::Apart && !m_options.paced && m_options.latency_ms == 0;
+    return m_options.echo == Echo::Apart && !m_options.paced && m_options.latency_ms == 0;
 }
 
 void SimulatedDevice::post(const Reply& reply)

@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QString>
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -18,14 +19,17 @@ class Profile;
 namespace sim
 {
 
+/// A half-duplex line brings every byte that the host sends back to the host.
+enum class Echo { None, Apart, Together };
+
+/// How a line that has an echo brings it.
+constexpr std::array<Named<Echo>, 2> echoes = {{
+    {Echo::Apart, "apart", "can be read before the answer, unless times bring both together"},
+    {Echo::Together, "together", "comes in one piece with the answer"},
+}};
+
 struct Options {
-    /// A half-duplex line brings every byte that the host sends back to the host.
-    enum class Echo {
-        None,
-        Apart, ///< the echo can be read before the answer is there, unless the line's times bring
-               ///< both together
-        Together, ///< echo and answer come in a single piece
-    };
+    using Echo = sim::Echo;
 
     Entry entry = Entry::Probe;
     Echo echo = Echo::None;

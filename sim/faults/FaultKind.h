@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sim/device/Named.h"
+
 #include <QString>
 
 #include <array>
@@ -8,50 +10,62 @@
 namespace sim
 {
 
-/// In the order in which they take their effect.
+/// In the order in which they take their effect; fault_kinds says what each is.
 enum class FaultKind {
     // Whatever else is to happen, these do.
-    PowerLoss, ///< no sign of life from here on
-    Unplug,    ///< the line vanishes
+    PowerLoss,
+    Unplug,
     // On the way to the device.
     LoseRequest,
     CorruptRequest,
-    AlterRequest, ///< damaged in a way that the checksum does not show
+    AlterRequest,
     // In the device.
-    PhantomWrite, ///< acknowledged and not done
-    HalfWrite,    ///< acknowledged, and the first half done
-    WrongAck,     ///< a write or erase acknowledged by a wrong byte
+    PhantomWrite,
+    HalfWrite,
+    WrongAck,
     StuckBits,
     // On the way back.
     LoseResponse,
-    AlterResponse, ///< as AlterRequest
+    AlterResponse,
     CorruptResponse,
     TruncateResponse,
     DelayResponse,
     DuplicateResponse,
-    Noise, ///< between the request and the answer
+    Noise,
     // To any byte on the line.
     RequestBytes,
     ResponseBytes,
 };
 
-constexpr std::array<FaultKind, 18> fault_kinds = {
-    FaultKind::PowerLoss,         FaultKind::Unplug,
-    FaultKind::LoseRequest,       FaultKind::CorruptRequest,
-    FaultKind::AlterRequest,      FaultKind::PhantomWrite,
-    FaultKind::HalfWrite,         FaultKind::WrongAck,
-    FaultKind::StuckBits,         FaultKind::LoseResponse,
-    FaultKind::AlterResponse,     FaultKind::CorruptResponse,
-    FaultKind::TruncateResponse,  FaultKind::DelayResponse,
-    FaultKind::DuplicateResponse, FaultKind::Noise,
-    FaultKind::RequestBytes,      FaultKind::ResponseBytes,
-};
+constexpr std::array<Named<FaultKind>, 18> fault_kinds = {{
+    {FaultKind::PowerLoss, "power-loss", "no sign of life from this command on"},
+    {FaultKind::Unplug, "unplug", "the port vanishes"},
+    {FaultKind::LoseRequest, "lose-request", "the device never hears the command"},
+    {FaultKind::CorruptRequest, "corrupt-request", "the device drops the command for a bad frame"},
+    {FaultKind::AlterRequest, "alter-request", "the command is damaged, its checksum fits"},
+    {FaultKind::PhantomWrite, "phantom-write", "a write is acknowledged and not done"},
+    {FaultKind::HalfWrite, "half-write", "a write is acknowledged and half done"},
+    {FaultKind::WrongAck, "wrong-ack", "a write or erase gets a wrong acknowledgement"},
+    {FaultKind::StuckBits, "stuck-bits", "bits of a cell hold their level from the start"},
+    {FaultKind::LoseResponse, "lose-response", "the answer is lost"},
+    {FaultKind::AlterResponse, "alter-response", "the answer is damaged, its checksum fits"},
+    {FaultKind::CorruptResponse, "corrupt-response", "one bit of the answer is wrong"},
+    {FaultKind::TruncateResponse, "truncate-response", "the end of the answer is missing"},
+    {FaultKind::DelayResponse, "delay-response", "the answer comes late"},
+    {FaultKind::DuplicateResponse, "duplicate-response", "the answer comes twice"},
+    {FaultKind::Noise, "noise", "bytes of any value come before the answer"},
+    {FaultKind::RequestBytes, "request-bytes", "each byte of a command may have a wrong bit"},
+    {FaultKind::ResponseBytes, "response-bytes", "each byte of an answer may have a wrong bit"},
+}};
 
 /// The kind's name on the command line and in summaries, such as "lose-response".
 const char* name_of(FaultKind kind);
 std::optional<FaultKind> fault_kind_named(const QString& name);
 
-/// All names, parted by commas.
+/// How a user writes a fault of the kind, such as "delay-response:MS".
+QString form_of(FaultKind kind);
+
+/// All names, separated by commas.
 QString fault_kind_list();
 
 /// The fault hits single bytes rather than commands.

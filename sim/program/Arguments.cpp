@@ -3,8 +3,6 @@
 #include "sim/device/Error.h"
 #include "sim/program/OptionParser.h"
 
-#include <map>
-
 namespace sim
 {
 
@@ -26,28 +24,21 @@ unsigned short version_of(const QString& text)
 
 Entry entry_of(const QString& text)
 {
-    static const std::map<QString, Entry> entries = {
-        {QStringLiteral("probe"), Entry::Probe},
-        {QStringLiteral("version"), Entry::Version},
-        {QStringLiteral("silent"), Entry::Silent},
-    };
-    const auto found = entries.find(text);
-    if (found == entries.end()) {
+    const std::optional<Entry> entry = find_in(entries, text);
+    if (!entry) {
         throw Error(
-            QStringLiteral("'%1' is no --entry behaviour: probe, version or silent").arg(text));
+            QStringLiteral("'%1' is no --entry behaviour: %2").arg(text, choice_of(entries)));
     }
-    return found->second;
+    return *entry;
 }
 
-Options::Echo echo_of(const QString& text)
+Echo echo_of(const QString& text)
 {
-    if (text == QLatin1String("apart")) {
-        return Options::Echo::Apart;
+    const std::optional<Echo> echo = find_in(echoes, text);
+    if (!echo) {
+        throw Error(QStringLiteral("'%1' is no --echo: %2").arg(text, choice_of(echoes)));
     }
-    if (text == QLatin1String("together")) {
-        return Options::Echo::Together;
-    }
-    throw Error(QStringLiteral("'%1' is no --echo: apart or together").arg(text));
+    return *echo;
 }
 
 int ms_of(const OptionParser& parser, const char* name)

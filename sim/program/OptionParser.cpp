@@ -1,6 +1,8 @@
 #include "sim/program/OptionParser.h"
 
 #include "sim/device/Error.h"
+#include "sim/device/SimulatedDevice.h"
+#include "sim/faults/FaultKind.h"
 
 #include <array>
 
@@ -10,21 +12,44 @@ namespace sim
 namespace
 {
 
-const char* const description =
+const char* const introduction =
     "Simulates a device with a serial bootloader on a pseudo-terminal.\n\n"
-    "The path of the port is the first line printed. The device serves until the command of "
-    "--exec\n"
-    "ends or, without one, until SIGINT, SIGTERM or SIGHUP; then a summary is printed.\n\n"
-    "A fault is written KIND=P, each time with the probability P, or KIND@N[,N...], at the Nth\n"
-    "command. Kinds: lose-request, corrupt-request, alter-request (damaged, the checksum fits),\n"
-    "phantom-write (acknowledged, not done), half-write (acknowledged, half done), wrong-ack,\n"
-    "power-loss, unplug, lose-response, alter-response (as alter-request), corrupt-response,\n"
-    "truncate-response, delay-response:MS, duplicate-response, noise. Written otherwise:\n"
-    "request-bytes=P and response-bytes=P (each byte by itself) and stuck-bits:ADDRESS:MASK:LEVEL\n"
-    "(from the start).\n\n"
-    "Exit status: 0 when all is well, 1 when the check fails or a file can't be written, 2 when "
-    "the\n"
-    "command line can't be carried out, 3 when the command of --exec fails or can't be started.";
+    "The path of the port is the first line printed. The device serves until the\n"
+    "command of --exec ends or, without one, until SIGINT, SIGTERM or SIGHUP; then a\n"
+    "summary is printed.\n\n"
+    "A fault is written KIND=P, each time with the probability P, or KIND@N[,N...],\n"
+    "at the Nth command; request-bytes and response-bytes only with =P, stuck-bits\n"
+    "with neither:\n";
+
+const char* const exit_status =
+    "\nExit status: 0 when all is well, 1 when the check fails or a file can't be\n"
+    "written, 2 when the command line can't be carried out, 3 when the command of\n"
+    "--exec fails or can't be started.";
+
+constexpr int kind_width = 32;
+
+QString description()
+{
+    QString text = QString::fromLatin1(introduction);
+    for (const auto& row : fault_kinds) {
+        text += QStringLiteral("  %1%2\n")
+                    .arg(form_of(row.kind), -kind_width)
+                    .arg(QString::fromLatin1(row.help));
+    }
+    return text + QString::fromLatin1(exit_status);
+}
+
+/// "name" (help), one after the other.
+template <typename Table>
+QString explained(const Table& table)
+{
+    QStringList parts;
+    for (const auto& row : table) {
+        parts.append(QStringLiteral("\"%1\": %2")
+                         .arg(QString::fromLatin1(row.name), QString::fromLatin1(row.help)));
+    }
+    return parts.join(QStringLiteral("; ")) + QLatin1Char('.');
+}
 
 struct OptionText {
     const char* name;
@@ -41,11 +66,9 @@ constexpr std::array<OptionText, 24> option_texts = {{
      "table has more than one."},
     {"list", "", "List the table's devices and exit."},
     {"entry", "behaviour",
-     "What the device does after power-on: it waits for a \"probe\" (the default), it runs already "
-     "and answers the \"version\" command, or it is \"silent\" for good."},
+     "What the device does after power-on and after a reset, \"probe\" without the option. "},
     {"echo", "how",
-     "The line is half-duplex, the host hears what it sends: \"apart\" from the answer (the "
-     "default) or \"together\" with it."},
+     "The line is half-duplex, the host hears what it sends, \"apart\" without <how>. "},
     {"pace", "", "Bytes take the time that they take at the rate in force."},
     {"latency-ms", "ms", "The host's adapter hands over short packets after <ms>."},
     {"erase-ms", "ms", "It takes <ms> to erase a page."},
@@ -67,6 +90,16 @@ constexpr std::array<OptionText, 24> option_texts = {{
     {"exec", "", "Run the command that follows --, with the port's path in place of each {}."},
 }};
 
+/// What the value of an option may be comes from where the values are defined.
+QString help_of(const OptionText& option)
+{
+    const QString text = QString::fromLatin1(option.text);
+    if (QLatin1String(option.name) == QLatin1String("entry")) {
+        return text + explained(entries);
+    }
+    return QLatin1String(option.name) == QLatin1String("echo") ? text + explained(echoes) : text;
+}
+
 /// The word --echo may stand without its value, which the parser knows no way to say.
 QStringList with_echo_value(QStringList command_line)
 {
@@ -84,10 +117,10 @@ QStringList with_echo_value(QStringList command_line)
 
 OptionParser::OptionParser(const QStringList& command_line)
 {
-    m_parser.setApplicationDescription(QString::fromLatin1(description));
+    m_parser.setApplicationDescription(description());
     for (const OptionText& text : option_texts) {
-        m_parser.addOption({QString::fromLatin1(text.name), QString::fromLatin1(text.text),
-                            QString::fromLatin1(text.value)});
+        m_parser.addOption(
+            {QString::fromLatin1(text.name), help_of(text), QString::fromLatin1(text.value)});
     }
     m_parser.addPositionalArgument(QStringLiteral("command"),
                                    QStringLiteral("What --exec runs, and its arguments."),

@@ -17,8 +17,8 @@ QJsonValue number(qint64 value)
 QJsonObject commands_of(const Tally& commands)
 {
     QJsonObject object;
-    for (const Command::Kind kind : command_kinds) {
-        object.insert(QLatin1String(name_of(kind)), number(commands.number_of(kind)));
+    for (const auto& row : command_kinds) {
+        object.insert(QLatin1String(row.name), number(commands.number_of(row.kind)));
     }
     return object;
 }

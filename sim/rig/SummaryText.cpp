@@ -12,9 +12,9 @@ constexpr std::size_t unmatched_shown = 10;
 QString command_line(const Tally& commands)
 {
     QStringList numbers;
-    for (const Command::Kind kind : command_kinds) {
-        numbers.append(QStringLiteral("%1 %2").arg(QString::number(commands.number_of(kind)),
-                                                   QString::fromLatin1(name_of(kind))));
+    for (const auto& row : command_kinds) {
+        numbers.append(QStringLiteral("%1 %2").arg(QString::number(commands.number_of(row.kind)),
+                                                   QString::fromLatin1(row.name)));
     }
     return QStringLiteral("commands: %1; %2 refused, %3 repeated")
         .arg(numbers.join(QStringLiteral(", ")))

@@ -38,7 +38,8 @@ TEST(SimMemoryGeometry, CountsNoRowsWhereTheTableGivesThemNoSize)
 TEST(SimCommandKinds, HaveTheNamesOfTheSummary)
 {
     std::vector<std::string> names;
-    for (const Command::Kind kind : sim::command_kinds) {
+    for (const auto& row : sim::command_kinds) {
+        const Command::Kind kind = row.kind;
         names.emplace_back(sim::name_of(kind));
     }
     EXPECT_EQ(names, (std::vector<std::string>{"probe", "version", "reset", "read", "write",

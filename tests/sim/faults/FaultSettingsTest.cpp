@@ -53,7 +53,8 @@ std::string complaint_about(const char* text)
 
 TEST(SimFaultKinds, AreFoundByTheirNames)
 {
-    for (const FaultKind kind : sim::fault_kinds) {
+    for (const auto& row : sim::fault_kinds) {
+        const FaultKind kind = row.kind;
         EXPECT_EQ(fault_kind_named(QString::fromLatin1(name_of(kind))), kind) << name_of(kind);
     }
     EXPECT_EQ(fault_kind_named(QStringLiteral("lose_response")), std::nullopt);

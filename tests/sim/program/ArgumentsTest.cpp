@@ -145,7 +145,8 @@ TEST(SimArguments, PutHelpAndVersionBeforeAnythingElse)
           "--check",    "--state",    "--link",  "--trace", "--json",   "--exec"}) {
         EXPECT_TRUE(help.help_text.contains(QLatin1String(option))) << option;
     }
-    for (const sim::FaultKind kind : sim::fault_kinds) {
+    for (const auto& row : sim::fault_kinds) {
+        const sim::FaultKind kind = row.kind;
         EXPECT_TRUE(help.help_text.contains(QLatin1String(name_of(kind)))) << name_of(kind);
     }
 }

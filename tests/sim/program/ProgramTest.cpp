@@ -1,4 +1,5 @@
 #include "sim/device/FrameCodec.h"
+#include "sim/faults/FaultKind.h"
 #include "sim/line/Descriptor.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
@@ -675,7 +676,17 @@ TEST_F(SimProgram, ExplainsItself)
 {
     start("--help");
     EXPECT_EQ(exit_status(), 0);
-    EXPECT_TRUE(output().startsWith("Usage: "));
+    const QByteArray help = output();
+    EXPECT_TRUE(help.startsWith("Usage: "));
+    for (const auto& kind : sim::fault_kinds) {
+        EXPECT_TRUE(help.contains(QByteArray("\n  ") + kind.name)) << kind.name;
+    }
+    for (const char* word : {"\"probe\"", "\"version\"", "\"silent\"", "\"together\""}) {
+        EXPECT_TRUE(help.contains(word)) << word;
+    }
+    for (const QByteArray& line : help.split('\n')) {
+        EXPECT_LE(line.size(), 80) << line.constData();
+    }
     EXPECT_EQ(errors(), "");
 }
 

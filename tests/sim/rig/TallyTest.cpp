@@ -12,7 +12,8 @@ TEST(SimTally, CountsCommandsByKind)
 {
     Tally tally;
     unsigned int times = 0;
-    for (const Command::Kind kind : sim::command_kinds) {
+    for (const auto& row : sim::command_kinds) {
+        const Command::Kind kind = row.kind;
         ++times;
         for (unsigned int i = 0; i < times; ++i) {
             Command command;
@@ -22,7 +23,8 @@ TEST(SimTally, CountsCommandsByKind)
         }
     }
     unsigned int expected = 0;
-    for (const Command::Kind kind : sim::command_kinds) {
+    for (const auto& row : sim::command_kinds) {
+        const Command::Kind kind = row.kind;
         EXPECT_EQ(tally.number_of(kind), ++expected) << name_of(kind);
     }
     EXPECT_EQ(tally.refused(), 3U);
