@@ -1,5 +1,4 @@
 #include "sim/device/Bootloader.h"
-
 #include "sim/faults/ByteDamage.h"
 #include "tests/sim/SampleDevice.h"
 
@@ -67,7 +66,7 @@ struct Hearing {
     bool runs_afterwards;
 };
 
-class Hearings : public testing::TestWithParam<Hearing>
+class SimBootloaderHearings : public testing::TestWithParam<Hearing>
 {
 };
 
@@ -78,7 +77,7 @@ std::string hearing_name(const testing::TestParamInfo<Hearing>& info)
 
 } // namespace
 
-TEST_P(Hearings, MakesOutAnswersAndGoesOnAsItsStateSays)
+TEST_P(SimBootloaderHearings, MakesOutAnswersAndGoesOnAsItsStateSays)
 {
     Device device(GetParam().entry);
     if (GetParam().probed_before) {
@@ -103,7 +102,7 @@ constexpr Entry silent = Entry::Silent;
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(
-    Starting, Hearings,
+    Starting, SimBootloaderHearings,
     testing::Values(
         Hearing{"Probe9600", starting, false, 9600, probe_byte, true, probe_answer, true},
         Hearing{"Probe19200", starting, false, 19200, probe_byte, false, silence, false},
@@ -120,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
     hearing_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Probed, Hearings,
+    Probed, SimBootloaderHearings,
     testing::Values(
         Hearing{"Probe9600", starting, true, 9600, probe_byte, false, silence, true},
         Hearing{"Version9600", starting, true, 9600, version_frame, false, silence, true},
@@ -134,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
     hearing_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Running, Hearings,
+    Running, SimBootloaderHearings,
     testing::Values(
         Hearing{"Probe9600", running, false, 9600, probe_byte, false, silence, true},
         Hearing{"Version19200", running, false, 19200, version_frame, false, silence, true},
@@ -146,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(
     hearing_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Silent, Hearings,
+    Silent, SimBootloaderHearings,
     testing::Values(
         Hearing{"Probe9600", silent, false, 9600, probe_byte, true, silence, false},
         Hearing{"Probe19200", silent, false, 19200, probe_byte, false, silence, false},
@@ -334,7 +333,7 @@ struct Refusal {
     Changes changes = {};
 };
 
-class Refusals : public testing::TestWithParam<Refusal>
+class SimBootloaderRefusals : public testing::TestWithParam<Refusal>
 {
 };
 
@@ -350,7 +349,7 @@ QByteArray with_data(const char* header, int count)
 
 } // namespace
 
-TEST_P(Refusals, LeadToSilenceAndLeaveTheMemoryAlone)
+TEST_P(SimBootloaderRefusals, LeadToSilenceAndLeaveTheMemoryAlone)
 {
     Device device(Entry::Version, GetParam().changes);
     device.memory.preset(0x1000, bytes("11"));
@@ -365,7 +364,7 @@ TEST_P(Refusals, LeadToSilenceAndLeaveTheMemoryAlone)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Unknown, Refusals,
+    Unknown, SimBootloaderRefusals,
     testing::Values(Refusal{"FirstByte", bytes("06 01 00 08 00"), Command::Kind::Unknown},
                     Refusal{"SecondByte", bytes("00 01"), Command::Kind::Unknown},
                     Refusal{"VersionWithMore", bytes("00 02 00"), Command::Kind::Unknown},
@@ -380,7 +379,7 @@ INSTANTIATE_TEST_SUITE_P(
     refusal_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Read, Refusals,
+    Read, SimBootloaderRefusals,
     testing::Values(Refusal{"NoWords", bytes("01 00 00 08 00"), Command::Kind::Read},
                     Refusal{"AcrossTheEndOfFlash", bytes("01 02 FF 7F 00"), Command::Kind::Read},
                     Refusal{"BeyondFlash", bytes("01 01 00 80 00"), Command::Kind::Read},
@@ -407,7 +406,7 @@ INSTANTIATE_TEST_SUITE_P(
     refusal_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Write, Refusals,
+    Write, SimBootloaderRefusals,
     testing::Values(
         Refusal{"CountOtherThanOne", with_data("02 20 20 08 00", 0x40), Command::Kind::Write},
         Refusal{"ShortRow", with_data("02 01 20 08 00", 0x3F), Command::Kind::Write},
@@ -437,7 +436,7 @@ INSTANTIATE_TEST_SUITE_P(
     refusal_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Erase, Refusals,
+    Erase, SimBootloaderRefusals,
     testing::Values(Refusal{"NoPages", bytes("03 00 00 08 00"), Command::Kind::Erase},
                     Refusal{"Bootloader", bytes("03 01 00 00 00"), Command::Kind::Erase},
                     Refusal{"FromTheBootloaderOn", bytes("03 FF FF 03 00"), Command::Kind::Erase},
@@ -514,7 +513,8 @@ TEST(SimBootloader, StoresWhatItIsLeftOfAWrite)
 TEST(SimBootloader, TakesACommandThatWasAlteredOnTheWayForWhatItSays)
 {
     Device device(Entry::Version);
-    device.bootloader.set_gate([](const Command& command) { return sim::with_same_sum(command.payload); });
+    device.bootloader.set_gate(
+        [](const Command& command) { return sim::with_same_sum(command.payload); });
     const Exchange written = device.ask(bytes("05 10 00 00 00") + QByteArray(0x10, '\x22'));
     EXPECT_EQ(written.answer, make_frame(bytes("05")));
     EXPECT_EQ(device.memory.read(0x400000, 0x10), QByteArray(0x0E, '\x22') + bytes("A2 A2"));

@@ -1,5 +1,4 @@
 #include "sim/device/FrameCodec.h"
-
 #include "tests/sim/SampleDevice.h"
 
 #include <gmock/gmock.h>
@@ -19,7 +18,7 @@ struct WorkedFrame {
     const char* frame;
 };
 
-class WorkedFrames : public testing::TestWithParam<WorkedFrame>
+class SimFrameCodecWorkedFrames : public testing::TestWithParam<WorkedFrame>
 {
 };
 
@@ -40,12 +39,12 @@ std::vector<QByteArray> receive_cut_at(const QByteArray& frame, int cut)
 
 } // namespace
 
-TEST_P(WorkedFrames, IsMadeFromItsPayload)
+TEST_P(SimFrameCodecWorkedFrames, IsMadeFromItsPayload)
 {
     EXPECT_EQ(make_frame(bytes(GetParam().payload)), bytes(GetParam().frame));
 }
 
-TEST_P(WorkedFrames, IsReceivedWhereverItIsCut)
+TEST_P(SimFrameCodecWorkedFrames, IsReceivedWhereverItIsCut)
 {
     const QByteArray frame = bytes(GetParam().frame);
     for (int cut = 0; cut <= frame.size(); ++cut) {
@@ -54,7 +53,7 @@ TEST_P(WorkedFrames, IsReceivedWhereverItIsCut)
     }
 }
 
-TEST_P(WorkedFrames, IsReceivedByteByByte)
+TEST_P(SimFrameCodecWorkedFrames, IsReceivedByteByByte)
 {
     FrameReceiver receiver;
     const QByteArray frame = bytes(GetParam().frame);
@@ -65,7 +64,7 @@ TEST_P(WorkedFrames, IsReceivedByteByByte)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Sim, WorkedFrames,
+    Sim, SimFrameCodecWorkedFrames,
     testing::Values(WorkedFrame{"VersionRequest", "00 02", "55 55 00 02 FE 04"},
                     WorkedFrame{"ResetWithChecksumZero", "00 00", "55 55 00 00 00 04"},
                     WorkedFrame{"Acknowledgement", "02", "55 55 02 FE 04"},
@@ -112,7 +111,7 @@ struct Disturbance {
     unsigned int dropped;
 };
 
-class Disturbances : public testing::TestWithParam<Disturbance>
+class SimFrameCodecDisturbances : public testing::TestWithParam<Disturbance>
 {
 };
 
@@ -123,7 +122,7 @@ std::string disturbance_name(const testing::TestParamInfo<Disturbance>& info)
 
 } // namespace
 
-TEST_P(Disturbances, GiveNothingAndSpoilNoFrameAfterwards)
+TEST_P(SimFrameCodecDisturbances, GiveNothingAndSpoilNoFrameAfterwards)
 {
     FrameReceiver receiver;
     EXPECT_THAT(receiver.receive(bytes(GetParam().received)), IsEmpty());
@@ -132,7 +131,7 @@ TEST_P(Disturbances, GiveNothingAndSpoilNoFrameAfterwards)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Sim, Disturbances,
+    Sim, SimFrameCodecDisturbances,
     testing::Values(Disturbance{"Nothing", "", 0}, Disturbance{"Junk", "00 02 FE 04 12 FF 05", 0},
                     Disturbance{"SingleSync", "55", 0},
                     Disturbance{"SingleSyncAndJunk", "55 12 04", 0},

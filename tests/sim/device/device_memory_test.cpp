@@ -1,5 +1,4 @@
 #include "sim/device/DeviceMemory.h"
-
 #include "tests/sim/SampleDevice.h"
 
 #include <gmock/gmock.h>

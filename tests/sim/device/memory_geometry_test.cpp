@@ -1,6 +1,5 @@
-#include "sim/device/MemoryGeometry.h"
-
 #include "sim/device/Command.h"
+#include "sim/device/MemoryGeometry.h"
 #include "tests/sim/SampleDevice.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
-#include "sim/device/SimulatedDevice.h"
-
 #include "sim/device/FrameCodec.h"
+#include "sim/device/SimulatedDevice.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
 
@@ -326,8 +325,7 @@ TEST_F(SimSimulatedDevice, TakesCommandsAsTheyGetThroughItsGate)
 {
     start({Entry::Version});
     device->set_gate([](const Command& command) {
-        return command.kind == Command::Kind::Erase ? std::nullopt
-                                                    : std::optional(command.payload);
+        return command.kind == Command::Kind::Erase ? std::nullopt : std::optional(command.payload);
     });
     host->send(make_frame(bytes("03 01 00 08 00")));
     EXPECT_EQ(host->ask(version_frame, version_answer), version_answer);
