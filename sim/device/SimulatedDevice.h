@@ -1,5 +1,10 @@
 #pragma once
 
+// This folder is a healthy device: frames, commands, flash and EEPROM with their rules, and the state
+// that decides what is heard. It was written from the device's side and shares nothing with the tool's
+// own codec, or both could make the same mistake. Faults have no place in it: they come in through its
+// filters, gate and store. docs/protocol.md has the format of frames and commands.
+
 #include "sim/device/Bootloader.h"
 #include "sim/device/Command.h"
 #include "sim/device/DeviceMemory.h"

@@ -1,5 +1,10 @@
 #pragma once
 
+// This folder is what goes wrong. Every kind of fault draws its random numbers from a stream of its
+// own, which depends on seed, kind and the number of the command alone: a fault more or less does not
+// change when the others happen. FaultKind.h has the list of kinds; docs/simulator.md describes how
+// faults are written, under "Faults".
+
 #include "sim/device/Bootloader.h"
 #include "sim/faults/ByteDamage.h"
 #include "sim/faults/FaultSettings.h"

@@ -1,5 +1,10 @@
 #pragma once
 
+// This folder is the program zserial-sim. Here alone options have names, things are printed, and
+// signals and exit statuses mean something. Nothing that a user could lose is touched before all that
+// was asked for has turned out to be possible, and the state is saved however a run ends.
+// docs/simulator.md describes the options and the exit status; StateFile.h the format of a state.
+
 #include "sim/program/Arguments.h"
 #include "sim/program/CommandRunner.h"
 #include "sim/program/DeviceTable.h"
