@@ -1,14 +1,15 @@
 #include "sim/rig/MemoryImage.h"
 
 #include "memory/AddressedBLOB.h"
-#include "sim/device/Error.h"
 #include "sim/device/DeviceMemory.h"
+#include "sim/device/Error.h"
 #include "util/Util.h"
 #include "util/WholeFile.h"
 
 #include <QFileDevice>
 
 #include <algorithm>
+#include <optional>
 
 namespace sim
 {
@@ -31,10 +32,38 @@ QString byte_text(char byte)
     return QStringLiteral("0x") + Util::uint_to_hex(value, 2);
 }
 
-QString difference_text(const QString& path, unsigned int address, char in_memory, char in_image)
+struct Difference {
+    unsigned int address;
+    char in_memory;
+    char in_image;
+};
+
+/// Of a comparison, byte by byte.
+struct Findings {
+    unsigned int matching = 0;
+    unsigned int outside = 0;
+    std::optional<Difference> difference; ///< the first
+};
+
+void look_at(Findings& findings, const DeviceMemory& memory, unsigned int address, char in_image)
+{
+    if (!memory.is_user_memory(address)) {
+        findings.outside += memory.is_in_flash(address, 1) ? 0U : 1U;
+        return;
+    }
+    const char in_memory = memory.read(address, 1).at(0);
+    if (in_memory == in_image) {
+        ++findings.matching;
+    } else if (!findings.difference) {
+        findings.difference = Difference{address, in_memory, in_image};
+    }
+}
+
+QString difference_text(const QString& path, const Difference& difference)
 {
     return QStringLiteral("device memory differs from %1 at address 0x%2: memory %3, image %4")
-        .arg(path, Util::uint_to_hex(address, -1), byte_text(in_memory), byte_text(in_image));
+        .arg(path, Util::uint_to_hex(difference.address, -1), byte_text(difference.in_memory),
+             byte_text(difference.in_image));
 }
 
 QString agreement_text(const QString& path, unsigned int matching)
@@ -93,29 +122,18 @@ unsigned int MemoryImage::fill(DeviceMemory& memory) const
 
 MemoryImage::Comparison MemoryImage::compare(const DeviceMemory& memory) const
 {
-    unsigned int matching = 0;
-    unsigned int outside = 0;
-    QString difference;
+    Findings findings;
     for (const auto& blob : m_map.blobs()) {
         unsigned int address = blob->address;
         for (const char in_image : content_of(*blob)) {
-            if (!memory.is_in_flash(address, 1) && !memory.is_in_eeprom(address, 1)) {
-                ++outside;
-            } else if (memory.is_user_memory(address)) {
-                const char in_memory = memory.read(address, 1).at(0);
-                if (in_memory == in_image) {
-                    ++matching;
-                } else if (difference.isEmpty()) {
-                    difference = difference_text(m_path, address, in_memory, in_image);
-                }
-            }
+            look_at(findings, memory, address, in_image);
             ++address;
         }
     }
-    if (!difference.isEmpty()) {
-        return {false, difference, outside};
+    if (findings.difference) {
+        return {false, difference_text(m_path, *findings.difference), findings.outside};
     }
-    return {matching != 0, agreement_text(m_path, matching), outside};
+    return {findings.matching != 0, agreement_text(m_path, findings.matching), findings.outside};
 }
 
 void save_memory(const DeviceMemory& memory, const QString& path)
