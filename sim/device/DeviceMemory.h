@@ -38,7 +38,7 @@ public:
     /// All `count` bytes from `address` on lie in flash, the bootloader's part included.
     bool is_in_flash(std::uint64_t address, std::uint64_t count) const;
     bool is_in_eeprom(std::uint64_t address, std::uint64_t count) const;
-    /// The same for the part of flash that a host can write, which begins behind the bootloader.
+    /// The same for the part of flash that a host can write, which begins after the bootloader.
     bool is_in_user_flash(std::uint64_t address, std::uint64_t count) const;
     /// The byte lies where a host can write: in EEPROM or in flash beyond the bootloader.
     bool is_user_memory(unsigned int address) const;

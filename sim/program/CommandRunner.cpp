@@ -19,8 +19,8 @@ CommandRunner::CommandRunner(const QStringList& command, const QString& port_pat
     m_process.setProcessChannelMode(QProcess::ForwardedChannels);
     m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-            &CommandRunner::tell_end);
-    connect(&m_process, &QProcess::errorOccurred, this, &CommandRunner::tell_error);
+            &CommandRunner::report_end);
+    connect(&m_process, &QProcess::errorOccurred, this, &CommandRunner::report_error);
 }
 
 void CommandRunner::start()
@@ -39,13 +39,13 @@ void CommandRunner::stop()
 }
 
 /// The code of a process that was killed is the number of the signal.
-void CommandRunner::tell_end(int code, QProcess::ExitStatus status)
+void CommandRunner::report_end(int code, QProcess::ExitStatus status)
 {
     const bool exited = status == QProcess::NormalExit;
     Q_EMIT ended({exited ? CommandEnd::Kind::Exited : CommandEnd::Kind::Killed, code}, {});
 }
 
-void CommandRunner::tell_error(QProcess::ProcessError error)
+void CommandRunner::report_error(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart) {
         Q_EMIT ended({}, QStringLiteral("cannot start %1: %2")

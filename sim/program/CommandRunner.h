@@ -35,8 +35,8 @@ private:
         void setupChildProcess() override;
     };
 
-    void tell_end(int code, QProcess::ExitStatus status);
-    void tell_error(QProcess::ProcessError error);
+    void report_end(int code, QProcess::ExitStatus status);
+    void report_error(QProcess::ProcessError error);
 
     Process m_process;
     bool m_asked = false;

@@ -1,8 +1,8 @@
 #pragma once
 
 // This folder is the program zserial-sim. Here alone options have names, things are printed, and
-// signals and exit statuses mean something. Nothing that a user could lose is touched before all that
-// was asked for has turned out to be possible, and the state is saved however a run ends.
+// signals and exit statuses mean something. Nothing that a user could lose is touched before all
+// that was asked for has turned out to be possible, and the state is saved however a run ends.
 // docs/simulator.md describes the options and the exit status; StateFile.h the format of a state.
 
 #include "sim/program/Arguments.h"
@@ -37,7 +37,7 @@ class Session : public QObject
     Q_OBJECT
 
 public:
-    /// Makes everything ready. Throws an exception that tells the user what can't be done.
+    /// Makes everything ready. Throws an exception that says what can't be done.
     explicit Session(const Arguments& arguments);
 
     /// Serves until the command ends or somebody stops the program; returns the exit status.

@@ -31,7 +31,7 @@ bool may_be_cut(const QByteArray& line)
     return has_prefix && is_hexadecimal(line.mid(prefix_length));
 }
 
-/// False when the line is none of a log.
+/// False when the line is not one of a log.
 bool add_line(FrameLog& log, const QByteArray& line)
 {
     const QByteArray digits = line.mid(prefix_length);

@@ -21,7 +21,7 @@ struct FrameLog {
 
 /// Takes the content of a log apart. What was received before anything was sent is left out.
 /// So is a last line that is cut, as a tool that was killed leaves it. Throws Error, which
-/// names `path` and the line, when the content is none of a log.
+/// names `path` and the line, when the content is not that of a log.
 FrameLog parse_frame_log(const QByteArray& content, const QString& path);
 /// Reads a log. Throws Error when that fails or nothing was sent in it.
 FrameLog read_frame_log(const QString& path);

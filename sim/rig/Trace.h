@@ -22,7 +22,7 @@ struct Outcome {
     std::vector<FaultKind> faults;
 };
 
-/// The line of a trace that tells of one command, without its time.
+/// The line of a trace for one command, without its time.
 QString trace_line(const Profile& profile, const Command& command, const Outcome& outcome);
 
 /// A file with a line for every command that the device made out.

@@ -85,7 +85,7 @@ TEST(SimPacedQueue, BringsAWholePieceWhenItsLastByteHasPassed)
     EXPECT_THAT(take_all(queue), ElementsAre(Taken("echo+ab", 2, true), Taken("c", 3, true)));
 }
 
-TEST(SimPacedQueue, TellsTheEndOfAPieceBeforeItsLastBytes)
+TEST(SimPacedQueue, AnnouncesTheEndOfAPieceBeforeItsLastBytes)
 {
     PacedQueue queue;
     queue.add({"abcde", 115200}, 0);

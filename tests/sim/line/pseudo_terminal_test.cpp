@@ -1,6 +1,5 @@
-#include "sim/line/PseudoTerminal.h"
-
 #include "sim/line/PortLock.h"
+#include "sim/line/PseudoTerminal.h"
 #include "tests/sim/HostPort.h"
 
 #include <QFile>
@@ -76,7 +75,7 @@ TEST_F(SimPseudoTerminal, SeesTheRateThatTheHostSets)
     }
 }
 
-TEST_F(SimPseudoTerminal, TellsTheRateWithTheBytes)
+TEST_F(SimPseudoTerminal, ReportsTheRateWithTheBytes)
 {
     HostPort host(terminal.path(), 115200);
     host.send("x");

@@ -215,7 +215,7 @@ TEST_F(SimProgram, StopsWhenItsTerminalIsClosed)
     EXPECT_FALSE(QFileInfo(folder.filePath(QStringLiteral("port"))).isSymLink());
 }
 
-TEST_F(SimProgram, LivesOnWhenItIsToldNotToMindItsTerminal)
+TEST_F(SimProgram, OutlivesItsTerminalUnderNohup)
 {
     process.start(QStringLiteral("nohup"), {QStringLiteral(ZSERIAL_SIM), QStringLiteral("--table"),
                                             QStringLiteral("one.txt")});
@@ -249,7 +249,7 @@ TEST_F(SimProgram, SavesWhatItsMemoryHolds)
     EXPECT_EQ(file_content("saved.hex"), image);
 }
 
-TEST_F(SimProgram, TellsWhenTheMemoryHoldsTheImage)
+TEST_F(SimProgram, ReportsWhenTheMemoryHoldsTheImage)
 {
     write_file("image.hex", image);
     serve("--table one.txt --memory image.hex --check image.hex");
@@ -258,7 +258,7 @@ TEST_F(SimProgram, TellsWhenTheMemoryHoldsTheImage)
               idle_summary + "device memory holds image.hex: 4 bytes in flash and EEPROM match\n");
 }
 
-TEST_F(SimProgram, TellsWhenTheMemoryDiffersFromTheImage)
+TEST_F(SimProgram, ReportsWhenTheMemoryDiffersFromTheImage)
 {
     write_file("image.hex", image);
     serve("--table one.txt --check image.hex");
@@ -306,7 +306,7 @@ TEST_F(SimProgram, FailsWhenItsSummaryCannotBeWritten)
     EXPECT_EQ(errors(), "zserial-sim: cannot write the summary nowhere/summary\n");
 }
 
-TEST_F(SimProgram, TellsWhatOfAnImageHasNoPlace)
+TEST_F(SimProgram, ReportsWhatOfAnImageHasNoPlace)
 {
     write_file("image.hex", ":020000040001F9\n:020000001122CB\n:00000001FF\n");
     serve("--table one.txt --memory image.hex");
@@ -665,7 +665,7 @@ TEST_F(SimProgram, ListsTheDevices)
     EXPECT_EQ(output(), "0123 SAMPLE\n0203 OTHER\n");
 }
 
-TEST_F(SimProgram, TellsItsVersion)
+TEST_F(SimProgram, PrintsItsVersion)
 {
     start("--version");
     EXPECT_EQ(exit_status(), 0);

@@ -97,7 +97,7 @@ TEST_F(SimMemoryImage, MatchesAMemoryThatHoldsIt)
         QStringLiteral("device memory holds %1: 5 bytes in flash and EEPROM match").arg(name));
 }
 
-TEST_F(SimMemoryImage, TellsTheFirstDifference)
+TEST_F(SimMemoryImage, ReportsTheFirstDifference)
 {
     const QString name = write_file("image.hex", flash_and_eeprom);
     memory.preset(0x1000, bytes("01 02 F3 F4"));
@@ -203,7 +203,7 @@ TEST_F(SimMemoryImage, LoadsWhatItSaved)
     EXPECT_EQ(other.read(0x400000, 0x100), memory.read(0x400000, 0x100));
 }
 
-TEST_F(SimMemoryImage, TellsWhenItCannotBeSaved)
+TEST_F(SimMemoryImage, ReportsWhenItCannotBeSaved)
 {
     const QString name = path("no_such_folder/saved.hex");
     EXPECT_EQ(what_of([this, &name] { save_memory(memory, name); }),

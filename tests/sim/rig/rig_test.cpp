@@ -1,8 +1,7 @@
-#include "sim/rig/Rig.h"
-
 #include "sim/device/Error.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/line/Alarm.h"
+#include "sim/rig/Rig.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
 
@@ -342,7 +341,7 @@ TEST_F(SimRig, SumsUpWhatWasHeardAndSaid)
     EXPECT_FALSE(summary.replayed.has_value());
 }
 
-TEST_F(SimRig, TellsItsLatenessWhenItPaces)
+TEST_F(SimRig, ReportsItsLatenessWhenItPaces)
 {
     options.device.paced = true;
     start();

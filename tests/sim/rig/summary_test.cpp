@@ -68,12 +68,12 @@ const std::string plain_text = line_text + memory_text;
 
 } // namespace
 
-TEST(SimSummary, TellsAReaderWhatEveryRunHas)
+TEST(SimSummary, ShowsAReaderWhatEveryRunHas)
 {
     EXPECT_EQ(text(plain()), plain_text);
 }
 
-TEST(SimSummary, TellsAReaderWhatOnlySomeRunsHave)
+TEST(SimSummary, ShowsAReaderWhatOnlySomeRunsHave)
 {
     EXPECT_EQ(text(full()), line_text +
                                 "line: 6 bytes lost because the host left too much unread\n" +
@@ -89,7 +89,7 @@ TEST(SimSummary, TellsAReaderWhatOnlySomeRunsHave)
                                 "command: ended with status 8");
 }
 
-TEST(SimSummary, TellsAReaderThatNoFaultHappened)
+TEST(SimSummary, ShowsAReaderThatNoFaultHappened)
 {
     Summary summary = plain();
     summary.seed = 1;
@@ -105,7 +105,7 @@ TEST(SimSummary, SparesAReaderAllButTheFirstOfManyUnknownFrames)
     EXPECT_EQ(lines.last(), QStringLiteral("replay: and 7 others"));
 }
 
-TEST(SimSummary, TellsAProgramWhatEveryRunHas)
+TEST(SimSummary, ShowsAProgramWhatEveryRunHas)
 {
     EXPECT_EQ(json(plain()),
               R"({"bytes_from_host":5000000000,"bytes_lost":0,"bytes_to_host":5,)"
@@ -115,7 +115,7 @@ TEST(SimSummary, TellsAProgramWhatEveryRunHas)
               R"("rows_programmed":9},"frames_dropped":3,"refused":0,"repeated":1})");
 }
 
-TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
+TEST(SimSummary, ShowsAProgramWhatOnlySomeRunsHave)
 {
     EXPECT_EQ(json(full()),
               R"({"bytes_from_host":5000000000,"bytes_lost":6,"bytes_to_host":5,)"
@@ -133,7 +133,7 @@ TEST(SimSummary, TellsAProgramWhatOnlySomeRunsHave)
               R"("seed":"18446744073709551615"})");
 }
 
-TEST(SimSummary, TellsHowACommandEnded)
+TEST(SimSummary, ReportsHowACommandEnded)
 {
     using Kind = sim::CommandEnd::Kind;
     Summary killed = plain();
