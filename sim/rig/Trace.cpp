@@ -6,6 +6,9 @@
 
 #include <QStringList>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace sim
 {
 
@@ -77,6 +80,15 @@ QString fault_names(const std::vector<FaultKind>& faults)
     return names.isEmpty() ? QStringLiteral("none") : names.join(QLatin1Char(','));
 }
 
+/// Never waits: neither for a reader of a pipe to come, nor later for it to read. A device that
+/// waited would miss its times.
+int open_trace(const QString& path)
+{
+    constexpr mode_t by_umask = 0666;
+    return ::open(QFile::encodeName(path).constData(),
+                  O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, by_umask);
+}
+
 } // namespace
 
 QString trace_line(const Profile& profile, const Command& command, const Outcome& outcome)
@@ -99,9 +111,11 @@ QString trace_line(const Profile& profile, const Command& command, const Outcome
     return fields.join(QLatin1Char(' '));
 }
 
-Trace::Trace(const QString& path, const Profile& profile) : m_profile(profile), m_file(path)
+Trace::Trace(const QString& path, const Profile& profile) : m_profile(profile)
 {
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    const int descriptor = open_trace(path);
+    if (descriptor < 0 || !m_file.open(descriptor, QIODevice::WriteOnly | QIODevice::Unbuffered,
+                                       QFileDevice::AutoCloseHandle)) {
         throw Error(QStringLiteral("%1: cannot write there").arg(path));
     }
     m_clock.start();
@@ -113,7 +127,7 @@ void Trace::add(const Command& command, const Outcome& outcome)
     const QString fields = trace_line(m_profile, command, outcome);
     const QByteArray line =
         QStringLiteral("%1 %2\n").arg(QString::number(ms, 'f', 3), fields).toUtf8();
-    m_is_whole = m_file.write(line) == line.size() && m_file.flush() && m_is_whole;
+    m_is_whole = m_file.write(line) == line.size() && m_is_whole;
 }
 
 } // namespace sim

@@ -29,14 +29,15 @@ QString trace_line(const Profile& profile, const Command& command, const Outcome
 class Trace
 {
 public:
-    /// Begins the file anew and the time at 0. Throws Error when the file can't be written.
+    /// Begins the file anew and the time at 0. Throws Error when the file can't be written, as is a
+    /// pipe without a reader.
     /// The profile must outlive the trace.
     Trace(const QString& path, const Profile& profile);
 
     /// A line is in the file at once, for those who follow it.
     void add(const Command& command, const Outcome& outcome);
 
-    /// Every line so far has got into the file.
+    /// Every line so far has got into the file, or into the pipe, whose reader may be too slow.
     bool is_whole() const { return m_is_whole; }
 
 private:

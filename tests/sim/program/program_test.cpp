@@ -604,6 +604,26 @@ TEST_F(SimProgram, CanBeStoppedWhileItWaitsToSaveIntoAPipe)
     EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
 }
 
+TEST_F(SimProgram, WaitsForNoReaderOfItsTrace)
+{
+    write_file("image.hex", image);
+    write_file("flood", make_frame(bytes("00 02")).repeated(2000));
+    const QByteArray pipe = QFile::encodeName(folder.filePath(QStringLiteral("pipe")));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    start("--table one.txt --trace pipe");
+    EXPECT_EQ(exit_status(), 2);
+    EXPECT_EQ(errors(), "zserial-sim: --trace pipe: cannot write there\n");
+    // A reader that never reads.
+    const Descriptor reader(::open(pipe.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(reader.is_open());
+    start_shell("--table one.txt --entry version --trace pipe --state state --memory image.hex "
+                "--exec",
+                "stty -F {} 57600 && cat flood > {}");
+    EXPECT_EQ(exit_status(), 1);
+    EXPECT_EQ(errors(), "zserial-sim: cannot write the trace pipe\n");
+    EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
+}
+
 TEST_F(SimProgram, PrintsNothingIntoItsPortWhenItsStandardStreamsAreClosed)
 {
     process.start(QStringLiteral("/bin/sh"),
