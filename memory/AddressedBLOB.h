@@ -5,7 +5,7 @@
 
 #include <QByteArray>
 
-class QFileDevice;
+class QFile;
 
 /// A blob placed in the device's address space: byte 0 lies at `address`.
 class AddressedBLOB : public zarnBLOB
@@ -22,16 +22,15 @@ public:
 
     // Intel HEX out. `file` must be open for writing; record addresses are the low 16 bits of
     // byte addresses. False when the file did not take all of it.
-    bool write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
+    bool write_record_to_file(QFile& file, IntelHexFileRecordType type,
                               unsigned short record_address, QByteArray data) const;
-    bool write_data_record_to_file(QFileDevice& file, unsigned short record_address,
+    bool write_data_record_to_file(QFile& file, unsigned short record_address,
                                    QByteArray data) const;
     /// The record that puts the upper half of `byte_address` in force.
-    bool write_extended_linear_address_record_to_file(QFileDevice& file,
-                                                      unsigned int byte_address) const;
-    bool write_eof_to_file(QFileDevice& file) const;
+    bool write_extended_linear_address_record_to_file(QFile& file, unsigned int byte_address) const;
+    bool write_eof_to_file(QFile& file) const;
     /// The whole blob in records of 16 bytes; `upper` is the upper address half in force before it.
-    bool write_content_to_file(QFileDevice& file, unsigned short upper) const;
+    bool write_content_to_file(QFile& file, unsigned short upper) const;
 
     /// Byte address of byte 0; whoever makes a blob sets it.
     unsigned int address = 0;

@@ -1,56 +1,22 @@
 #include "memory/AddressedBLOB.h"
+#include "memory/IntelHexText.h"
 #include "memory/MemoryMap.h"
-#include "util/WholeFile.h"
 
 #include <QDebug>
-#include <QFileDevice>
+#include <QFile>
 
 #include <algorithm>
-#include <array>
 
 namespace
 {
 
-constexpr unsigned int bytes_per_record = 16;
-/// Formatted text is handed to the file in blocks of about this many bytes.
+/// Text is handed to the file in blocks of about this many bytes.
 constexpr int block_size = 64 * 1024;
+/// Content is turned into text in pieces of this many bytes, a multiple of a record's: about a
+/// third of a block.
+constexpr unsigned int piece_size = 8 * 1024;
 
-char* put_byte(char* out, unsigned char value, unsigned char& sum)
-{
-    static constexpr char DIGITS[] = "0123456789ABCDEF";
-    sum = static_cast<unsigned char>(sum + value);
-    *out++ = DIGITS[value >> 4];
-    *out++ = DIGITS[value & 0xF];
-    return out;
-}
-
-void append_record(QByteArray& text, IntelHexFileRecordType type, unsigned short address,
-                   const char* data, int count)
-{
-    const int begin = text.size();
-    text.resize(begin + 2 * count + 12); // ":", 5 bytes beside the data, line end
-    char* out = text.data() + begin;
-    unsigned char sum = 0;
-    *out++ = ':';
-    out = put_byte(out, static_cast<unsigned char>(count), sum);
-    out = put_byte(out, static_cast<unsigned char>(address >> 8), sum);
-    out = put_byte(out, static_cast<unsigned char>(address & 0xFF), sum);
-    out = put_byte(out, static_cast<unsigned char>(type), sum);
-    for (int i = 0; i < count; ++i) {
-        out = put_byte(out, static_cast<unsigned char>(data[i]), sum);
-    }
-    out = put_byte(out, static_cast<unsigned char>(-sum), sum);
-    *out = '\n';
-}
-
-void append_extended_linear_address_record(QByteArray& text, unsigned int address)
-{
-    const std::array<char, 2> upper = {static_cast<char>(address >> 24),
-                                       static_cast<char>(address >> 16)};
-    append_record(text, IntelHexFileRecordType::ExtendedLinearAddress, 0, upper.data(), 2);
-}
-
-bool put(QFileDevice& file, const QByteArray& text)
+bool put(QFile& file, const QByteArray& text)
 {
     return file.write(text) == text.size();
 }
@@ -59,23 +25,28 @@ bool put(QFileDevice& file, const QByteArray& text)
 class RecordBlocks
 {
 public:
-    explicit RecordBlocks(QFileDevice& file) : m_file(file)
+    explicit RecordBlocks(QFile& file) : m_file(file) { m_text.reserve(2 * block_size); }
+
+    /// False, here and below, when the file has not taken everything.
+    bool add(const AddressedBLOB& blob, unsigned short upper)
     {
-        m_text.reserve(block_size + 128); // full at block_size; one step adds less than 128
+        unsigned int count = 0;
+        for (unsigned int offset = 0; offset < blob.size(); offset += count) {
+            count = std::min(piece_size, blob.size() - offset);
+            intel_hex::append_content(m_text, blob, offset, count, upper);
+            if (m_text.size() >= block_size && !hand_over()) {
+                return false;
+            }
+        }
+        return true;
     }
 
-    void add_address(unsigned int address)
+    bool finish()
     {
-        append_extended_linear_address_record(m_text, address);
+        intel_hex::append_end_record(m_text);
+        return hand_over();
     }
 
-    bool add_data(unsigned short address, const char* data, int count)
-    {
-        append_record(m_text, IntelHexFileRecordType::Data, address, data, count);
-        return m_text.size() < block_size || hand_over();
-    }
-
-    /// False when the file has not taken everything.
     bool hand_over()
     {
         const bool taken = put(m_file, m_text);
@@ -84,75 +55,67 @@ public:
     }
 
 private:
-    QFileDevice& m_file;
+    QFile& m_file;
     QByteArray m_text;
 };
 
-bool write_content(const AddressedBLOB& blob, unsigned short upper, RecordBlocks& records)
+bool write_image(QFile& file, const MemoryMap& map)
 {
-    std::array<char, bytes_per_record> data;
-    unsigned int count = 0;
-    for (unsigned int offset = 0; offset < blob.size(); offset += count) {
-        const unsigned int address = blob.address + offset;
-        if (address >> 16 != upper) {
-            records.add_address(address);
-            upper = static_cast<unsigned short>(address >> 16);
-        }
-        count = blob.read(offset, bytes_per_record, data.data());
-        if (!records.add_data(static_cast<unsigned short>(address & 0xFFFF), data.data(),
-                              static_cast<int>(count))) {
-            return false;
-        }
-    }
-    return true;
+    RecordBlocks records(file);
+    const auto& blobs = map.blobs();
+    return std::all_of(blobs.begin(), blobs.end(),
+                       [&](const auto& blob) { return records.add(*blob, 0xFFFF); }) &&
+           records.finish();
+}
+
+/// Whether the file has taken all that was written, what it still held included.
+bool close(QFile& file)
+{
+    file.close();
+    return file.error() == QFileDevice::NoError;
 }
 
 } // namespace
 
-bool AddressedBLOB::write_record_to_file(QFileDevice& file, IntelHexFileRecordType type,
+bool AddressedBLOB::write_record_to_file(QFile& file, IntelHexFileRecordType type,
                                          unsigned short record_address, QByteArray data) const
 {
     QByteArray text;
-    append_record(text, type, record_address, data.constData(), data.size());
+    intel_hex::append_record(text, type, record_address, data.constData(), data.size());
     return put(file, text);
 }
 
-bool AddressedBLOB::write_data_record_to_file(QFileDevice& file, unsigned short record_address,
+bool AddressedBLOB::write_data_record_to_file(QFile& file, unsigned short record_address,
                                               QByteArray data) const
 {
     return write_record_to_file(file, IntelHexFileRecordType::Data, record_address, data);
 }
 
-bool AddressedBLOB::write_extended_linear_address_record_to_file(QFileDevice& file,
+bool AddressedBLOB::write_extended_linear_address_record_to_file(QFile& file,
                                                                  unsigned int byte_address) const
 {
     QByteArray text;
-    append_extended_linear_address_record(text, byte_address);
+    intel_hex::append_extended_linear_address_record(text, byte_address);
     return put(file, text);
 }
 
-bool AddressedBLOB::write_eof_to_file(QFileDevice& file) const
+bool AddressedBLOB::write_eof_to_file(QFile& file) const
 {
-    return put(file, ":00000001FF\n");
+    QByteArray text;
+    intel_hex::append_end_record(text);
+    return put(file, text);
 }
 
-bool AddressedBLOB::write_content_to_file(QFileDevice& file, unsigned short upper) const
+bool AddressedBLOB::write_content_to_file(QFile& file, unsigned short upper) const
 {
     RecordBlocks records(file);
-    return write_content(*this, upper, records) && records.hand_over();
+    return records.add(*this, upper) && records.hand_over();
 }
 
 bool MemoryMap::save_to_hex_file(QString path) const
 {
-    const auto write = [this](QFileDevice& file) {
-        RecordBlocks records(file);
-        const auto write_blob = [&records](const auto& blob) {
-            return write_content(*blob, 0xFFFF, records);
-        };
-        return std::all_of(m_blobs.begin(), m_blobs.end(), write_blob) && records.hand_over() &&
-               AddressedBLOB(m_chunk_size).write_eof_to_file(file);
-    };
-    if (Util::write_whole_file(path, write)) {
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly) && write_image(file, *this) && close(file)) {
         return true;
     }
     qDebug() << QStringLiteral("MemoryMap::save_to_hex_file(): could not open file '%1' for "

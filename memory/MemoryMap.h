@@ -61,8 +61,9 @@ public:
     /// `boundaries` (byte addresses) begins a new blob. Failures are told on the debug channel and
     /// may leave the blobs read so far in the map. The map is left sorted by address.
     bool load_from_hex_file(QString path, QSet<unsigned int> boundaries);
-    /// Writes all blobs in list order as an Intel HEX file. A file that cannot be written, or not
-    /// to its end, is told on the debug channel and stays as it was.
+    /// Writes all blobs in list order as an Intel HEX file. An existing file keeps its owner, mode
+    /// and links and loses its content as soon as it is open. One that cannot be opened, or that
+    /// does not take everything, is reported on the debug channel; false then.
     bool save_to_hex_file(QString path) const;
 
 private:

@@ -3,10 +3,9 @@
 #include "sim/device/Error.h"
 #include "sim/program/Console.h"
 #include "sim/program/FileClash.h"
-#include "util/WholeFile.h"
+#include "sim/rig/WholeFile.h"
 
 #include <QCoreApplication>
-#include <QFileDevice>
 #include <QJsonDocument>
 
 #include <exception>
@@ -31,11 +30,7 @@ QString summary_text(const Summary& summary, bool json)
 /// Throws when the file can't be written.
 void write_text(const QString& path, const QString& text)
 {
-    const QByteArray bytes = text.toUtf8();
-    const auto write = [&bytes](QFileDevice& file) {
-        return file.write(bytes) == bytes.size();
-    };
-    if (!Util::write_whole_file(path, write)) {
+    if (!write_whole_file(path, text.toUtf8())) {
         throw Error(QStringLiteral("cannot write the summary %1").arg(path));
     }
 }

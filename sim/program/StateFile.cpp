@@ -2,8 +2,8 @@
 
 #include "sim/device/DeviceMemory.h"
 #include "sim/device/Error.h"
+#include "sim/rig/WholeFile.h"
 #include "util/Util.h"
-#include "util/WholeFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -82,10 +82,7 @@ void StateFile::load(DeviceMemory& memory) const
 void StateFile::save(const DeviceMemory& memory) const
 {
     const QByteArray text = lines_of(memory, m_version).join('\n') + '\n';
-    const auto write = [&text](QFileDevice& file) {
-        return file.write(text) == text.size();
-    };
-    if (!Util::write_whole_file(m_path, write)) {
+    if (!write_whole_file(m_path, text)) {
         throw Error(QStringLiteral("cannot write the state %1").arg(m_path));
     }
 }

@@ -1,12 +1,11 @@
 #include "sim/rig/MemoryImage.h"
 
 #include "memory/AddressedBLOB.h"
+#include "memory/IntelHexText.h"
 #include "sim/device/DeviceMemory.h"
 #include "sim/device/Error.h"
+#include "sim/rig/WholeFile.h"
 #include "util/Util.h"
-#include "util/WholeFile.h"
-
-#include <QFileDevice>
 
 #include <algorithm>
 #include <optional>
@@ -76,30 +75,29 @@ QString agreement_text(const QString& path, unsigned int matching)
 }
 
 /// The records of one stretch, each within one 64 KiB segment as readers of such files expect.
-bool write_stretch(QFileDevice& file, const DeviceMemory::Stretch& stretch, unsigned short& upper)
+void append_stretch(QByteArray& text, const DeviceMemory::Stretch& stretch, unsigned short& upper)
 {
     const auto size = static_cast<unsigned int>(stretch.bytes.size());
+    AddressedBLOB blob(chunk_size);
+    blob.address = stretch.address;
+    blob.write(0, size, stretch.bytes.constData());
     for (unsigned int done = 0; done < size;) {
-        AddressedBLOB blob(chunk_size);
-        blob.address = stretch.address + done;
-        const unsigned int piece = std::min(size - done, 0x10000U - (blob.address & 0xFFFFU));
-        blob.write(0, piece, stretch.bytes.constData() + done);
-        if (!blob.write_content_to_file(file, upper)) {
-            return false;
-        }
-        upper = static_cast<unsigned short>(blob.address >> 16U);
+        const unsigned int address = stretch.address + done;
+        const unsigned int piece = std::min(size - done, 0x10000U - (address & 0xFFFFU));
+        intel_hex::append_content(text, blob, done, piece, upper);
         done += piece;
     }
-    return true;
 }
 
-bool write_image(QFileDevice& file, const DeviceMemory& memory)
+QByteArray image_text(const DeviceMemory& memory)
 {
+    QByteArray text;
     unsigned short upper = 0;
-    const std::vector<DeviceMemory::Stretch> stretches = memory.programmed_stretches();
-    return std::all_of(stretches.begin(), stretches.end(),
-                       [&](const auto& stretch) { return write_stretch(file, stretch, upper); }) &&
-           AddressedBLOB(chunk_size).write_eof_to_file(file);
+    for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
+        append_stretch(text, stretch, upper);
+    }
+    intel_hex::append_end_record(text);
+    return text;
 }
 
 } // namespace
@@ -138,10 +136,7 @@ MemoryImage::Comparison MemoryImage::compare(const DeviceMemory& memory) const
 
 void save_memory(const DeviceMemory& memory, const QString& path)
 {
-    const auto write = [&memory](QFileDevice& file) {
-        return write_image(file, memory);
-    };
-    if (!Util::write_whole_file(path, write)) {
+    if (!write_whole_file(path, image_text(memory))) {
         throw Error(QStringLiteral("cannot write the image %1").arg(path));
     }
 }

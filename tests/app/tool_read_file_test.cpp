@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <unistd.h>
+
 namespace
 {
 
@@ -60,6 +62,16 @@ TEST_F(ToolReadFile, IsReplacedAsAWhole)
     EXPECT_EQ(operate("-l 0x80 0xA0 out.hex"), succeeded("Memory range read!\n"));
     EXPECT_EQ(file("out.hex"), m_saved);
     EXPECT_EQ(m_tool.files(), words("device.txt out.hex"));
+}
+
+TEST_F(ToolReadFile, StaysTheSameFileWithAllItsNames)
+{
+    m_tool.put_file(QStringLiteral("out.hex"), "former");
+    const QByteArray name = QFile::encodeName(m_tool.path(QStringLiteral("out.hex")));
+    const QByteArray other = QFile::encodeName(m_tool.path(QStringLiteral("other.hex")));
+    ASSERT_EQ(::link(name.constData(), other.constData()), 0);
+    EXPECT_EQ(operate("-l 0x80 0xA0 out.hex"), succeeded("Memory range read!\n"));
+    EXPECT_EQ(file("other.hex"), m_saved);
 }
 
 TEST_F(ToolReadFile, StaysAsItWasUntilEverythingIsRead)

@@ -1,9 +1,9 @@
+#include "sim/rig/WholeFile.h"
+
 #include "tests/support/SmallDisk.h"
-#include "util/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
-#include <QFileDevice>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -40,19 +40,7 @@ protected:
         return file.readAll();
     }
 
-    bool write(const QByteArray& content) const
-    {
-        return Util::write_whole_file(
-            path, [&content](QFileDevice& file) { return file.write(content) == content.size(); });
-    }
-
-    bool write_and_give_up(const QByteArray& content) const
-    {
-        return Util::write_whole_file(path, [&content](QFileDevice& file) {
-            EXPECT_EQ(file.write(content), content.size());
-            return false;
-        });
-    }
+    bool write(const QByteArray& content) const { return sim::write_whole_file(path, content); }
 
     /// Everything in the folder, what is hidden included.
     QStringList files() const
@@ -118,29 +106,10 @@ TEST_F(WholeFile, ReplacesALongerOne)
     EXPECT_EQ(files(), the_file_alone);
 }
 
-TEST_F(WholeFile, KeepsTheFormerOneInPlaceUntilItIsComplete)
+TEST_F(WholeFile, IsNotMadeOnAFullDisk)
 {
-    put(former);
-    EXPECT_TRUE(Util::write_whole_file(path, [this](QFileDevice& file) {
-        EXPECT_EQ(file.write(large), large.size());
-        EXPECT_TRUE(file.flush());
-        EXPECT_EQ(content(), former);
-        return true;
-    }));
-    EXPECT_EQ(content(), large);
-}
-
-TEST_F(WholeFile, StaysAsItWasWhenItsWriterGivesUp)
-{
-    put(former);
-    EXPECT_FALSE(write_and_give_up(large));
-    EXPECT_EQ(content(), former);
-    EXPECT_EQ(files(), the_file_alone);
-}
-
-TEST_F(WholeFile, IsNotMadeWhenItsWriterGivesUp)
-{
-    EXPECT_FALSE(write_and_give_up(large));
+    const SmallDisk disk(static_cast<rlim_t>(large.size() - 1));
+    EXPECT_FALSE(write(large));
     EXPECT_EQ(files(), QStringList());
 }
 
@@ -158,8 +127,7 @@ TEST_F(WholeFile, StaysAsItWasOnAFullDisk)
 
 TEST_F(WholeFile, IsNotMadeInAMissingFolder)
 {
-    EXPECT_FALSE(Util::write_whole_file(folder.filePath(QStringLiteral("none/file")),
-                                        [](QFileDevice&) { return true; }));
+    EXPECT_FALSE(sim::write_whole_file(folder.filePath(QStringLiteral("none/file")), "content"));
     EXPECT_EQ(files(), QStringList());
 }
 
@@ -178,18 +146,11 @@ TEST_F(WholeFileIntoAPipe, GoesThrough)
     EXPECT_TRUE(is_still_there());
 }
 
-TEST_F(WholeFileIntoAPipe, FailsWithItsWriterAndLeavesThePipe)
-{
-    EXPECT_FALSE(write_and_give_up("content"));
-    EXPECT_TRUE(is_still_there());
-}
-
 TEST_F(WholeFileIntoAPipe, GoesThroughALink)
 {
     const QString link = folder.filePath(QStringLiteral("link"));
     ASSERT_TRUE(QFile::link(path, link));
-    EXPECT_TRUE(
-        Util::write_whole_file(link, [](QFileDevice& file) { return file.write("content") == 7; }));
+    EXPECT_TRUE(sim::write_whole_file(link, "content"));
     EXPECT_EQ(received(), "content");
     EXPECT_TRUE(is_still_there());
     EXPECT_EQ(QFile::symLinkTarget(link), path);

@@ -1,4 +1,4 @@
-#include "util/WholeFile.h"
+#include "sim/rig/WholeFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -6,7 +6,7 @@
 
 #include <memory>
 
-namespace Util
+namespace sim
 {
 
 namespace
@@ -39,10 +39,11 @@ bool finish(QFileDevice& file, bool complete)
 
 } // namespace
 
-bool write_whole_file(const QString& path, const std::function<bool(QFileDevice&)>& write)
+bool write_whole_file(const QString& path, const QByteArray& content)
 {
     const std::unique_ptr<QFileDevice> file = target_for(path);
-    return file->open(QIODevice::WriteOnly) && finish(*file, write(*file));
+    return file->open(QIODevice::WriteOnly) &&
+           finish(*file, file->write(content) == content.size());
 }
 
-} // namespace Util
+} // namespace sim
