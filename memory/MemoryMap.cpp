@@ -51,9 +51,10 @@ AddressedBLOB& MemoryMap::append_blob(unsigned int address)
     auto blob = std::make_unique<AddressedBLOB>(m_chunk_size);
     blob->address = address;
     m_in_order = m_in_order && (m_blobs.empty() || lies_before(*m_blobs.back(), *blob));
+    AddressedBLOB& appended = *blob;
     m_blobs.push_back(std::move(blob));
     m_addresses.push_back(address);
-    return *m_blobs.back();
+    return appended;
 }
 
 std::pair<MemoryMap::Blobs::const_iterator, MemoryMap::Blobs::const_iterator>

@@ -6,18 +6,26 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
 
 class QFile;
 
+namespace intel_hex
+{
+struct ParsedRecord;
+struct Record;
+class RecordReader;
+} // namespace intel_hex
+
 /// A sparse image of device memory: blobs in the order in which they came. Where blobs overlap,
 /// the later one wins. Addresses are 32-bit byte addresses and wrap.
 class MemoryMap
 {
 public:
-    using Blobs = std::vector<std::unique_ptr<AddressedBLOB>>;
+    using Blobs = std::vector<std::unique_ptr<const AddressedBLOB>>;
 
     /// The chunk size, in bytes, of the tool's images: what it loads and what it reads back.
     static constexpr unsigned int default_chunk_size = 16;
@@ -28,7 +36,7 @@ public:
 
     /// Index of the first blob that holds `address`, or -1.
     int get_blob_index(unsigned int address) const;
-    /// The blobs in list order, owned by the map and only to be looked at.
+    /// The blobs in list order, owned by the map and only to be looked at until it changes.
     const Blobs& blobs() const;
 
     /// Copies the image's bytes of [address, address + count) to `dst`, which must have room for
@@ -45,22 +53,30 @@ public:
     unsigned int size() const;
     /// Destroys every blob; the chunk size stays.
     void clear();
-    /// Sorts the blobs by address and tells the first overlap on the debug channel.
+    /// Sorts the blobs by address and reports the first overlap on the debug channel.
     bool has_overlaps();
 
     // Intel HEX in. Each reads from the file's current position and returns false at the end of
-    // the file or at a character that does not fit. Checksums are running sums modulo 256.
+    // the file or past a character that does not fit. Checksums are running sums modulo 256.
     bool read_hex_digit_from_file(QFile& file, unsigned char& value) const;
     bool read_hex_byte_from_file(QFile& file, unsigned char& value, unsigned char& checksum) const;
     bool read_hex_bytes_from_file(QFile& file, unsigned char count, QByteArray& data,
                                   unsigned char& checksum) const;
+    /// Type, address and data are those of the record even when its checksum is missing or wrong.
     bool read_record_from_file(QFile& file, IntelHexFileRecordType& type, unsigned short& address,
                                QByteArray& data) const;
 
     /// Adds the content of an Intel HEX file to the map; a data record that begins on one of the
-    /// `boundaries` (byte addresses) begins a new blob. Failures are told on the debug channel and
-    /// may leave the blobs read so far in the map. The map is left sorted by address.
+    /// `boundaries` (byte addresses) begins a new blob. Failures are reported on the debug channel
+    /// and may leave the blobs read so far in the map. The map is left sorted by address.
     bool load_from_hex_file(QString path, QSet<unsigned int> boundaries);
+    /// Looks at a record that has been read and what became of it, before it is stored or refused.
+    using RecordObserver = std::function<void(
+        const intel_hex::RecordReader&, const intel_hex::ParsedRecord&, const intel_hex::Record&)>;
+    /// The same with the records of a reader, from where it stands up to the end record.
+    bool load_from_hex_records(intel_hex::RecordReader& reader,
+                               const QSet<unsigned int>& boundaries,
+                               const RecordObserver& observer = {});
     /// Writes all blobs in list order as an Intel HEX file. An existing file keeps its owner, mode
     /// and links and loses its content as soon as it is open. One that cannot be opened, or that
     /// does not take everything, is reported on the debug channel; false then.
@@ -72,7 +88,8 @@ private:
     std::pair<Blobs::const_iterator, Blobs::const_iterator>
     candidates(unsigned int first_address, unsigned int last_address) const;
     void sort_blobs();
-    bool load_records(QFile& file, const QSet<unsigned int>& boundaries);
+    bool store_records(intel_hex::RecordReader& reader, const QSet<unsigned int>& boundaries,
+                       const RecordObserver& observer);
     /// Adds a data record to `current` (which may be null) or to a new blob; returns that blob.
     AddressedBLOB& store(AddressedBLOB* current, unsigned int address, const QByteArray& data,
                          const QSet<unsigned int>& boundaries);

@@ -164,6 +164,40 @@ TEST_F(HexRecordReader, every_checksum_but_the_right_one_is_a_mismatch)
     }
 }
 
+TEST_F(HexRecordReader, record_with_a_wrong_checksum_is_there_all_the_same)
+{
+    EXPECT_FALSE(read_record(file_with(":03AB4204010203"
+                                       "0A\n")));
+    EXPECT_EQ(m_type, IntelHexFileRecordType::ExtendedLinearAddress);
+    EXPECT_EQ(m_address, 0xAB42);
+    EXPECT_EQ(digits_of(m_data), "010203");
+}
+
+TEST_F(HexRecordReader, record_without_its_checksum_is_there_all_the_same)
+{
+    EXPECT_FALSE(read_record(file_with(":03AB42040102030")));
+    EXPECT_EQ(m_type, IntelHexFileRecordType::ExtendedLinearAddress);
+    EXPECT_EQ(m_address, 0xAB42);
+    EXPECT_EQ(digits_of(m_data), "010203");
+}
+
+TEST_F(HexRecordReader, record_without_all_its_data_leaves_type_and_address_alone)
+{
+    m_type = IntelHexFileRecordType::EndOfFile;
+    m_address = 0x1234;
+    EXPECT_FALSE(read_record(file_with(":03AB42040102")));
+    EXPECT_EQ(m_type, IntelHexFileRecordType::EndOfFile);
+    EXPECT_EQ(m_address, 0x1234);
+    EXPECT_EQ(digits_of(m_data), "0102");
+}
+
+TEST_F(HexRecordReader, character_that_does_not_fit_is_the_last_one_read)
+{
+    QFile& file = file_with(":03AB42x4010203");
+    EXPECT_FALSE(read_record(file));
+    EXPECT_EQ(file.pos(), 8);
+}
+
 TEST_F(HexRecordReader, all_up_to_the_colon_is_skipped)
 {
     QFile& file = file_with("; a comment, 0123\r\n\t \xFF:00000001FFxyz\n\n:0100000041BE");

@@ -7,6 +7,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace
@@ -34,6 +35,9 @@ std::string bytes_at(const MemoryMap& map, unsigned int address, unsigned int co
     }
     return any ? bytes.toStdString() : std::string();
 }
+
+// Whoever looks at a map's blobs cannot change them.
+static_assert(std::is_const_v<std::remove_reference_t<decltype(*MemoryMap(1).blobs()[0])>>);
 
 TEST(MemoryMap, begins_empty)
 {

@@ -1,27 +1,69 @@
 #include "memory/MemoryMap.h"
+#include "tests/memory/Images.h"
 
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
+#include <chrono>
 #include <fcntl.h>
+#include <future>
+#include <ostream>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
-// A pipe cannot be replaced by a file: what reads at its other end would never see the image.
-TEST(HexPipe, TakesTheTextInPlace)
+namespace
 {
+
+/// A named pipe.
+class HexPipe : public testing::Test
+{
+protected:
+    HexPipe() { EXPECT_EQ(::mkfifo(name.constData(), 0600), 0); }
+
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("pipe"));
-    ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    const QByteArray name = QFile::encodeName(path);
+    MemoryMap map{MemoryMap::default_chunk_size};
+};
+
+/// What is written into a pipe that its writer then keeps open.
+struct PipedText {
+    const char* name;
+    QByteArray text;
+    bool loads;
+};
+
+std::ostream& operator<<(std::ostream& stream, const PipedText& text)
+{
+    return stream << text.name;
+}
+
+const QByteArray byte_a = ":0100000041BE\n";
+
+const PipedText piped_texts[] = {
+    {"whole_lines", byte_a + ":00000001FF\n", true},
+    {"end_record_without_a_line_end", byte_a + ":00000001FF", true},
+    {"carriage_returns", ":0100000041BE\r\n:00000001FF\r\n", true},
+    {"text_after_the_end_record", byte_a + ":00000001FF\nmore", true},
+    {"more_than_is_read_at_a_time", QByteArray(100000, '\n') + byte_a + ":00000001FF\n", true},
+    {"as_much_as_is_read_at_a_time",
+     QByteArray(65536 - byte_a.size() - 11, '\n') + byte_a + ":00000001FF", true},
+    {"bad_digit", ":01000000g", false},
+    {"wrong_checksum", ":0100000041BF", false},
+    {"segment_record", ":020000020000FC", false},
+};
+
+class HexPipeKeptOpen : public HexPipe, public testing::WithParamInterface<PipedText>
+{
+};
+
+} // namespace
+
+// A pipe cannot be replaced by a file: what reads at its other end would never see the image.
+TEST_F(HexPipe, TakesTheTextInPlace)
+{
     QByteArray received;
-    std::thread reader([&] {
-        QFile pipe(path);
-        pipe.open(QIODevice::ReadOnly);
-        received = pipe.readAll();
-    });
-    MemoryMap map(MemoryMap::default_chunk_size);
+    std::thread reader([&] { received = file_content(path); });
     map.write(0, QByteArray("\x01\x02\x03\x04", 4));
     EXPECT_TRUE(map.save_to_hex_file(path));
     reader.join();
@@ -30,25 +72,43 @@ TEST(HexPipe, TakesTheTextInPlace)
     struct stat information {
     };
 
-    ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &information), 0);
+    ASSERT_EQ(::stat(name.constData(), &information), 0);
     EXPECT_TRUE(S_ISFIFO(information.st_mode));
 }
 
-// Whoever writes into it may keep it open: nothing more is to come, and nothing is waited for.
-TEST(HexPipe, IsNotAskedForMoreBehindTheEndRecord)
+TEST_F(HexPipe, MayBringARecordInPieces)
 {
-    const QTemporaryDir folder;
-    const QByteArray path = QFile::encodeName(folder.filePath(QStringLiteral("pipe")));
-    ASSERT_EQ(::mkfifo(path.constData(), 0600), 0);
-    const int both_ends = ::open(path.constData(), O_RDWR | O_CLOEXEC);
-    ASSERT_GE(both_ends, 0);
-    // As much as is read from a file at a time, which a pipe holds.
-    const QByteArray lines(":0100000001FE\n:00000001FF\n");
-    const QByteArray text = QByteArray(65536 - lines.size(), '\n') + lines;
-    ASSERT_EQ(::write(both_ends, text.constData(), static_cast<std::size_t>(text.size())),
-              text.size());
-    MemoryMap map(MemoryMap::default_chunk_size);
-    EXPECT_TRUE(map.load_from_hex_file(QFile::decodeName(path), {}));
-    EXPECT_EQ(map.size(), 1U);
-    ::close(both_ends);
+    std::thread writer([&] {
+        const int pipe = ::open(name.constData(), O_WRONLY | O_CLOEXEC);
+        for (const char character : QByteArray(":0400000001020304F2\n")) {
+            EXPECT_EQ(::write(pipe, &character, 1), 1);
+            std::this_thread::yield();
+        }
+        ::close(pipe);
+    });
+    EXPECT_TRUE(map.load_from_hex_file(path, {}));
+    writer.join();
+    EXPECT_EQ(image_of(map), (Image{{0, "01020304"}}));
 }
+
+// Whoever writes into it may keep it open: nothing more is to come, and nothing is waited for.
+TEST_P(HexPipeKeptOpen, IsNotAskedForMoreThanIsNeeded)
+{
+    const int both_ends = ::open(name.constData(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(both_ends, 0);
+    std::thread writer([&] {
+        const QByteArray& text = GetParam().text;
+        EXPECT_EQ(::write(both_ends, text.constData(), static_cast<std::size_t>(text.size())),
+                  text.size());
+    });
+    auto loaded = std::async(std::launch::async, [&] { return map.load_from_hex_file(path, {}); });
+    const bool ends = loaded.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+    EXPECT_TRUE(ends);
+    writer.join();
+    ::close(both_ends); // ends the waiting of a load that waits
+    EXPECT_EQ(loaded.get(), GetParam().loads);
+    EXPECT_EQ(map.size(), GetParam().loads ? 1U : 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, HexPipeKeptOpen, testing::ValuesIn(piped_texts),
+                         [](const auto& test) { return std::string(test.param.name); });

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "memory/IntelHexRecord.h"
+
+#include <QtGlobal>
+
+#include <array>
+#include <optional>
+
+class QFile;
+
+namespace intel_hex
+{
+
+/// A place in a text; both count from 1. Lines end at "\n"; a column is a character of one byte.
+struct TextPosition {
+    qint64 line = 1;
+    qint64 column = 1;
+};
+
+/// Goes through the records of a file from its current position on. The file is read in blocks,
+/// past QFile's own buffer and position, and never waited on for more than the record at hand
+/// needs: whoever types or pipes an image may stop after its end record.
+class RecordReader
+{
+public:
+    /// The file must be open for reading, unbuffered, and outlive the reader.
+    explicit RecordReader(QFile& file);
+
+    /// Passes line ends and blanks; true when that leads to the end of the file. A file that cannot
+    /// be read any further has not come to its end.
+    bool is_at_end();
+    /// Passes all text up to the next colon and reads the record that it begins. What does not fit
+    /// into a record is left to be read next.
+    ParsedRecord next(Record& record);
+
+    /// After a record that ended early: the character that did not fit, or none at the end of the
+    /// file.
+    std::optional<char> peek() const;
+
+    /// Of the character to be read next.
+    TextPosition position() const { return {m_line, offset() - m_line_offset + 1}; }
+
+    /// Of the first character, blanks and line ends aside, that the last record was looked for in;
+    /// that of its colon unless other text stands before it.
+    TextPosition text_position() const { return m_text_position; }
+
+    /// Of the colon of the record that was read last.
+    TextPosition record_position() const { return m_record_position; }
+
+private:
+    /// Whether anything else follows.
+    bool skip_blanks();
+    bool find_colon();
+    /// Moves on within the block and counts the lines.
+    void pass(const char* to);
+    void begin_line();
+    /// Fills the block up after what is left of it; whether anything came.
+    bool refill();
+
+    qint64 offset() const { return m_block_offset + (m_at - m_block.data()); }
+
+    QFile& m_file;
+    bool m_has_more = true;
+    bool m_has_failed = false;
+    std::array<char, 64 * 1024> m_block;
+    const char* m_at = m_block.data();
+    const char* m_end = m_block.data();
+    qint64 m_block_offset = 0; ///< of the block's first character, from where the reading began
+    qint64 m_line = 1;
+    qint64 m_line_offset = 0; ///< of the first character of the line
+    TextPosition m_text_position;
+    TextPosition m_record_position;
+};
+
+} // namespace intel_hex
