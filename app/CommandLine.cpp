@@ -1,7 +1,5 @@
 #include "app/CommandLine.h"
 
-#include "app/Options.h"
-
 #include <QFile>
 
 namespace command_line
@@ -18,11 +16,6 @@ bool anything_wanted(const Settings& settings)
            settings.entry_procedure_wanted;
 }
 
-Outcome refuse_with_usage(const QString& message)
-{
-    return Refusal{message, true};
-}
-
 } // namespace
 
 bool can_open_for_reading_and_writing(const QString& name)
@@ -31,7 +24,7 @@ bool can_open_for_reading_and_writing(const QString& name)
     return file.open(QIODevice::ReadWrite);
 }
 
-Outcome scan(const QStringList& arguments, FileCheck can_open, Settings& settings)
+std::optional<Failure> scan(const QStringList& arguments, FileCheck can_open, Settings& settings)
 {
     for (int i = 0; i < arguments.size(); ++i) {
         const Option* option = find_option(arguments.at(i));
@@ -39,48 +32,51 @@ Outcome scan(const QStringList& arguments, FileCheck can_open, Settings& setting
             continue;
         }
         Scan scan{arguments.mid(i + 1, option->arguments), can_open, settings};
-        if (auto refusal = option->handle(scan)) {
-            return refusal;
+        if (auto failure = option->handle(scan)) {
+            return failure;
         }
         i += option->arguments;
     }
     return std::nullopt;
 }
 
-Outcome check_conflicts(const Settings& settings)
+std::optional<Failure> check_conflicts(const Settings& settings)
 {
     if (settings.read_wanted && settings.limited_read_wanted) {
-        return refuse(QStringLiteral("Please specify only one of read (-r) or limited read (-l) "
-                                     "operations. Aborting...\n"));
+        return Failure{QStringLiteral("Please specify only one of read (-r) or limited read (-l) "
+                                      "operations. Aborting...\n")};
     }
     if (settings.limited_write_wanted && settings.write_wanted) {
-        return refuse(QStringLiteral("Please specify only one of write (-w) or limited write (-W) "
-                                     "or write-and-verify (-wv) operations. Aborting...\n"));
+        return Failure{QStringLiteral("Please specify only one of write (-w) or limited write (-W) "
+                                      "or write-and-verify (-wv) operations. Aborting...\n")};
     }
     if (settings.erase_all_wanted && settings.limited_erase_wanted) {
-        return refuse(QStringLiteral("Please specify only one of erase all (-e) or limited erase "
-                                     "(-E) operations. Aborting...\n"));
+        return Failure{QStringLiteral("Please specify only one of erase all (-e) or limited erase "
+                                      "(-E) operations. Aborting...\n")};
     }
     return std::nullopt;
 }
 
-Outcome check_request(const Settings& settings)
+std::optional<Failure> check_request(const Settings& settings)
 {
     if (!settings.entry_procedure_wanted && !settings.version_request_wanted &&
         settings.bootloader_version == 0) {
-        return refuse_with_usage(
+        return Failure{
             QStringLiteral("No version or version request method can be discerned, please specify "
-                           "-b or -V or -B options. Aborting..."));
+                           "-b or -V or -B options. Aborting..."),
+            true};
     }
     if (settings.version_request_wanted && settings.entry_procedure_wanted) {
-        return refuse_with_usage(
+        return Failure{
             QStringLiteral("Please use QV entry procedure (-b) OR version request (-V) but not "
-                           "both. Aborting..."));
+                           "both. Aborting..."),
+            true};
     }
     if (!anything_wanted(settings)) {
-        return refuse_with_usage(
+        return Failure{
             QStringLiteral("No actionable operation specified, please choose a "
-                           "read/write/verify/erase/version/reset command. Aborting...\n\n"));
+                           "read/write/verify/erase/version/reset command. Aborting...\n\n"),
+            true};
     }
     return std::nullopt;
 }

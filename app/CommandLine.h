@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/Refusal.h"
+#include "app/Failure.h"
+#include "app/Options.h"
 #include "app/Settings.h"
 
 #include <QStringList>
@@ -10,21 +11,18 @@
 namespace command_line
 {
 
-/// Tries whether a file can be opened for reading and writing, creating it when it is missing.
-using FileCheck = bool (*)(const QString& name);
-
-/// The check that the tool uses.
+/// The file check that the tool uses.
 bool can_open_for_reading_and_writing(const QString& name);
 
 /// Takes the arguments after the program's name from left to right. Arguments that are no option
 /// are passed over. Each file that an option names is checked when its option is met.
-Outcome scan(const QStringList& arguments, FileCheck can_open, Settings& settings);
+std::optional<Failure> scan(const QStringList& arguments, FileCheck can_open, Settings& settings);
 
 /// Operations that exclude each other; checked before the frame log is opened.
-Outcome check_conflicts(const Settings& settings);
+std::optional<Failure> check_conflicts(const Settings& settings);
 
 /// Whether there is a way to find the device's version and something to do; checked after the
 /// frame log is open.
-Outcome check_request(const Settings& settings);
+std::optional<Failure> check_request(const Settings& settings);
 
 } // namespace command_line

@@ -1,5 +1,8 @@
 #include "app/Console.h"
 
+#include <QEventLoop>
+#include <QTimer>
+
 #include <cstdio>
 
 QCoreApplication* a = nullptr;
@@ -8,6 +11,8 @@ QFile serial_record;
 
 namespace
 {
+
+constexpr int closing_ms = 1000;
 
 void record(const char* direction, const QByteArray& frame)
 {
@@ -20,7 +25,7 @@ void record(const char* direction, const QByteArray& frame)
 } // namespace
 
 /// The end of every wait for an answer wakes the dispatcher once more than needed, and GLib's also
-/// each time that the port is written to. The poll that this costs is dear on a terminal.
+/// each time that the port is written to. The poll that this costs is expensive on a terminal.
 void make_application(int& argc, char** argv)
 {
     qputenv("QT_NO_GLIB", "1");
@@ -31,6 +36,12 @@ void slot_error(QString error)
 {
     QTextStream stream(stdout);
     stream << error << "\n";
+}
+
+void end_application()
+{
+    delete a;
+    a = nullptr;
 }
 
 /// Without a text stream of its own: making one opens the standard output anew, and the device
@@ -55,4 +66,15 @@ void slot_command_transmitted(QByteArray frame)
 void process_events_handler()
 {
     QCoreApplication::processEvents();
+}
+
+void let_pending_events_pass()
+{
+    QEventLoop loop;
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.setTimerType(Qt::PreciseTimer); // a coarse one may be 5 % early
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(closing_ms);
+    loop.exec();
 }

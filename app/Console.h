@@ -20,6 +20,8 @@ extern QFile serial_record;
 
 /// Makes the application object, with the event dispatcher that costs the least per command.
 void make_application(int& argc, char** argv);
+/// Destroys it, and with it the connections of the device's signals to the functions below.
+void end_application();
 
 /// Prints an error line at once, ahead of whatever `out` still holds.
 void slot_error(QString error);
@@ -30,3 +32,9 @@ void slot_command_received(QByteArray frame);
 void slot_command_transmitted(QByteArray frame);
 /// Processes the application's pending events once; the device calls it while it polls.
 void process_events_handler();
+/// Processes events for a second, never less: what is still on its way leaves before the port is
+/// closed.
+void let_pending_events_pass();
+
+/// Writes the usage text to the console.
+void print_syntax();

@@ -1,27 +1,30 @@
 #pragma once
 
+#include "app/Failure.h"
 #include "app/Settings.h"
 #include "memory/MemoryMap.h"
+
+#include <optional>
 
 class ZarnSerialDevice;
 
 /// Carries out the memory operations that the settings ask for, in their fixed order, on a device
-/// whose profile is selected. The first failure ends the process with its message.
+/// whose profile is selected. Prints what has been done; the first failure is returned.
 class OperationDispatch
 {
 public:
     OperationDispatch(ZarnSerialDevice& device, const Settings& settings);
 
-    void run();
+    std::optional<Failure> run();
 
 private:
-    void write_and_verify();
-    void erase();
-    void write();
-    void read();
-    void verify();
+    std::optional<Failure> write_and_verify();
+    std::optional<Failure> erase();
+    std::optional<Failure> write();
+    std::optional<Failure> read();
+    std::optional<Failure> verify();
 
-    void load(const QString& file, const QString& operation);
+    std::optional<Failure> load(const QString& file, const QString& operation);
 
     ZarnSerialDevice& m_device;
     const Settings& m_settings;

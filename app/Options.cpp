@@ -25,64 +25,64 @@ QString unparsable_address(QLatin1String end, QLatin1String operation)
 
 /// Takes the two addresses of a ranged operation; `lower_suffix` follows the message about the
 /// lower.
-Outcome parse_range(const Scan& scan, QLatin1String operation, AddressRange& range,
-                    const QString& lower_suffix = {})
+std::optional<Failure> parse_range(const Scan& scan, QLatin1String operation, TypedRange& range,
+                                   const QString& lower_suffix = {})
 {
     if (!parse_number(scan.following.at(0), range.lower)) {
-        return refuse(unparsable_address(QLatin1String("lower"), operation) + lower_suffix);
+        return Failure{unparsable_address(QLatin1String("lower"), operation) + lower_suffix};
     }
     if (!parse_number(scan.following.at(1), range.upper)) {
-        return refuse(unparsable_address(QLatin1String("upper"), operation));
+        return Failure{unparsable_address(QLatin1String("upper"), operation)};
     }
     return std::nullopt;
 }
 
-Outcome on_half_duplex(Scan& scan)
+std::optional<Failure> on_half_duplex(Scan& scan)
 {
     scan.settings.half_duplex = true;
     return std::nullopt;
 }
 
-Outcome on_entry_procedure(Scan& scan)
+std::optional<Failure> on_entry_procedure(Scan& scan)
 {
     scan.settings.entry_procedure_wanted = true;
     return std::nullopt;
 }
 
-Outcome on_version_request(Scan& scan)
+std::optional<Failure> on_version_request(Scan& scan)
 {
     scan.settings.version_request_wanted = true;
     scan.settings.entry_procedure_wanted = false;
     return std::nullopt;
 }
 
-Outcome on_baud(Scan& scan)
+std::optional<Failure> on_baud(Scan& scan)
 {
     if (!scan.has(1)) {
-        return refuse(
-            QStringLiteral("Decimal baudrate must follow -M max baud option, aborting...\n"));
+        return Failure{
+            QStringLiteral("Decimal baudrate must follow -M max baud option, aborting...\n")};
     }
     if (!parse_number(scan.following.at(0), scan.settings.baud)) {
-        return refuse(
+        return Failure{
             QStringLiteral("Please specify -M suggested baud rate in decimal (9600), you passed ") +
-            scan.following.at(0));
+            scan.following.at(0)};
     }
     return std::nullopt;
 }
 
-Outcome on_bootloader_version(Scan& scan)
+std::optional<Failure> on_bootloader_version(Scan& scan)
 {
     if (!scan.has(1)) {
-        return refuse(
-            QStringLiteral("Version number must follow -B version option, aborting...\n"));
+        return Failure{
+            QStringLiteral("Version number must follow -B version option, aborting...\n")};
     }
     if (scan.settings.bootloader_version != 0) {
-        return refuse(QStringLiteral("Please specify -B version only once.\n"));
+        return Failure{QStringLiteral("Please specify -B version only once.\n")};
     }
     bool ok = false;
     scan.settings.bootloader_version = scan.following.at(0).toUInt(&ok, 16);
     if (!ok) {
-        return refuse(QStringLiteral("Please specify -B version in hex (0x16) or decimal (22)"));
+        return Failure{QStringLiteral("Please specify -B version in hex (0x16) or decimal (22)")};
     }
     return std::nullopt;
 }
@@ -96,7 +96,7 @@ struct FileOperation {
     const char* verb;
 };
 
-Outcome take_file(Scan& scan, const FileOperation& operation, int position)
+std::optional<Failure> take_file(Scan& scan, const FileOperation& operation, int position)
 {
     const QString& name = scan.following.at(position);
     scan.settings.*operation.wanted = true;
@@ -104,40 +104,40 @@ Outcome take_file(Scan& scan, const FileOperation& operation, int position)
     if (scan.can_open(name)) {
         return std::nullopt;
     }
-    return refuse(QStringLiteral("Could not open file %1 for %2 op, aborting...\n")
-                      .arg(name, QLatin1String(operation.verb)));
+    return Failure{QStringLiteral("Could not open file %1 for %2 op, aborting...\n")
+                       .arg(name, QLatin1String(operation.verb))};
 }
 
-Outcome check_arguments(const Scan& scan, const FileOperation& operation, int count)
+std::optional<Failure> check_arguments(const Scan& scan, const FileOperation& operation, int count)
 {
     if (scan.settings.*operation.wanted) {
-        return refuse(QLatin1String(operation.repeated));
+        return Failure{QLatin1String(operation.repeated)};
     }
     if (!scan.has(count)) {
-        return refuse(QLatin1String(operation.missing));
+        return Failure{QLatin1String(operation.missing)};
     }
     return std::nullopt;
 }
 
-Outcome take_whole(Scan& scan, const FileOperation& operation)
+std::optional<Failure> take_whole(Scan& scan, const FileOperation& operation)
 {
-    const Outcome refusal = check_arguments(scan, operation, 1);
-    return refusal ? refusal : take_file(scan, operation, 0);
+    const std::optional<Failure> failure = check_arguments(scan, operation, 1);
+    return failure ? failure : take_file(scan, operation, 0);
 }
 
-Outcome take_limited(Scan& scan, const FileOperation& operation, AddressRange& range,
-                     const QString& lower_suffix = {})
+std::optional<Failure> take_limited(Scan& scan, const FileOperation& operation, TypedRange& range,
+                                    const QString& lower_suffix = {})
 {
-    if (auto refusal = check_arguments(scan, operation, 3)) {
-        return refusal;
+    if (auto failure = check_arguments(scan, operation, 3)) {
+        return failure;
     }
-    if (auto refusal = parse_range(scan, QLatin1String(operation.verb), range, lower_suffix)) {
-        return refusal;
+    if (auto failure = parse_range(scan, QLatin1String(operation.verb), range, lower_suffix)) {
+        return failure;
     }
     return take_file(scan, operation, 2);
 }
 
-Outcome on_write(Scan& scan)
+std::optional<Failure> on_write(Scan& scan)
 {
     return take_whole(scan,
                       {&Settings::write_wanted, &Settings::write_file,
@@ -145,7 +145,7 @@ Outcome on_write(Scan& scan)
                        "Filename string must follow -w write option, aborting...\n", "write"});
 }
 
-Outcome on_limited_write(Scan& scan)
+std::optional<Failure> on_limited_write(Scan& scan)
 {
     return take_limited(scan,
                         {&Settings::limited_write_wanted, &Settings::write_file,
@@ -156,16 +156,16 @@ Outcome on_limited_write(Scan& scan)
                         scan.settings.write_range);
 }
 
-Outcome on_read(Scan& scan)
+std::optional<Failure> on_read(Scan& scan)
 {
     return take_whole(scan, {&Settings::read_wanted, &Settings::read_file,
                              "You specified the read operation more than once, aborting...\n",
                              "Filename string must follow -r write option, aborting...\n", "read"});
 }
 
-/// The value of the failed conversion, always 0, is shown behind the message about the lower
+/// The value of the failed conversion, always 0, is shown after the message about the lower
 /// address.
-Outcome on_limited_read(Scan& scan)
+std::optional<Failure> on_limited_read(Scan& scan)
 {
     return take_limited(scan,
                         {&Settings::limited_read_wanted, &Settings::read_file,
@@ -176,22 +176,22 @@ Outcome on_limited_read(Scan& scan)
                         scan.settings.read_range, QStringLiteral("0"));
 }
 
-Outcome on_limited_erase(Scan& scan)
+std::optional<Failure> on_limited_erase(Scan& scan)
 {
     Settings& settings = scan.settings;
     if (settings.limited_erase_wanted) {
-        return refuse(QStringLiteral(
-            "You specified a limited erase operation more than once, aborting...\n"));
+        return Failure{QStringLiteral(
+            "You specified a limited erase operation more than once, aborting...\n")};
     }
     if (!scan.has(2)) {
-        return refuse(QStringLiteral(
-            "lower and upper address must follow -E limited erase option, aborting...\n"));
+        return Failure{QStringLiteral(
+            "lower and upper address must follow -E limited erase option, aborting...\n")};
     }
     settings.limited_erase_wanted = true;
     return parse_range(scan, QLatin1String("erase"), settings.erase_range);
 }
 
-Outcome on_verify(Scan& scan)
+std::optional<Failure> on_verify(Scan& scan)
 {
     return take_whole(scan,
                       {&Settings::verify_wanted, &Settings::verify_file,
@@ -200,17 +200,17 @@ Outcome on_verify(Scan& scan)
 }
 
 /// Looks at "-w" and "-v" but not at itself: repeated, the last file counts.
-Outcome on_write_and_verify(Scan& scan)
+std::optional<Failure> on_write_and_verify(Scan& scan)
 {
     if (scan.settings.write_wanted) {
-        return refuse(QStringLiteral("You specified more than one write operation.\n"));
+        return Failure{QStringLiteral("You specified more than one write operation.\n")};
     }
     if (scan.settings.verify_wanted) {
-        return refuse(QStringLiteral("You specified more than one verify operation.\n"));
+        return Failure{QStringLiteral("You specified more than one verify operation.\n")};
     }
     if (!scan.has(1)) {
-        return refuse(QStringLiteral(
-            "Filename string must follow -wv write with verify option, aborting...\n"));
+        return Failure{QStringLiteral(
+            "Filename string must follow -wv write with verify option, aborting...\n")};
     }
     return take_file(scan,
                      {&Settings::write_and_verify_wanted, &Settings::write_and_verify_file, nullptr,
@@ -218,53 +218,53 @@ Outcome on_write_and_verify(Scan& scan)
                      0);
 }
 
-/// A flag that may be given once: its value when given, and how a repetition is told.
-Outcome take_flag_once(bool& flag, bool given, QLatin1String name)
+/// A flag that may be given once: its value when given, and how a repetition is reported.
+std::optional<Failure> take_flag_once(bool& flag, bool given, QLatin1String name)
 {
     if (flag == given) {
-        return refuse(QStringLiteral("You specified '%1' more than once.\n").arg(name));
+        return Failure{QStringLiteral("You specified '%1' more than once.\n").arg(name)};
     }
     flag = given;
     return std::nullopt;
 }
 
-Outcome on_erase_all(Scan& scan)
+std::optional<Failure> on_erase_all(Scan& scan)
 {
     return take_flag_once(scan.settings.erase_all_wanted, true, QLatin1String("-e"));
 }
 
-Outcome on_exclude_encrypted(Scan& scan)
+std::optional<Failure> on_exclude_encrypted(Scan& scan)
 {
     return take_flag_once(scan.settings.include_encrypted, false, QLatin1String("-xe"));
 }
 
-Outcome on_exclude_unencrypted(Scan& scan)
+std::optional<Failure> on_exclude_unencrypted(Scan& scan)
 {
     return take_flag_once(scan.settings.include_unencrypted, false, QLatin1String("-xu"));
 }
 
-Outcome on_reset(Scan& scan)
+std::optional<Failure> on_reset(Scan& scan)
 {
     scan.settings.reset_wanted = true;
     return std::nullopt;
 }
 
-Outcome on_port(Scan& scan)
+std::optional<Failure> on_port(Scan& scan)
 {
     if (!scan.has(1)) {
-        return refuse(QStringLiteral("Port must follow -s.\n"));
+        return Failure{QStringLiteral("Port must follow -s.\n")};
     }
     if (!scan.settings.port_name.isEmpty()) {
-        return refuse(QStringLiteral("You specified more than one port.\n"));
+        return Failure{QStringLiteral("You specified more than one port.\n")};
     }
     scan.settings.port_name = scan.following.at(0);
     return std::nullopt;
 }
 
-Outcome on_log(Scan& scan)
+std::optional<Failure> on_log(Scan& scan)
 {
     if (!scan.settings.log_file.isEmpty()) {
-        return refuse(QStringLiteral("Please specify only one serial debug file.\n"));
+        return Failure{QStringLiteral("Please specify only one serial debug file.\n")};
     }
     // Without a name the option is passed over.
     scan.settings.log_file = scan.following.value(0);
@@ -302,11 +302,6 @@ const Option* find_option(const QString& argument)
         }
     }
     return nullptr;
-}
-
-Outcome refuse(const QString& message)
-{
-    return Refusal{message, false};
 }
 
 } // namespace command_line

@@ -1,12 +1,18 @@
 #pragma once
 
-#include "app/CommandLine.h"
+#include "app/Failure.h"
+#include "app/Settings.h"
 
 #include <QLatin1String>
 #include <QStringList>
 
+#include <optional>
+
 namespace command_line
 {
+
+/// Tries whether a file can be opened for reading and writing, creating it when it is missing.
+using FileCheck = bool (*)(const QString& name);
 
 /// What an option's handler works on.
 struct Scan {
@@ -19,14 +25,11 @@ struct Scan {
 
 struct Option {
     QLatin1String name;
-    int arguments; ///< how many array elements behind the option are its own
-    Outcome (*handle)(Scan& scan);
+    int arguments; ///< how many array elements after the option are its own
+    std::optional<Failure> (*handle)(Scan& scan);
 };
 
 /// The option of that name, compared whole and by case; null when there is none.
 const Option* find_option(const QString& argument);
-
-/// A refusal without the usage text.
-Outcome refuse(const QString& message);
 
 } // namespace command_line

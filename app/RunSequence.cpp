@@ -2,29 +2,17 @@
 
 #include "app/CommandLine.h"
 #include "app/Console.h"
-#include "app/Failure.h"
 #include "app/OperationDispatch.h"
 #include "device/ZarnSerialDevice.h"
+#include "util/Platform.h"
 
-#include <QEventLoop>
 #include <QException>
 #include <QSerialPort>
-#include <QTimer>
 
 #include <cstdlib>
 
 namespace
 {
-
-/// Serial writes and queued signals get this long to leave before the port is closed.
-constexpr int closing_ms = 1000;
-
-void stop_at(const Outcome& outcome)
-{
-    if (outcome) {
-        refuse_and_exit(*outcome);
-    }
-}
 
 QStringList arguments_after_program_name(int argc, char** argv)
 {
@@ -35,44 +23,51 @@ QStringList arguments_after_program_name(int argc, char** argv)
     return arguments;
 }
 
-void open_frame_log(const QString& name)
+std::optional<Failure> open_frame_log(const QString& name)
 {
     if (name.isEmpty()) {
-        return;
+        return std::nullopt;
     }
     serial_record.setFileName(name);
     if (!serial_record.open(QIODevice::Append)) {
-        fail(QStringLiteral("Could not open ") + name + QStringLiteral(" for writing!\n"));
+        return Failure{QStringLiteral("Could not open ") + name +
+                       QStringLiteral(" for writing!\n")};
     }
+    return std::nullopt;
 }
 
-Settings settings_from(const QStringList& arguments)
+std::optional<Failure> take_command_line(const QStringList& arguments, Settings& settings)
 {
     if (arguments.isEmpty()) {
-        refuse_and_exit({QStringLiteral("Please specify an argument"), true});
+        return Failure{QStringLiteral("Please specify an argument"), true};
     }
-    Settings settings;
-    stop_at(
-        command_line::scan(arguments, command_line::can_open_for_reading_and_writing, settings));
-    stop_at(command_line::check_conflicts(settings));
-    open_frame_log(settings.log_file);
-    stop_at(command_line::check_request(settings));
-    return settings;
+    if (auto failure = command_line::scan(arguments, command_line::can_open_for_reading_and_writing,
+                                          settings)) {
+        return failure;
+    }
+    if (auto failure = command_line::check_conflicts(settings)) {
+        return failure;
+    }
+    if (auto failure = open_frame_log(settings.log_file)) {
+        return failure;
+    }
+    return command_line::check_request(settings);
 }
 
-/// The device opens the port again by itself; this only tells a wrong name early.
-void check_port(const QString& name)
+/// The device opens the port again by itself; this only reports a wrong name early.
+std::optional<Failure> check_port(const QString& name)
 {
     const QString message =
         QStringLiteral("Port ") + name + QStringLiteral(" cannot be opened. Aborting...\n");
     try {
         QSerialPort port(name);
         if (!port.open(QIODevice::ReadWrite)) {
-            fail(message);
+            return Failure{message};
         }
     } catch (const QException& exception) {
-        fail(message + QString::fromLocal8Bit(exception.what()) + QStringLiteral("\n"));
+        return Failure{message + QString::fromLocal8Bit(exception.what()) + QStringLiteral("\n")};
     }
+    return std::nullopt;
 }
 
 void connect_console(ZarnSerialDevice& device)
@@ -89,84 +84,118 @@ QString hex4(unsigned int value)
     return QStringLiteral("%1").arg(value, 4, 16, QLatin1Char('0'));
 }
 
-void set_version(ZarnSerialDevice& device, unsigned int version)
+std::optional<Failure> set_version(ZarnSerialDevice& device, unsigned int version)
 {
     if (!device.set_bootloader_version(static_cast<unsigned short>(version))) {
-        fail(QStringLiteral("Could not find device profile matching specified 0x%1, aborting...")
-                 .arg(hex4(version)));
+        return Failure{
+            QStringLiteral("Could not find device profile matching specified 0x%1, aborting...")
+                .arg(hex4(version))};
     }
     out << QStringLiteral("Version set to 0x%1 successfully!").arg(hex4(version));
     out.flush();
+    return std::nullopt;
 }
 
-void run_entry_procedure(ZarnSerialDevice& device)
+std::optional<Failure> run_entry_procedure(ZarnSerialDevice& device)
 {
     unsigned short version = 0;
     if (device.QV_entry_procedure(&version)) {
         out << QStringLiteral("Retrieved version number during QV entry procedure: 0x%1\n")
                    .arg(hex4(version));
-    } else if (version == 0) {
-        fail(QStringLiteral("Did not succeed in QV entry procedure, aborting..."));
-    } else {
-        fail(QStringLiteral("Found version 0x%1 but could not load profile for this version. "
-                            "Aborting...")
-                 .arg(hex4(version)));
+        return std::nullopt;
     }
+    if (version == 0) {
+        return Failure{QStringLiteral("Did not succeed in QV entry procedure, aborting...")};
+    }
+    return Failure{QStringLiteral("Found version 0x%1 but could not load profile for this version. "
+                                  "Aborting...")
+                       .arg(hex4(version))};
 }
 
 /// Asks for the version of a profile that is already selected; on a fresh device there is none.
-void request_version(ZarnSerialDevice& device)
+std::optional<Failure> request_version(ZarnSerialDevice& device)
 {
     const unsigned short version = device.get_bootloader_version();
     if (version == 0) {
-        fail(QStringLiteral("Version request failed, aborting...\n"));
+        return Failure{QStringLiteral("Version request failed, aborting...\n")};
     }
     out << QStringLiteral("version %1\n").arg(hex4(version).toUpper());
+    return std::nullopt;
 }
 
-void settle_version(ZarnSerialDevice& device, const Settings& settings)
+std::optional<Failure> settle_version(ZarnSerialDevice& device, const Settings& settings)
 {
     if (settings.bootloader_version != 0) {
-        set_version(device, settings.bootloader_version);
-    } else if (settings.entry_procedure_wanted) {
-        run_entry_procedure(device);
-    } else if (settings.version_request_wanted) {
-        request_version(device);
+        return set_version(device, settings.bootloader_version);
     }
+    if (settings.entry_procedure_wanted) {
+        return run_entry_procedure(device);
+    }
+    if (settings.version_request_wanted) {
+        return request_version(device);
+    }
+    return std::nullopt;
 }
 
-void let_pending_events_pass()
+void finish(ZarnSerialDevice& device, bool reset_wanted)
 {
-    QEventLoop loop;
-    QTimer timer;
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    timer.start(closing_ms);
-    loop.exec();
-}
-
-} // namespace
-
-int run_sequence(int& argc, char** argv)
-{
-    make_application(argc, argv);
-    const Settings settings = settings_from(arguments_after_program_name(argc, argv));
-    check_port(settings.port_name);
-
-    ZarnSerialDevice device(settings.port_name, process_events_handler, settings.baud,
-                            settings.half_duplex,
-                            static_cast<unsigned short>(settings.bootloader_version));
-    connect_console(device);
-    settle_version(device, settings);
-    OperationDispatch(device, settings).run();
-    if (settings.reset_wanted) {
+    if (reset_wanted) {
         out << "Resetting device\n";
         device.reset();
     }
     out << "\nAll operations completed succesfully!\n";
     out.flush();
     let_pending_events_pass();
-    delete a;
-    a = nullptr;
+    end_application();
+}
+
+std::optional<Failure> run(const QStringList& arguments)
+{
+    Settings settings;
+    if (auto failure = take_command_line(arguments, settings)) {
+        return failure;
+    }
+    if (auto failure = check_port(settings.port_name)) {
+        return failure;
+    }
+    ZarnSerialDevice device(settings.port_name, process_events_handler, settings.baud,
+                            settings.half_duplex,
+                            static_cast<unsigned short>(settings.bootloader_version));
+    connect_console(device);
+    if (auto failure = settle_version(device, settings)) {
+        return failure;
+    }
+    if (auto failure = OperationDispatch(device, settings).run()) {
+        return failure;
+    }
+    finish(device, settings.reset_wanted);
+    return std::nullopt;
+}
+
+void print(const Failure& failure)
+{
+    out << failure.message;
+    if (failure.with_usage) {
+        print_syntax();
+    }
+}
+
+} // namespace
+
+int run_sequence(int& argc, char** argv)
+{
+    Platform::occupy_standard_descriptors();
+    Platform::let_impossible_writes_fail();
+    make_application(argc, argv);
+    try {
+        if (const std::optional<Failure> outcome = run(arguments_after_program_name(argc, argv))) {
+            print(*outcome);
+            return EXIT_FAILURE;
+        }
+    } catch (...) {
+        // Nobody catches it further out, and so it ends the process abnormally. But the device has
+        // been destroyed on the way here: its port is closed, and no lock keeps others out of it.
+        throw;
+    }
     return EXIT_SUCCESS;
 }

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// A pair of addresses as typed, handed on unchanged.
-struct AddressRange {
+struct TypedRange {
     unsigned int lower = 0;
     unsigned int upper = 0;
 };
@@ -20,17 +20,17 @@ struct Settings {
 
     bool write_wanted = false;
     bool limited_write_wanted = false;
-    AddressRange write_range;
+    TypedRange write_range;
     QString write_file;
 
     bool read_wanted = false;
     bool limited_read_wanted = false;
-    AddressRange read_range;
+    TypedRange read_range;
     QString read_file;
 
     bool erase_all_wanted = false;
     bool limited_erase_wanted = false;
-    AddressRange erase_range;
+    TypedRange erase_range;
 
     bool verify_wanted = false;
     QString verify_file;

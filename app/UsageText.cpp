@@ -1,11 +1,9 @@
-#include "app/UsageText.h"
-
 #include "app/Console.h"
 
 namespace
 {
 
-// Scripts compare this text byte by byte: its blanks, tabs and run-on lines stay as they are.
+// Scripts compare this text byte by byte: its spaces, tabs and run-on lines stay as they are.
 // clang-format off
 constexpr const char* usage_text =
     "Zarn (R) Serial Uploader v2.0\n"

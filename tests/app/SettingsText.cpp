@@ -5,7 +5,7 @@
 namespace
 {
 
-std::ostream& operator<<(std::ostream& stream, const AddressRange& range)
+std::ostream& operator<<(std::ostream& stream, const TypedRange& range)
 {
     return stream << range.lower << " to " << range.upper;
 }

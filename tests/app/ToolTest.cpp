@@ -1,7 +1,9 @@
 #include "tests/app/ToolTest.h"
 
 #include "sim/device/FrameCodec.h"
+#include "sim/line/PortLock.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSerialPort>
 
@@ -64,6 +66,15 @@ std::vector<std::string> commands_of(const sim::SimulatedDevice& device)
         commands.push_back(hex(payload));
     }
     return commands;
+}
+
+QStringList locks_on(const QString& port)
+{
+    QStringList locks;
+    for (const QString& folder : sim::port_lock_folders()) {
+        locks << QDir(folder).entryList({sim::port_lock_name(port)}, QDir::Files);
+    }
+    return locks;
 }
 
 QByteArray cannot_open(const QString& port)

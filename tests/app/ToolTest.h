@@ -6,6 +6,7 @@
 #include "tests/support/ToolRun.h"
 
 #include <QByteArray>
+#include <QStringList>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -31,6 +32,9 @@ std::string heard_by(const sim::SimulatedDevice& device);
 
 /// The payloads of the framed commands that the device has heard, in hexadecimal.
 std::vector<std::string> commands_of(const sim::SimulatedDevice& device);
+
+/// The lock files on a port, wherever they are kept.
+QStringList locks_on(const QString& port);
 
 /// What the tool says about a port that is not there.
 QByteArray cannot_open(const QString& port);

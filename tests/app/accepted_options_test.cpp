@@ -288,7 +288,8 @@ std::string name_of(const testing::TestParamInfo<AcceptedLine>& info)
 Settings scanned(const QStringList& arguments)
 {
     Settings settings;
-    const Outcome outcome = command_line::scan(arguments, can_open_anything, settings);
+    const std::optional<Failure> outcome =
+        command_line::scan(arguments, can_open_anything, settings);
     EXPECT_FALSE(outcome.has_value()) << outcome->message.toStdString();
     return settings;
 }

@@ -1,5 +1,6 @@
 #include "app/Console.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -146,5 +147,25 @@ TEST(EventCallback, ProcessesWhatIsPending)
     bool processed = false;
     QTimer::singleShot(0, [&processed] { processed = true; });
     process_events_handler();
+    EXPECT_TRUE(processed);
+}
+
+// A timer that may be early is so, by as much as 50 ms, when the second would end shortly after a
+// full one of the clock.
+TEST(ClosingSecond, IsNeverShort)
+{
+    QElapsedTimer clock;
+    do {
+        clock.start();
+    } while (clock.msecsSinceReference() % 1000 < 20 || clock.msecsSinceReference() % 1000 > 40);
+    let_pending_events_pass();
+    EXPECT_GE(clock.nsecsElapsed(), 1000000000);
+}
+
+TEST(ClosingSecond, ProcessesWhatIsPending)
+{
+    bool processed = false;
+    QTimer::singleShot(0, [&processed] { processed = true; });
+    let_pending_events_pass();
     EXPECT_TRUE(processed);
 }

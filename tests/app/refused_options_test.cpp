@@ -25,7 +25,7 @@ std::string name_of(const testing::TestParamInfo<RefusedLine>& info)
 TEST_P(RefusedOptions, AreToldWithoutTheUsageText)
 {
     Settings settings;
-    const Outcome outcome =
+    const std::optional<Failure> outcome =
         command_line::scan(GetParam().arguments, can_open_unless_nowhere, settings);
     ASSERT_TRUE(outcome.has_value());
     EXPECT_EQ(outcome->message.toStdString(), GetParam().message.toStdString());

@@ -44,7 +44,7 @@ Settings changed(const CheckCase& check)
     return settings;
 }
 
-std::string message_of(const Outcome& outcome)
+std::string message_of(const std::optional<Failure>& outcome)
 {
     return outcome ? outcome->message.toStdString() : std::string();
 }
@@ -183,7 +183,7 @@ class RequestCheck : public testing::TestWithParam<CheckCase>
 
 TEST_P(ConflictCheck, TellsTheFirstConflictWithoutTheUsageText)
 {
-    const Outcome outcome = command_line::check_conflicts(changed(GetParam()));
+    const std::optional<Failure> outcome = command_line::check_conflicts(changed(GetParam()));
     EXPECT_EQ(message_of(outcome), GetParam().message);
     EXPECT_FALSE(outcome && outcome->with_usage);
 }
@@ -192,7 +192,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, ConflictCheck, testing::ValuesIn(conflicts), 
 
 TEST_P(RequestCheck, TellsTheFirstFaultWithTheUsageText)
 {
-    const Outcome outcome = command_line::check_request(changed(GetParam()));
+    const std::optional<Failure> outcome = command_line::check_request(changed(GetParam()));
     EXPECT_EQ(message_of(outcome), GetParam().message);
     EXPECT_TRUE(!outcome || outcome->with_usage);
 }

@@ -85,6 +85,41 @@ TEST_F(ToolPort, IsStillOpenWhenSuccessIsPrinted)
     EXPECT_TRUE(files.contains(device.port_path())) << files.join(QLatin1Char('\n')).toStdString();
 }
 
+TEST_F(ToolPort, IsLeftUnlockedByARunThatSucceeds)
+{
+    sim::SimulatedDevice device(solo());
+    EXPECT_EQ(run(device, "-B 0203 -e").status, 0);
+    EXPECT_EQ(locks_on(device.port_path()), QStringList());
+}
+
+// A lock that stays keeps every user out but the one whose run left it.
+TEST_F(ToolPort, IsLeftUnlockedByARunThatFails)
+{
+    sim::SimulatedDevice device(solo());
+    QStringList locks;
+    QObject::connect(&device, &sim::SimulatedDevice::command_received, &device,
+                     [&] { locks = locks_on(device.port_path()); });
+    device.set_reply_filter([](const sim::Command&, const QByteArray&) {
+        return std::vector<sim::Delivery>{{frame("02")}};
+    });
+    for (const char* arguments : {"-B 0203 -e", "-B 0203 -r out.hex", "-B 0203 -e -R"}) {
+        SCOPED_TRACE(arguments);
+        locks.clear();
+        EXPECT_EQ(run(device, arguments).status, 1);
+        EXPECT_NE(locks, QStringList());
+        EXPECT_EQ(locks_on(device.port_path()), QStringList());
+    }
+}
+
+TEST_F(ToolPort, IsLeftUnlockedWhenNoDeviceIsFound)
+{
+    sim::SimulatedDevice device(solo(), {sim::Entry::Version});
+    device.set_reply_filter(
+        [](const sim::Command&, const QByteArray&) { return std::vector<sim::Delivery>(); });
+    EXPECT_EQ(run(device, "").status, 1);
+    EXPECT_EQ(locks_on(device.port_path()), QStringList());
+}
+
 TEST_F(ToolPort, GoneAtTheResetDoesNotFailTheRun)
 {
     sim::SimulatedDevice device(twin());

@@ -117,6 +117,21 @@ TEST_P(ToolWithBadTable, EndsAbnormallyWhenTheDeviceIsCaught)
     EXPECT_EQ(result, killed(SIGABRT, ""));
     EXPECT_TRUE(result.err.contains(GetParam().diagnosis)) << result;
     EXPECT_EQ(commands_of(device), std::vector<std::string>());
+    EXPECT_EQ(locks_on(device.port_path()), QStringList());
+}
+
+// The table is read while the port is open, other than above.
+TEST_P(ToolWithBadTable, LeavesNoLockOnThePortOfADeviceThatRuns)
+{
+    sim::SimulatedDevice device(solo(), {sim::Entry::Version});
+    QStringList locks;
+    QObject::connect(&device, &sim::SimulatedDevice::command_received, &device,
+                     [&] { locks = locks_on(device.port_path()); });
+    const ToolResult result = run(device, "-e");
+    EXPECT_EQ(result, killed(SIGABRT, ""));
+    EXPECT_TRUE(result.err.contains("terminate called after throwing an instance of")) << result;
+    EXPECT_NE(locks, QStringList());
+    EXPECT_EQ(locks_on(device.port_path()), QStringList());
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, ToolWithBadTable, testing::ValuesIn(bad_tables),

@@ -76,6 +76,13 @@ std::ostream& operator<<(std::ostream& stream, const ToolResult& result)
 
 RunningTool::RunningTool(const QString& folder, const QStringList& arguments, QByteArray awaited,
                          Look look)
+    : RunningTool(folder, QStringLiteral(ZSERIAL_PROGRAM), arguments, std::move(awaited),
+                  std::move(look))
+{
+}
+
+RunningTool::RunningTool(const QString& folder, const QString& program,
+                         const QStringList& arguments, QByteArray awaited, Look look)
     : m_awaited(std::move(awaited)),
       m_look(std::move(look))
 {
@@ -85,7 +92,7 @@ RunningTool::RunningTool(const QString& folder, const QStringList& arguments, QB
         m_process.kill();
     });
     prepare(m_process, folder);
-    m_process.start(QStringLiteral(ZSERIAL_PROGRAM), arguments, QIODevice::ReadOnly);
+    m_process.start(program, arguments, QIODevice::ReadOnly);
     m_watchdog.start(longest_run_ms);
 }
 
@@ -154,6 +161,16 @@ std::unique_ptr<RunningTool> ToolRun::start(const QStringList& arguments) const
 ToolResult ToolRun::run(const QStringList& arguments) const
 {
     return start(arguments)->result();
+}
+
+ToolResult ToolRun::run_in_shell(const QString& script, const QStringList& arguments) const
+{
+    return RunningTool(m_folder.path(), QStringLiteral("/bin/sh"),
+                       QStringList{QStringLiteral("-c"), script, QStringLiteral("sh"),
+                                   QStringLiteral(ZSERIAL_PROGRAM)} +
+                           arguments,
+                       {}, {})
+        .result();
 }
 
 std::size_t ToolRun::most_at_once()

@@ -38,6 +38,9 @@ public:
     /// Starts it in this folder; calls `look` once, as soon as `awaited` has come out of it.
     RunningTool(const QString& folder, const QStringList& arguments, QByteArray awaited = {},
                 Look look = {});
+    /// Starts any command line.
+    RunningTool(const QString& folder, const QString& program, const QStringList& arguments,
+                QByteArray awaited, Look look);
 
     bool has_ended() const { return m_process.state() == QProcess::NotRunning; }
 
@@ -77,6 +80,8 @@ public:
     std::unique_ptr<RunningTool> start(const QStringList& arguments) const;
     /// Runs the tool to its end.
     ToolResult run(const QStringList& arguments) const;
+    /// Runs a shell script in the folder, for which "$@" is the tool with these arguments.
+    ToolResult run_in_shell(const QString& script, const QStringList& arguments) const;
 
     /// How many runs may go on at once.
     static std::size_t most_at_once();
