@@ -23,7 +23,15 @@ const char* find(const char* begin, const char* end, char character)
 
 bool is_blank(char character)
 {
-    return character == ' ' || character == '\t' || character == '\r' || character == '\n';
+    switch (character) {
+    case ' ':
+    case '\t':
+    case '\r':
+    case '\n':
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
