@@ -132,7 +132,7 @@ Exchange Bootloader::handle(const QByteArray& payload, unsigned int baud)
 /// What gets to the device; marks a command that does not.
 std::optional<QByteArray> Bootloader::let_through(Command& command) const
 {
-    const std::optional<QByteArray> payload = m_gate ? m_gate(command) : command.payload;
+    std::optional<QByteArray> payload = m_gate ? m_gate(command) : command.payload;
     command.ignored = !payload;
     return payload;
 }

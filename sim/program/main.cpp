@@ -1,6 +1,7 @@
 #include "sim/program/Console.h"
 #include "sim/program/ProcessSetup.h"
 #include "sim/program/Session.h"
+#include "util/Platform.h"
 
 #include <QCoreApplication>
 
@@ -39,7 +40,7 @@ int run(const sim::Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    sim::occupy_standard_streams();
+    Platform::occupy_standard_descriptors();
     sim::set_up_signals();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zserial-sim"));
