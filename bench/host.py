@@ -1,5 +1,7 @@
 """What the uploader itself costs when the line costs nothing."""
 
+import os
+
 from goal import Goal
 from measuring import benchmark, medians
 
@@ -62,6 +64,22 @@ def start_goals(context):
     )
 
 
+def waiting_goals(context):
+    """A run that looks for a device and finds none does nothing but wait."""
+    device_end, port = os.openpty()
+    command = [context.build / "zserial", "-s", os.ttyname(port)]
+    usage = medians({"entry": command}, context.rounds, expected_status={"entry": 1})["entry"]
+    os.close(port)
+    os.close(device_end)
+    yield Goal(
+        "silent device",
+        "processor time of a run that nobody answers ÷ its time",
+        usage.processor_seconds / usage.seconds,
+        context.at_most(0.05),
+        beside=f"{usage.processor_seconds * 1e3:.0f} ms and {usage.seconds:.1f} s",
+    )
+
+
 def log_goals(context):
     if context.short:
         return  # the goal is a time, which a busy machine is not held to
@@ -82,4 +100,5 @@ def log_goals(context):
 def goals(context):
     yield from turn_goals(context)
     yield from start_goals(context)
+    yield from waiting_goals(context)
     yield from log_goals(context)

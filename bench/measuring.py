@@ -12,6 +12,7 @@ from dataclasses import dataclass
 class Usage:
     seconds: float  # from start to end
     peak_kib: int  # of memory; this interpreter's own 16 MiB if the program needs less
+    processor_seconds: float
 
 
 def usage_of(command, expected_status=0):
@@ -26,7 +27,8 @@ def usage_of(command, expected_status=0):
     if os.waitstatus_to_exitcode(status) != expected_status:
         words = " ".join(str(word) for word in command)
         raise RuntimeError(f"ended with status {os.waitstatus_to_exitcode(status)}: {words}")
-    return Usage(end - begin, resources.ru_maxrss)
+    processor_seconds = resources.ru_utime + resources.ru_stime
+    return Usage(end - begin, resources.ru_maxrss, processor_seconds)
 
 
 def medians(commands, rounds, expected_status=None):
@@ -39,6 +41,7 @@ def medians(commands, rounds, expected_status=None):
         name: Usage(
             statistics.median(usage.seconds for usage in runs),
             max(usage.peak_kib for usage in runs),
+            statistics.median(usage.processor_seconds for usage in runs),
         )
         for name, runs in usages.items()
     }

@@ -1,6 +1,5 @@
 #include "device/GeometryFaults.h"
 
-#include "profile/MemoryAttributes.h"
 #include "util/Util.h"
 
 #include <limits>
@@ -11,9 +10,14 @@ namespace geometry
 namespace
 {
 
-constexpr unsigned int unlimited = std::numeric_limits<unsigned int>::max();
-/// Far above the row of any device, far below what would exhaust memory.
-constexpr unsigned int largest_row = 0x1000000;
+constexpr unsigned int highest_number = std::numeric_limits<unsigned int>::max();
+
+QString unusable(const Profile& profile, Profile::Attr attr, const QString& value,
+                 const QString& complaint)
+{
+    return QStringLiteral("unusable geometry in device profile '%1': %2 is %3, %4")
+        .arg(profile.name, QLatin1String(meta_attr.valueToKey(attr)), value, complaint);
+}
 
 Fault outside(const Profile& profile, Profile::Attr attr, unsigned int lowest, unsigned int highest)
 {
@@ -21,16 +25,63 @@ Fault outside(const Profile& profile, Profile::Attr attr, unsigned int lowest, u
     if (lowest <= value && value <= highest) {
         return std::nullopt;
     }
-    return QStringLiteral("unusable geometry in device profile '%1': %2 is %3, expected %4 to %5")
-        .arg(profile.name, QLatin1String(meta_attr.valueToKey(attr)), QString::number(value),
-             QString::number(lowest), QString::number(highest));
+    return unusable(
+        profile, attr, QString::number(value),
+        QStringLiteral("expected %1 to %2").arg(QString::number(lowest), QString::number(highest)));
+}
+
+/// Whether the bytes lie in the memory as a whole.
+bool fits(const Profile& profile, MemoryType type, unsigned int address, unsigned int num_bytes)
+{
+    return profile.get_min_address(type) <= address &&
+           quint64{address} + num_bytes <= profile.get_max_address(type);
+}
+
+/// What a walk over addresses comes to.
+struct Walk {
+    bool any_admitted = false;
+    quint64 highest = 0;                ///< the highest number that it counts to
+    std::optional<unsigned int> lowest; ///< admitted addresses whose `length` bytes fit
+    std::optional<unsigned int> last;
+};
+
+Walk rehearse(const AreaFilter& areas, MemoryType type, Span span, unsigned int step,
+              unsigned int length)
+{
+    Walk result;
+    walk(span, step, [&](unsigned int address) {
+        result.highest = qMax(result.highest, quint64{address} + step);
+        if (areas.excludes(address)) {
+            return true;
+        }
+        result.any_admitted = true;
+        result.highest = qMax(result.highest, quint64{address} + length);
+        if (fits(areas.profile, type, address, length)) {
+            result.lowest = result.lowest.value_or(address);
+            result.last = address;
+        }
+        return true;
+    });
+    return result;
+}
+
+Fault block_start_fault(const Profile& profile, MemoryType type, unsigned int address)
+{
+    const unsigned int block_size = profile.get_block_size(type);
+    const unsigned int minimum = profile.get_min_address(type);
+    if (type != MEMORY_EEPROM || address / block_size * block_size >= minimum) {
+        return std::nullopt;
+    }
+    return unusable(profile, Profile::eeprom_start_address,
+                    QStringLiteral("0x") + Util::uint_to_hex(minimum, -1),
+                    QStringLiteral("expected a multiple of eeprom_block_size %1").arg(block_size));
 }
 
 } // namespace
 
 Fault address_fault(const Profile& profile, MemoryType type)
 {
-    if (auto fault = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, largest_row)) {
+    if (auto fault = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, highest_number)) {
         return fault;
     }
     return outside(profile, ATTR_WORDS_PER_ADDRESS.at(type), 1, profile.get_word_size(type));
@@ -41,40 +92,144 @@ Fault row_fault(const Profile& profile, MemoryType type)
     if (auto fault = address_fault(profile, type)) {
         return fault;
     }
-    return outside(profile, ATTR_MEMORY_ROW_SIZE.at(type), profile.get_word_size(type),
-                   largest_row);
+    if (auto fault = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, longest_buffer)) {
+        return fault;
+    }
+    return outside(profile, ATTR_MEMORY_ROW_SIZE.at(type), 1, longest_buffer);
 }
 
 Fault block_fault(const Profile& profile, MemoryType type)
 {
-    if (auto fault = row_fault(profile, type)) {
-        return fault;
-    }
-    return outside(profile, ATTR_MEMORY_BLOCK_SIZE.at(type), profile.get_word_size(type),
-                   profile.get_max_address(type));
-}
-
-Fault block_start_fault(const Profile& profile, MemoryType type, unsigned int address)
-{
-    const unsigned int block_size = profile.get_block_size(type);
-    if (type != MEMORY_EEPROM || block_size == 0 ||
-        address / block_size * block_size >= profile.get_min_address(type)) {
-        return std::nullopt;
-    }
-    return QStringLiteral("unusable geometry in device profile '%1': eeprom_start_address is "
-                          "0x%2, expected a multiple of eeprom_block_size %3")
-        .arg(profile.name, Util::uint_to_hex(profile.get_min_address(type), -1),
-             QString::number(block_size));
+    return outside(profile, ATTR_MEMORY_BLOCK_SIZE.at(type), 1, highest_number);
 }
 
 Fault page_fault(const Profile& profile)
 {
+    return outside(profile, ATTR_MEMORY_PAGE_SIZE.at(MEMORY_FLASH), 1, highest_number);
+}
+
+unsigned int page_step(const Profile& profile)
+{
+    const unsigned int words_per_address = profile.get_words_per_address(MEMORY_FLASH);
+    return words_per_address == 0 ? 0
+                                  : profile.get_page_size(MEMORY_FLASH) *
+                                        profile.get_word_size(MEMORY_FLASH) / words_per_address;
+}
+
+Fault page_step_fault(const Profile& profile)
+{
+    if (page_step(profile) != 0) {
+        return std::nullopt;
+    }
+    if (auto fault = page_fault(profile)) {
+        return fault;
+    }
     if (auto fault = address_fault(profile, MEMORY_FLASH)) {
         return fault;
     }
     return outside(profile, ATTR_MEMORY_PAGE_SIZE.at(MEMORY_FLASH), 1,
-                   qMin(profile.get_max_address(MEMORY_FLASH),
-                        unlimited / profile.get_word_size(MEMORY_FLASH)));
+                   highest_number / profile.get_word_size(MEMORY_FLASH));
+}
+
+Fault wrap_fault(const Profile& profile, MemoryType type, const MemoryAttributes& unit,
+                 quint64 last)
+{
+    if (last <= highest_number) {
+        return std::nullopt;
+    }
+    const Profile::Attr attr = unit.at(type);
+    return unusable(profile, ATTR_MEMORY_MAX_ADDR.at(type),
+                    QStringLiteral("0x") + Util::uint_to_hex(profile.get_max_address(type), -1),
+                    QStringLiteral("and %1 %2 leads beyond address 0xFFFFFFFF")
+                        .arg(QLatin1String(meta_attr.valueToKey(attr)))
+                        .arg(profile.attributes.at(static_cast<std::size_t>(attr))));
+}
+
+Fault read_fault(const Profile& profile, MemoryType type)
+{
+    if (auto fault = row_fault(profile, type)) {
+        return fault;
+    }
+    return block_fault(profile, type);
+}
+
+Fault length_fault(const Profile& profile, MemoryType type, unsigned int num_bytes)
+{
+    if (num_bytes <= longest_buffer) {
+        return std::nullopt;
+    }
+    const unsigned int minimum = profile.get_min_address(type);
+    return outside(profile, ATTR_MEMORY_MAX_ADDR.at(type), 0,
+                   qMin(minimum, highest_number - longest_buffer) + longest_buffer);
+}
+
+Fault request_fault(const Profile& profile, MemoryType type, unsigned int address,
+                    unsigned int num_bytes)
+{
+    if (auto fault = length_fault(profile, type, num_bytes)) {
+        return fault;
+    }
+    const quint64 block_size = profile.get_block_size(type);
+    const quint64 end = (quint64{address} + num_bytes + block_size - 1) / block_size * block_size;
+    if (auto fault = wrap_fault(profile, type, ATTR_MEMORY_BLOCK_SIZE, end)) {
+        return fault;
+    }
+    return block_start_fault(profile, type, address);
+}
+
+Fault rows_read_fault(const AreaFilter& areas, MemoryType type, Span rows, unsigned int step,
+                      unsigned int length)
+{
+    const Profile& profile = areas.profile;
+    if (rows.is_empty()) {
+        return std::nullopt;
+    }
+    if (step == 0) { // flash is walked by its blocks, EEPROM by its rows
+        return type == MEMORY_FLASH ? block_fault(profile, type) : row_fault(profile, type);
+    }
+    const Walk walk = rehearse(areas, type, rows, step, length);
+    const MemoryAttributes& unit =
+        step == profile.get_block_size(type) ? ATTR_MEMORY_BLOCK_SIZE : ATTR_MEMORY_ROW_SIZE;
+    if (auto fault = walk.any_admitted ? read_fault(profile, type) : std::nullopt) {
+        return fault;
+    }
+    if (auto fault = wrap_fault(profile, type, unit, walk.highest)) {
+        return fault;
+    }
+    if (!walk.lowest) {
+        return std::nullopt;
+    }
+    if (auto fault = request_fault(profile, type, *walk.lowest, length)) {
+        return fault;
+    }
+    return request_fault(profile, type, *walk.last, length);
+}
+
+Fault rows_write_fault(const AreaFilter& areas, MemoryType type, Span rows)
+{
+    const Profile& profile = areas.profile;
+    const unsigned int row_size = profile.get_row_size(type);
+    if (rows.is_empty()) {
+        return std::nullopt;
+    }
+    if (row_size == 0) {
+        return row_fault(profile, type);
+    }
+    const Walk walk = rehearse(areas, type, rows, row_size, row_size);
+    if (auto fault = walk.any_admitted ? row_fault(profile, type) : std::nullopt) {
+        return fault;
+    }
+    return wrap_fault(profile, type, ATTR_MEMORY_ROW_SIZE, walk.highest);
+}
+
+Fault pages_erase_fault(const AreaFilter& areas, Span pages, unsigned int step)
+{
+    const Walk walk = rehearse(areas, MEMORY_FLASH, pages, step, step);
+    if (auto fault =
+            walk.any_admitted ? address_fault(areas.profile, MEMORY_FLASH) : std::nullopt) {
+        return fault;
+    }
+    return wrap_fault(areas.profile, MEMORY_FLASH, ATTR_MEMORY_PAGE_SIZE, walk.highest);
 }
 
 } // namespace geometry

@@ -2,8 +2,6 @@
 
 #include <QtGlobal>
 
-#include <limits>
-
 /// A stretch of byte addresses, end exclusive.
 struct Span {
     unsigned int start;
@@ -11,19 +9,10 @@ struct Span {
 
     bool is_empty() const { return start >= end; }
 
-    /// Bytes in the whole rows that fit; a row left over at the end does not count.
-    unsigned int whole_rows(unsigned int row_size) const
-    {
-        return is_empty() ? 0 : (end - start) / row_size * row_size;
-    }
-
-    /// The smallest stretch of whole units that holds this one; a unit that would end beyond the
-    /// highest address is cut there.
+    /// The smallest stretch of whole units that holds this one.
     Span widened_to(unsigned int unit) const
     {
-        constexpr quint64 highest = std::numeric_limits<unsigned int>::max();
-        const quint64 widened_end = (quint64{end} + unit - 1) / unit * unit;
-        return {start / unit * unit, static_cast<unsigned int>(qMin(widened_end, highest))};
+        return {start / unit * unit, (end + unit - 1) / unit * unit};
     }
 };
 

@@ -1,5 +1,7 @@
 #include "device/ZarnSerialDevice.h"
 
+#include "util/Platform.h"
+
 #include <QDebug>
 
 ZarnSerialDevice::ZarnSerialDevice(QString port, void (*events)(), unsigned int baud,
@@ -16,7 +18,7 @@ ZarnSerialDevice::ZarnSerialDevice(QString port, void (*events)(), unsigned int 
     // Queued: the port must not be closed from within its own notification.
     connect(
         &m_port, &QSerialPort::errorOccurred, this,
-        [this](QSerialPort::SerialPortError error) { drop_vanished_port(error); },
+        [this](QSerialPort::SerialPortError error) { look_after_port(error); },
         Qt::QueuedConnection);
     m_port.setPortName(port);
     m_port.setBaudRate(static_cast<qint32>(m_baud));
@@ -53,12 +55,23 @@ void ZarnSerialDevice::process_events()
 /// The notifier of a port that is gone fires without end and would keep a core busy through every
 /// wait that follows. A closed port is silent, so what is left of the run sees a device that does
 /// not answer. It counts as open: whatever has its name by now may be another device.
-void ZarnSerialDevice::drop_vanished_port(QSerialPort::SerialPortError error)
+///
+/// A port that is still there may report an error, too, such as when another process takes a byte
+/// from under it. Some errors stop its notifications until it is read from.
+///
+/// The error itself says nothing of this, and may belong to an earlier opening of the port.
+void ZarnSerialDevice::look_after_port(QSerialPort::SerialPortError error)
 {
-    const bool gone = error == QSerialPort::ReadError || error == QSerialPort::WriteError ||
-                      error == QSerialPort::ResourceError;
-    if (gone && m_port.isOpen()) {
+    const bool concerns_line = error == QSerialPort::ReadError ||
+                               error == QSerialPort::WriteError ||
+                               error == QSerialPort::ResourceError;
+    if (!concerns_line || !m_port.isOpen()) {
+        return;
+    }
+    if (Platform::has_hung_up(qintptr(m_port.handle()))) {
         m_has_vanished = true;
         m_port.close();
+    } else {
+        rxdata();
     }
 }

@@ -24,7 +24,13 @@ class QFile;
 ///
 /// Operations return success. A failing one reports its message once, through error(), and returns
 /// false; whoever called it returns false in turn without repeating the text. Everything runs on
-/// the calling thread; only one operation may run at a time.
+/// the calling thread, and only one operation may run at a time.
+///
+/// While an operation waits for the device, events are handled. A command or an entry procedure
+/// that is begun then fails at once, with a message, and leaves the one that waits alone. Nobody
+/// may end the event loops then, as QCoreApplication::quit() does: the command that waits fails
+/// with a message and is not repeated, and so does each that follows until the application's event
+/// loop runs again.
 ///
 /// Addresses are byte addresses of the image unless said otherwise; the commands on the line carry
 /// word addresses.
@@ -146,35 +152,47 @@ private:
         unsigned int total;
     };
 
-    void drop_vanished_port(QSerialPort::SerialPortError error);
+    enum class Wait { FrameComplete, TimedOut, Ended };
+    /// How an attempt at a command went; `Ended` when nobody waits for an answer any more.
+    enum class Attempt { Succeeded, Failed, Ended };
+
+    void look_after_port(QSerialPort::SerialPortError error);
     void discard_pending();
     void transmit(const QByteArray& frame);
     void hand_over();
-    QString attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
-                    unsigned short expected_response_length, int timeout);
+    Wait run_event_loop(int timeout);
+    Wait wait_for_frame(int timeout);
+    Wait wait_for_response(const QByteArray& frame, int timeout, QString& errors);
+    QString accept_response(const QByteArray& command, QByteArray& response,
+                            unsigned short expected_response_length);
+    bool refuse_within_a_wait();
+    bool fail_for_ended_wait();
+    Attempt attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
+                    unsigned short expected_response_length, int timeout, QString& errors);
 
     bool open_anew(qint32 baud);
     std::optional<QByteArray> probe_for_version();
     std::optional<QByteArray> catch_starting_bootloader();
-    void let_bootloader_settle();
-    bool accept_version(const QByteArray& bytes, unsigned short* version);
+    void deliver_events();
+    bool let_bootloader_settle();
 
-    void append_filler_word(unsigned int filler, unsigned int word_size, QByteArray& data) const;
+    QByteArray filler_word(unsigned int filler, unsigned int word_size) const;
     std::optional<QString> read_fault(unsigned int address, unsigned int num_bytes,
                                       MemoryType type) const;
     bool read_blocks(MemoryType type, unsigned int address, QByteArray& data);
-    bool read_words(MemoryType type, unsigned int address, unsigned char count,
+    bool read_words(MemoryType type, unsigned int address, unsigned char count, unsigned int length,
                     QByteArray& received);
     std::optional<QString> write_fault(unsigned int address, unsigned int num_bytes,
                                        MemoryType type) const;
+    std::optional<QString> unwritable(unsigned int address, unsigned int num_bytes,
+                                      MemoryType type) const;
     std::optional<QString> erase_fault(unsigned int address) const;
     bool send_acknowledged(const QByteArray& command);
 
     // Shared by the operations.
     Span limits_of(MemoryType type) const;
-    bool check_geometry(bool needed, const std::optional<QString>& fault);
+    bool check_geometry(const std::optional<QString>& fault);
     bool check_range(Span range, const QString& outside_message);
-    bool touches(const MemoryMap& map, const AreaFilter& areas, MemoryType type) const;
     bool fill_row(const MemoryMap& map, MemoryType type, unsigned int address,
                   unsigned int row_size, QByteArray& row) const;
     bool read_row(MemoryType type, unsigned int address, unsigned int row_size, QByteArray& row);
@@ -191,13 +209,13 @@ private:
     bool write_eeprom_row(const MemoryMap& map, unsigned int address, Progress& progress);
     bool send_flash_row(unsigned int address, const QByteArray& row);
 
-    bool read_parts(const QFile& file, const AreaFilter& areas, Span flash, Span eeprom,
-                    unsigned int eeprom_request, const bool& abort_requested);
+    bool check_readable(const AreaFilter& areas, Span flash, Span eeprom,
+                        unsigned int eeprom_request);
     bool read_flash(MemoryMap& map, const AreaFilter& areas, Span flash,
                     const bool& abort_requested);
-    bool read_eeprom(MemoryMap& map, Span eeprom, unsigned int request_size,
+    bool read_eeprom(MemoryMap& map, unsigned int address, unsigned int num_bytes,
                      const bool& abort_requested);
-    bool read_into(MemoryMap& map, MemoryType type, unsigned int address, unsigned int num_bytes);
+    bool read_into(MemoryMap& map, unsigned int address, unsigned int num_bytes);
 
     bool can_verify(const MemoryMap& map, const AreaFilter& areas);
     bool verify_blob(const AddressedBLOB& blob, const bool& abort_requested, Progress& progress);
@@ -217,6 +235,7 @@ private:
 
     QSerialPort m_port;
     bool m_has_vanished = false; ///< the port was open and is gone
+    bool m_is_waiting = false;   ///< for the device; events are handled meanwhile
     void (*m_process_events)();
     bool m_half_duplex = false;
     unsigned int m_baud;

@@ -11,15 +11,6 @@ namespace
 
 constexpr unsigned char longest_run = std::numeric_limits<unsigned char>::max();
 
-/// Pages of a whole-flash erase are counted in address units, those of a range in bytes.
-unsigned int whole_flash_step(const Profile& profile)
-{
-    const unsigned int words_per_address = profile.get_words_per_address(MEMORY_FLASH);
-    return words_per_address == 0 ? 0
-                                  : profile.get_page_size(MEMORY_FLASH) *
-                                        profile.get_word_size(MEMORY_FLASH) / words_per_address;
-}
-
 /// The offending address stands at both places of `text`; the bound that it offends is not shown.
 QString out_of_bounds(const QString& text, unsigned int address)
 {
@@ -30,16 +21,14 @@ QString out_of_bounds(const QString& text, unsigned int address)
 
 bool ZarnSerialDevice::erase_all(bool include_encrypted, bool include_unencrypted)
 {
-    const unsigned int step = whole_flash_step(*m_profile);
+    const unsigned int step = geometry::page_step(*m_profile);
     const Span flash = limits_of(MEMORY_FLASH);
     qDebug() << "Min: " << flash.start << " max: " << flash.end << " page:" << step;
     if (flash.is_empty()) {
         return true;
     }
-    if (const auto fault = geometry::page_fault(*m_profile)) {
-        return error(*fault);
-    }
-    return erase_pages({*m_profile, include_encrypted, include_unencrypted}, flash, step);
+    return check_geometry(geometry::page_step_fault(*m_profile)) &&
+           erase_pages({*m_profile, include_encrypted, include_unencrypted}, flash, step);
 }
 
 bool ZarnSerialDevice::erase_range(bool include_encrypted, bool include_unencrypted,
@@ -53,12 +42,15 @@ bool ZarnSerialDevice::erase_range(bool include_encrypted, bool include_unencryp
         return error(out_of_bounds(
             QStringLiteral("unable to erase at %1 above max flash address 0x%1"), end_address));
     }
-    if (const auto fault = geometry::page_fault(*m_profile)) {
-        return error(*fault);
+    if (!check_geometry(geometry::page_fault(*m_profile))) {
+        return false;
     }
     const unsigned int step = m_profile->get_page_size(MEMORY_FLASH);
-    const Span pages{start_address / step * step, (end_address / step + 1) * step};
-    return erase_pages({*m_profile, include_encrypted, include_unencrypted}, pages, step);
+    const quint64 limit = (quint64{end_address} / step + 1) * step;
+    return check_geometry(
+               geometry::wrap_fault(*m_profile, MEMORY_FLASH, ATTR_MEMORY_PAGE_SIZE, limit)) &&
+           erase_pages({*m_profile, include_encrypted, include_unencrypted},
+                       {start_address / step * step, static_cast<unsigned int>(limit)}, step);
 }
 
 /// Erases the pages in runs as long as one command can carry; excluded pages split the runs. The
@@ -66,6 +58,9 @@ bool ZarnSerialDevice::erase_range(bool include_encrypted, bool include_unencryp
 /// a split moves the address on to the pages themselves.
 bool ZarnSerialDevice::erase_pages(const AreaFilter& areas, Span pages, unsigned int step)
 {
+    if (!check_geometry(geometry::pages_erase_fault(areas, pages, step))) {
+        return false;
+    }
     unsigned int run_start = m_profile->get_min_address(MEMORY_FLASH);
     unsigned char count = 0;
     const auto erase_pending_run = [&](unsigned int next_page) {

@@ -4,6 +4,8 @@
 
 #include <QDeadlineTimer>
 #include <QDebug>
+#include <QScopedValueRollback>
+#include <QThread>
 
 namespace
 {
@@ -11,6 +13,8 @@ namespace
 constexpr int entry_passes = 5;
 constexpr int probes_per_pass = 5;
 constexpr int probe_wait_ms = 200;
+/// Between two looks at the line; short beside a reply, long beside the look.
+constexpr unsigned long probe_pause_us = 1000;
 constexpr int settle_ms = 1000;
 constexpr qint32 starting_baud = QSerialPort::Baud9600;
 constexpr qint32 running_baud = 460800;
@@ -52,8 +56,11 @@ std::optional<QByteArray> find_entry_reply(const QByteArray& received)
 bool ZarnSerialDevice::request_bootloader_version(unsigned short* version)
 {
     QByteArray response;
-    return open_port() && send_and_receive(version_command(), response, version_length, 40, 300) &&
-           accept_version(response, version);
+    if (!open_port() || !send_and_receive(version_command(), response, version_length, 40, 300)) {
+        return false;
+    }
+    *version = assemble_version(response);
+    return set_bootloader_version(*version);
 }
 
 bool ZarnSerialDevice::set_bootloader_version(unsigned short version)
@@ -102,14 +109,19 @@ const Profile* ZarnSerialDevice::profile() const
 
 bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
 {
+    if (refuse_within_a_wait()) {
+        return false;
+    }
+    unsigned short found = 0;
+    unsigned short& answer = version == nullptr ? found : *version;
     for (int pass = 0; pass < entry_passes; ++pass) {
         qDebug() << "Trying 0x55 9600 baud\n";
         if (!open_anew(starting_baud)) {
             return false;
         }
         if (const auto reply = catch_starting_bootloader()) {
-            let_bootloader_settle();
-            return accept_version(*reply, version);
+            answer = assemble_version(*reply);
+            return let_bootloader_settle() && set_bootloader_version(answer);
         }
         qDebug() << "Trying version command 460800 baud\n";
         if (!open_anew(running_baud)) {
@@ -117,7 +129,8 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
         }
         QByteArray response;
         if (send_and_receive(version_command(), response, version_length, 3, 100)) {
-            return accept_version(response, version);
+            answer = assemble_version(response);
+            return set_bootloader_version(answer);
         }
     }
     return false;
@@ -148,32 +161,29 @@ std::optional<QByteArray> ZarnSerialDevice::probe_for_version()
     const QDeadlineTimer deadline(probe_wait_ms, Qt::PreciseTimer);
     m_port.write(&entry_probe, 1);
     while (!deadline.hasExpired()) {
-        process_events();
+        deliver_events();
         if (auto reply = find_entry_reply(m_receive_buffer)) {
             return reply;
         }
+        QThread::usleep(probe_pause_us);
     }
     return std::nullopt;
 }
 
+void ZarnSerialDevice::deliver_events()
+{
+    const QScopedValueRollback<bool> waiting(m_is_waiting, true);
+    process_events();
+}
+
 /// The port stays closed; the next command opens it at the profile's rate.
-void ZarnSerialDevice::let_bootloader_settle()
+bool ZarnSerialDevice::let_bootloader_settle()
 {
     m_event_loop.exit();
     m_port.close();
     m_has_vanished = false;
     m_receive_buffer.clear();
-    m_timer.start(settle_ms);
-    m_event_loop.exec();
-}
-
-bool ZarnSerialDevice::accept_version(const QByteArray& bytes, unsigned short* version)
-{
-    const unsigned short assembled = assemble_version(bytes);
-    if (version != nullptr) {
-        *version = assembled;
-    }
-    return set_bootloader_version(assembled);
+    return run_event_loop(settle_ms) == Wait::TimedOut || fail_for_ended_wait();
 }
 
 void ZarnSerialDevice::reset()

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstring>
-#include <limits>
 
 namespace
 {
@@ -15,10 +14,6 @@ constexpr char erase_command = 0x03;
 
 constexpr unsigned char attempts = 40;
 constexpr int timeout_ms = 300;
-/// Responses are counted in 16 bits.
-constexpr unsigned int longest_response = std::numeric_limits<unsigned short>::max();
-/// More than this does not fit a byte array.
-constexpr unsigned int largest_request = std::numeric_limits<int>::max();
 
 /// Operation, count and 24-bit word address, low byte first.
 QByteArray memory_command(char operation, unsigned char count, unsigned int word_address)
@@ -75,37 +70,28 @@ void ZarnSerialDevice::initialize_array(unsigned int num_bytes, QByteArray& data
 {
     data.clear();
     const unsigned int word_size = m_profile->get_word_size(type);
-    if (word_size == 0) {
+    if (word_size == 0 || num_bytes == 0) {
         return;
     }
     const quint64 words = (quint64{num_bytes} + word_size - 1) / word_size;
-    if (words * word_size > largest_request) {
+    if (words * word_size > 2 * quint64{geometry::longest_buffer}) {
         return;
     }
-    QByteArray word;
-    append_filler_word(m_profile->get_filler_word(type), word_size, word);
+    const QByteArray word = filler_word(m_profile->get_filler_word(type), word_size);
     data = word.repeated(static_cast<int>(words));
 }
 
 /// Most significant byte first always begins at the top of the 32-bit filler value, even for words
 /// shorter than that; the profile table gives its filler words accordingly.
-void ZarnSerialDevice::append_filler_word(unsigned int filler, unsigned int word_size,
-                                          QByteArray& data) const
+QByteArray ZarnSerialDevice::filler_word(unsigned int filler, unsigned int word_size) const
 {
-    for (unsigned int i = 0; i < word_size; ++i) {
-        switch (m_profile->get_endianness()) {
-        case 0:
-            data.append(static_cast<char>(filler & 0xFFU));
-            filler >>= 8;
-            break;
-        case 1:
-            data.append(static_cast<char>(filler >> 24));
-            filler <<= 8;
-            break;
-        default:
-            break;
-        }
+    QByteArray word(static_cast<int>(word_size), '\0');
+    const int length = qMin(word.size(), 4);
+    for (int i = 0; i < length; ++i) {
+        const int shift = 8 * (m_profile->get_endianness() == 0 ? i : 3 - i);
+        word[i] = static_cast<char>((filler >> shift) & 0xFFU);
     }
+    return word;
 }
 
 bool ZarnSerialDevice::read_memory(unsigned int address, unsigned int num_bytes, QByteArray& data)
@@ -136,53 +122,51 @@ std::optional<QString> ZarnSerialDevice::read_fault(unsigned int address, unsign
     if (address + num_bytes > m_profile->get_max_address(type)) {
         return above_maximum(m_profile->get_max_address(type));
     }
-    if (num_bytes > largest_request) {
-        return QStringLiteral("cannot read %1 bytes at once, at most %2")
-            .arg(num_bytes)
-            .arg(largest_request);
-    }
-    if (auto fault = geometry::block_fault(*m_profile, type)) {
+    if (auto fault = geometry::read_fault(*m_profile, type)) {
         return fault;
     }
-    return geometry::block_start_fault(*m_profile, type, address);
+    if (auto fault = geometry::wrap_fault(*m_profile, type, ATTR_MEMORY_ROW_SIZE,
+                                          quint64{address} + num_bytes)) {
+        return fault;
+    }
+    return geometry::request_fault(*m_profile, type, address, num_bytes);
 }
 
 /// The device reads whole blocks from block addresses, so the range is widened to them; what lies
-/// outside of it is dropped.
+/// outside of it is dropped. What begins where the memory has ended is not asked for.
 bool ZarnSerialDevice::read_blocks(MemoryType type, unsigned int address, QByteArray& data)
 {
     const unsigned int word_size = m_profile->get_word_size(type);
-    const unsigned int block_size = m_profile->get_block_size(type);
-    const unsigned int row_size = m_profile->get_row_size(type);
+    const quint64 block_size = m_profile->get_block_size(type);
+    const quint64 row_size = m_profile->get_row_size(type);
     const quint64 end = quint64{address} + static_cast<unsigned int>(data.size());
     const quint64 aligned_end = (end + block_size - 1) / block_size * block_size;
+    const quint64 maximum = m_profile->get_max_address(type);
     quint64 start = address / block_size * block_size;
-    while (start < aligned_end) {
-        const unsigned int chunk = row_size <= aligned_end - start ? row_size : block_size;
+    while (start < aligned_end && start < maximum) {
+        const quint64 chunk = row_size <= aligned_end - start ? row_size : block_size;
         const auto count = static_cast<unsigned char>(chunk / word_size);
+        const unsigned int length = count * word_size;
         QByteArray received;
-        if (!read_words(type, static_cast<unsigned int>(start), count, received)) {
+        if (!read_words(type, static_cast<unsigned int>(start), count, length, received)) {
             return false;
         }
         keep_overlap(received, start, data, address);
-        start += quint64{count} * word_size;
+        start += length;
     }
     return true;
 }
 
+/// A transaction compares lengths in 16 bits; an answer that lacks a multiple of 65,536 bytes is
+/// found here.
 bool ZarnSerialDevice::read_words(MemoryType type, unsigned int address, unsigned char count,
-                                  QByteArray& received)
+                                  unsigned int length, QByteArray& received)
 {
     const QByteArray command = memory_command(MEMORY_READ_COMMANDS.at(type), count,
                                               word_address(*m_profile, type, address));
-    const unsigned int length = count * m_profile->get_word_size(type);
-    if (length > longest_response) {
-        return error(QStringLiteral("cannot read %1 bytes in one response, at most %2")
-                         .arg(length)
-                         .arg(longest_response));
-    }
     return send_and_receive(command, received, static_cast<unsigned short>(length), attempts,
-                            timeout_ms);
+                            timeout_ms) &&
+           static_cast<unsigned int>(received.size()) >= length;
 }
 
 bool ZarnSerialDevice::write_memory(unsigned int address, QByteArray data)
@@ -210,12 +194,12 @@ std::optional<QString> ZarnSerialDevice::write_fault(unsigned int address, unsig
     if (num_bytes == 0) {
         return QStringLiteral("attempting to write 0 bytes");
     }
-    if (auto fault = geometry::row_fault(*m_profile, type)) {
-        return fault;
-    }
     const unsigned int row_size = m_profile->get_row_size(type);
     if (type == MEMORY_FLASH && num_bytes != row_size) {
         return QStringLiteral("num_bytes must be exactly row_size (%1)").arg(row_size);
+    }
+    if (row_size == 0) {
+        return geometry::row_fault(*m_profile, type);
     }
     if (num_bytes % row_size != 0) {
         return QStringLiteral("num_bytes must be a multiple of row_size (%1)").arg(row_size);
@@ -230,7 +214,21 @@ std::optional<QString> ZarnSerialDevice::write_fault(unsigned int address, unsig
     if (address % row_size != 0) {
         return QStringLiteral("address must be a multiple of row_size (%1)").arg(row_size);
     }
-    return std::nullopt;
+    return unwritable(address, num_bytes, type);
+}
+
+/// Geometry that the command cannot be built from.
+std::optional<QString> ZarnSerialDevice::unwritable(unsigned int address, unsigned int num_bytes,
+                                                    MemoryType type) const
+{
+    if (auto fault = geometry::row_fault(*m_profile, type)) {
+        return fault;
+    }
+    if (auto fault = geometry::length_fault(*m_profile, type, num_bytes)) {
+        return fault;
+    }
+    return geometry::wrap_fault(*m_profile, type, ATTR_MEMORY_ROW_SIZE,
+                                quint64{address} + num_bytes);
 }
 
 bool ZarnSerialDevice::erase_flash(unsigned int address, unsigned char count)
@@ -260,7 +258,11 @@ std::optional<QString> ZarnSerialDevice::erase_fault(unsigned int address) const
     if (address % page_size != 0) {
         return QStringLiteral("address must be a multiple of %1").arg(page_size);
     }
-    return std::nullopt;
+    if (auto fault = geometry::address_fault(*m_profile, MEMORY_FLASH)) {
+        return fault;
+    }
+    return geometry::wrap_fault(*m_profile, MEMORY_FLASH, ATTR_MEMORY_PAGE_SIZE,
+                                quint64{address} + page_size);
 }
 
 /// Writes and erases are acknowledged by one byte that repeats the command's first. Any other byte

@@ -35,9 +35,18 @@ bool save(const MemoryMap& map, const QFile& file)
 bool ZarnSerialDevice::read(QFile& file, const bool& abort_requested, bool include_encrypted,
                             bool include_unencrypted)
 {
-    return read_parts(file, {*m_profile, include_encrypted, include_unencrypted},
-                      limits_of(MEMORY_FLASH), limits_of(MEMORY_EEPROM),
-                      get_attr(Profile::eeprom_row_size), abort_requested);
+    const AreaFilter areas{*m_profile, include_encrypted, include_unencrypted};
+    const Span flash = limits_of(MEMORY_FLASH);
+    const Span eeprom = limits_of(MEMORY_EEPROM);
+    const unsigned int eeprom_row = get_attr(Profile::eeprom_row_size);
+    MemoryMap map(MemoryMap::default_chunk_size);
+    return check_readable(areas, flash, eeprom, eeprom_row) &&
+           read_flash(map, areas, flash, abort_requested) &&
+           walk(eeprom, eeprom_row,
+                [&](unsigned int row) {
+                    return read_eeprom(map, row, eeprom_row, abort_requested);
+                }) &&
+           save(map, file);
 }
 
 /// Within a range EEPROM is read in one request, however large.
@@ -50,25 +59,27 @@ bool ZarnSerialDevice::read_range(QFile& file, const bool& abort_requested, bool
         return false;
     }
     const Span eeprom = clip(range, limits_of(MEMORY_EEPROM));
-    if (eeprom.start > eeprom.end) {
+    if (m_profile->is_eeprom(start_address) && eeprom.start > eeprom.end) {
         return error(outside_range().arg(Util::uint_to_hex(start_address, -1)));
     }
-    return read_parts(file, {*m_profile, include_encrypted, include_unencrypted},
-                      clip(range, limits_of(MEMORY_FLASH)), eeprom, eeprom.end - eeprom.start,
-                      abort_requested);
+    const AreaFilter areas{*m_profile, include_encrypted, include_unencrypted};
+    const Span flash = clip(range, limits_of(MEMORY_FLASH));
+    const unsigned int eeprom_size = eeprom.end - eeprom.start;
+    MemoryMap map(MemoryMap::default_chunk_size);
+    return check_readable(areas, flash, eeprom, eeprom_size) &&
+           read_flash(map, areas, flash, abort_requested) &&
+           (eeprom_size == 0 || read_eeprom(map, eeprom.start, eeprom_size, abort_requested)) &&
+           save(map, file);
 }
 
-bool ZarnSerialDevice::read_parts(const QFile& file, const AreaFilter& areas, Span flash,
-                                  Span eeprom, unsigned int eeprom_request,
-                                  const bool& abort_requested)
+bool ZarnSerialDevice::check_readable(const AreaFilter& areas, Span flash, Span eeprom,
+                                      unsigned int eeprom_request)
 {
-    MemoryMap map(MemoryMap::default_chunk_size);
-    return check_geometry(!flash.is_empty(), geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
-           check_geometry(!eeprom.is_empty(), geometry::block_fault(*m_profile, MEMORY_EEPROM)) &&
-           check_geometry(!eeprom.is_empty(),
-                          geometry::block_start_fault(*m_profile, MEMORY_EEPROM, eeprom.start)) &&
-           read_flash(map, areas, flash, abort_requested) &&
-           read_eeprom(map, eeprom, eeprom_request, abort_requested) && save(map, file);
+    return check_geometry(geometry::rows_read_fault(areas, MEMORY_FLASH, flash,
+                                                    get_attr(Profile::flash_block_size),
+                                                    get_attr(Profile::flash_row_size))) &&
+           check_geometry(geometry::rows_read_fault(areas, MEMORY_EEPROM, eeprom, eeprom_request,
+                                                    eeprom_request));
 }
 
 /// One row is read at the start of each block; on most devices the two have the same size.
@@ -78,25 +89,25 @@ bool ZarnSerialDevice::read_flash(MemoryMap& map, const AreaFilter& areas, Span 
     const unsigned int row_size = get_attr(Profile::flash_row_size);
     return walk_rows(
         flash, get_attr(Profile::flash_block_size), abort_requested, [&](unsigned int row) {
-            return areas.excludes(row) || read_into(map, MEMORY_FLASH, row, row_size) ||
+            return areas.excludes(row) || read_into(map, row, row_size) ||
                    error(QStringLiteral("read() at %1 could not be performed").arg(hex8(row)));
         });
 }
 
-bool ZarnSerialDevice::read_eeprom(MemoryMap& map, Span eeprom, unsigned int request_size,
+bool ZarnSerialDevice::read_eeprom(MemoryMap& map, unsigned int address, unsigned int num_bytes,
                                    const bool& abort_requested)
 {
-    return walk_rows(eeprom, request_size, abort_requested, [&](unsigned int row) {
-        return read_into(map, MEMORY_EEPROM, row, request_size) ||
-               error(QStringLiteral("eeprom read() at %1 could not be performed").arg(hex8(row)));
-    });
+    if (abort_requested) {
+        return error(QStringLiteral("upload_firmware() aborted by user"));
+    }
+    return read_into(map, address, num_bytes) ||
+           error(QStringLiteral("eeprom read() at %1 could not be performed").arg(hex8(address)));
 }
 
-bool ZarnSerialDevice::read_into(MemoryMap& map, MemoryType type, unsigned int address,
-                                 unsigned int num_bytes)
+bool ZarnSerialDevice::read_into(MemoryMap& map, unsigned int address, unsigned int num_bytes)
 {
     QByteArray bytes;
-    if (!read_row(type, address, num_bytes, bytes)) {
+    if (!read_memory(address, num_bytes, bytes)) {
         return false;
     }
     map.write(address, bytes);

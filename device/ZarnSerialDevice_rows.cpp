@@ -3,8 +3,6 @@
 #include "memory/MemoryMap.h"
 #include "util/Util.h"
 
-#include <algorithm>
-
 namespace
 {
 
@@ -74,16 +72,8 @@ bool ZarnSerialDevice::read_row(MemoryType type, unsigned int address, unsigned 
     return read_memory(address, row_size, row);
 }
 
-bool ZarnSerialDevice::touches(const MemoryMap& map, const AreaFilter& areas, MemoryType type) const
+/// Reports a geometry fault if there is one.
+bool ZarnSerialDevice::check_geometry(const std::optional<QString>& fault)
 {
-    const auto& blobs = map.blobs();
-    return std::any_of(blobs.begin(), blobs.end(), [&](const auto& blob) {
-        return m_profile->get_memory_type(blob->address) == type && !areas.excludes(blob->address);
-    });
-}
-
-/// Reports a geometry fault when the operation at hand needs that memory.
-bool ZarnSerialDevice::check_geometry(bool needed, const std::optional<QString>& fault)
-{
-    return !needed || !fault || error(*fault);
+    return !fault || error(*fault);
 }

@@ -1,6 +1,7 @@
 #include "device/ZarnSerialDevice.h"
 
 #include <QDebug>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 
 namespace
@@ -47,14 +48,44 @@ void ZarnSerialDevice::rxdata()
 
 bool ZarnSerialDevice::read_until_terminated_or_timed_out(int timeout)
 {
-    if (timeout == 0) {
-        return true;
+    return timeout == 0 ||
+           (!refuse_within_a_wait() && wait_for_frame(timeout) == Wait::FrameComplete);
+}
+
+/// A second command would take the first one's response away from it.
+bool ZarnSerialDevice::refuse_within_a_wait()
+{
+    if (m_is_waiting) {
+        error(QStringLiteral("cannot begin a command while another waits for its answer"));
     }
+    return m_is_waiting;
+}
+
+bool ZarnSerialDevice::fail_for_ended_wait()
+{
+    return error(QStringLiteral("the wait for the device was ended from outside"));
+}
+
+/// Handles events until data completes a frame, the time is up or somebody ends the event loops,
+/// which leaves the timer running.
+ZarnSerialDevice::Wait ZarnSerialDevice::run_event_loop(int timeout)
+{
+    const QScopedValueRollback<bool> waiting(m_is_waiting, true);
     m_timer.start(timeout);
     m_event_loop.exec();
+    const bool was_ended = m_timer.isActive();
     m_timer.stop();
     m_event_loop.exit();
-    return is_terminated(m_receive_buffer);
+    return was_ended ? Wait::Ended : Wait::TimedOut;
+}
+
+ZarnSerialDevice::Wait ZarnSerialDevice::wait_for_frame(int timeout)
+{
+    if (timeout == 0) {
+        return Wait::FrameComplete;
+    }
+    const Wait wait = run_event_loop(timeout);
+    return is_terminated(m_receive_buffer) ? Wait::FrameComplete : wait;
 }
 
 void ZarnSerialDevice::discard_pending()
@@ -101,6 +132,9 @@ bool ZarnSerialDevice::send_and_receive(QByteArray command, QByteArray& response
         return error(
             QStringLiteral("expected_response_length == 0 but timeout_secs != 0 (nonsensical)"));
     }
+    if (refuse_within_a_wait()) {
+        return false;
+    }
     Q_EMIT sig_unencoded_command(command);
     QByteArray frame;
     if (!encode(command, frame)) {
@@ -108,36 +142,66 @@ bool ZarnSerialDevice::send_and_receive(QByteArray command, QByteArray& response
     }
     QString errors;
     for (int i = 0; i < max_attempts; ++i) {
-        const QString fault =
-            attempt(command, frame, response, expected_response_length, timeout_secs);
-        if (fault.isEmpty()) {
+        switch (attempt(command, frame, response, expected_response_length, timeout_secs, errors)) {
+        case Attempt::Succeeded:
             return true;
+        case Attempt::Ended:
+            return fail_for_ended_wait();
+        case Attempt::Failed:
+            break;
         }
-        errors += fault;
     }
     return error(QStringLiteral("giving up after having made %1 attempts, with errors (%2)")
                      .arg(QString::number(max_attempts), errors));
 }
 
-/// One attempt; returns what went wrong, or nothing.
-QString ZarnSerialDevice::attempt(const QByteArray& command, const QByteArray& frame,
-                                  QByteArray& response, unsigned short expected_response_length,
-                                  int timeout)
+/// Appends to `errors` what went wrong.
+ZarnSerialDevice::Attempt ZarnSerialDevice::attempt(const QByteArray& command,
+                                                    const QByteArray& frame, QByteArray& response,
+                                                    unsigned short expected_response_length,
+                                                    int timeout, QString& errors)
 {
     discard_pending();
     transmit(frame);
     if (expected_response_length == 0) {
-        return {};
+        return Attempt::Succeeded;
     }
-    if (!read_until_terminated_or_timed_out(timeout)) {
-        return QStringLiteral("Response wait timed out\n");
+    switch (wait_for_response(frame, timeout, errors)) {
+    case Wait::Ended:
+        return Attempt::Ended;
+    case Wait::TimedOut:
+        return Attempt::Failed;
+    case Wait::FrameComplete:
+        break;
     }
-    if (m_half_duplex) {
-        m_receive_buffer.remove(0, frame.size());
-        if (!read_until_terminated_or_timed_out(timeout)) {
-            return QStringLiteral("Half duplex response wait timed out\n");
-        }
+    const QString fault = accept_response(command, response, expected_response_length);
+    errors += fault;
+    return fault.isEmpty() ? Attempt::Succeeded : Attempt::Failed;
+}
+
+/// On a half duplex line the frame itself comes back first.
+ZarnSerialDevice::Wait ZarnSerialDevice::wait_for_response(const QByteArray& frame, int timeout,
+                                                           QString& errors)
+{
+    const Wait first = wait_for_frame(timeout);
+    if (first == Wait::TimedOut) {
+        errors += QStringLiteral("Response wait timed out\n");
     }
+    if (first != Wait::FrameComplete || !m_half_duplex) {
+        return first;
+    }
+    m_receive_buffer.remove(0, frame.size());
+    const Wait second = wait_for_frame(timeout);
+    if (second == Wait::TimedOut) {
+        errors += QStringLiteral("Half duplex response wait timed out\n");
+    }
+    return second;
+}
+
+/// Takes the response out of the receive buffer; returns what is wrong with it, or nothing.
+QString ZarnSerialDevice::accept_response(const QByteArray& command, QByteArray& response,
+                                          unsigned short expected_response_length)
+{
     Q_EMIT sig_encoded_response(m_receive_buffer);
     if (!decode(m_receive_buffer, response)) {
         return QStringLiteral("Could not decode message\n");

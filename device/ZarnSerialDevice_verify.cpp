@@ -3,6 +3,8 @@
 #include "memory/MemoryMap.h"
 #include "util/Util.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -23,6 +25,42 @@ QString mismatch_report(unsigned int address, const QByteArray& device_row,
                           "device data size %2\n"
                           "expected data %3")
         .arg(Util::uint_to_hex(address, -1), dump(device_row), dump(expected));
+}
+
+/// The row that is read to compare what lies at `address`: the last row of a memory is read so that
+/// it ends where the memory does.
+unsigned int row_read_for(const Profile& profile, MemoryType type, unsigned int address)
+{
+    const unsigned int row_size = profile.get_row_size(type);
+    const unsigned int maximum = profile.get_max_address(type);
+    return address + row_size > maximum ? maximum - row_size : address;
+}
+
+geometry::Fault row_fault_at(const Profile& profile, MemoryType type, unsigned int address)
+{
+    const unsigned int row = row_read_for(profile, type, address);
+    const bool fits = row >= profile.get_min_address(type) &&
+                      quint64{row} + profile.get_row_size(type) <= profile.get_max_address(type);
+    return fits ? geometry::request_fault(profile, type, row, profile.get_row_size(type))
+                : std::nullopt;
+}
+
+/// Why the rows of a blob with bytes cannot be read.
+geometry::Fault blob_fault(const Profile& profile, const AddressedBLOB& blob)
+{
+    const MemoryType type = profile.get_memory_type(blob.address);
+    if (auto fault = geometry::read_fault(profile, type)) {
+        return fault;
+    }
+    const unsigned int row_size = profile.get_row_size(type);
+    const quint64 last = quint64{blob.address} + (blob.size() - 1) / row_size * row_size;
+    if (auto fault = geometry::wrap_fault(profile, type, ATTR_MEMORY_ROW_SIZE, last + row_size)) {
+        return fault;
+    }
+    if (auto fault = row_fault_at(profile, type, blob.address)) {
+        return fault;
+    }
+    return row_fault_at(profile, type, static_cast<unsigned int>(last));
 }
 
 } // namespace
@@ -49,10 +87,11 @@ bool ZarnSerialDevice::verify_firmware(const MemoryMap* map, const bool& abort_r
 
 bool ZarnSerialDevice::can_verify(const MemoryMap& map, const AreaFilter& areas)
 {
-    return check_geometry(touches(map, areas, MEMORY_FLASH),
-                          geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
-           check_geometry(touches(map, areas, MEMORY_EEPROM),
-                          geometry::block_fault(*m_profile, MEMORY_EEPROM));
+    const auto& blobs = map.blobs();
+    return std::all_of(blobs.begin(), blobs.end(), [&](const auto& blob) {
+        return blob->size() == 0 || !areas.admits(blob->address) ||
+               check_geometry(blob_fault(*m_profile, *blob));
+    });
 }
 
 bool ZarnSerialDevice::verify_blob(const AddressedBLOB& blob, const bool& abort_requested,
@@ -77,14 +116,9 @@ unsigned int ZarnSerialDevice::verify_row(const AddressedBLOB& blob, unsigned in
 {
     const MemoryType type = m_profile->get_memory_type(blob.address);
     const unsigned int row_size = m_profile->get_row_size(type);
-    const unsigned int maximum = m_profile->get_max_address(type);
-    unsigned int address = blob.address + offset;
-    unsigned int shift = 0;
-    // The last row of a memory is read so that it ends where the memory does.
-    if (address + row_size > maximum) {
-        shift = address + row_size - maximum;
-        address = maximum - row_size;
-    }
+    const unsigned int wanted = blob.address + offset;
+    const unsigned int address = row_read_for(*m_profile, type, wanted);
+    const unsigned int shift = wanted - address;
     QByteArray expected;
     blob.read(offset, row_size, expected);
     QByteArray device_row;

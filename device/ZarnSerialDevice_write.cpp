@@ -7,19 +7,31 @@ namespace
 {
 
 /// How far the blobs of one memory reach; `empty` until there is one.
-Span extent_of(const MemoryMap& map, const AreaFilter& areas, MemoryType type, unsigned int empty)
+struct Reach {
+    unsigned int start;
+    quint64 end;
+};
+
+Reach reach_of(const MemoryMap& map, const AreaFilter& areas, MemoryType type, unsigned int empty)
 {
-    Span extent{empty, empty};
+    Reach reach{empty, empty};
     bool seen = false;
     for (const auto& blob : map.blobs()) {
         if (areas.profile.get_memory_type(blob->address) != type || areas.excludes(blob->address)) {
             continue;
         }
-        extent.start = seen ? qMin(extent.start, blob->address) : blob->address;
-        extent.end = qMax(extent.end, blob->address + blob->size());
+        reach.start = seen ? qMin(reach.start, blob->address) : blob->address;
+        reach.end = qMax(reach.end, quint64{blob->address} + blob->size());
         seen = true;
     }
-    return extent;
+    return reach;
+}
+
+/// Bytes in the whole rows of a span; a row left over at its end does not count. A span that ends
+/// before it starts counts as what the 32 bits make of it.
+unsigned int whole_rows_size(Span rows, unsigned int row_size)
+{
+    return row_size == 0 ? 0 : (rows.end - rows.start) / row_size * row_size;
 }
 
 } // namespace
@@ -33,13 +45,20 @@ bool ZarnSerialDevice::write(const MemoryMap* map, const bool& abort_requested,
     const AreaFilter areas{*m_profile, include_encrypted, include_unencrypted};
     const Span flash_limits = limits_of(MEMORY_FLASH);
     const Span eeprom_limits = limits_of(MEMORY_EEPROM);
-    Span flash = extent_of(*map, areas, MEMORY_FLASH, flash_limits.start);
-    flash.start = flash.start >= eeprom_limits.start ? flash.start : flash_limits.start;
-    flash.end = qMin(flash_limits.end, flash.end);
-    Span eeprom = extent_of(*map, areas, MEMORY_EEPROM, eeprom_limits.start);
-    eeprom.start = qMax(eeprom_limits.start, eeprom.start);
-    eeprom.end = qMin(eeprom_limits.end, eeprom.end);
-    return write_parts(*map, areas, flash, eeprom, abort_requested);
+    const Reach flash = reach_of(*map, areas, MEMORY_FLASH, flash_limits.start);
+    const Reach eeprom = reach_of(*map, areas, MEMORY_EEPROM, eeprom_limits.start);
+    if (!check_geometry(
+            geometry::wrap_fault(*m_profile, MEMORY_FLASH, ATTR_MEMORY_ROW_SIZE, flash.end)) ||
+        !check_geometry(
+            geometry::wrap_fault(*m_profile, MEMORY_EEPROM, ATTR_MEMORY_ROW_SIZE, eeprom.end))) {
+        return false;
+    }
+    return write_parts(*map, areas,
+                       {flash.start >= eeprom_limits.start ? flash.start : flash_limits.start,
+                        qMin(flash_limits.end, static_cast<unsigned int>(flash.end))},
+                       {qMax(eeprom_limits.start, eeprom.start),
+                        qMin(eeprom_limits.end, static_cast<unsigned int>(eeprom.end))},
+                       abort_requested);
 }
 
 bool ZarnSerialDevice::write_range(const MemoryMap* map, unsigned int start_address,
@@ -60,13 +79,13 @@ bool ZarnSerialDevice::write_range(const MemoryMap* map, unsigned int start_addr
 bool ZarnSerialDevice::write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash,
                                    Span eeprom, const bool& abort_requested)
 {
-    if (!check_geometry(!flash.is_empty(), geometry::row_fault(*m_profile, MEMORY_FLASH)) ||
-        !check_geometry(!eeprom.is_empty(), geometry::row_fault(*m_profile, MEMORY_EEPROM))) {
+    if (!check_geometry(geometry::rows_write_fault(areas, MEMORY_FLASH, flash)) ||
+        !check_geometry(geometry::rows_write_fault(areas, MEMORY_EEPROM, eeprom))) {
         return false;
     }
     const unsigned int flash_row = get_attr(Profile::flash_row_size);
     const unsigned int eeprom_row = get_attr(Profile::eeprom_row_size);
-    Progress progress{0, eeprom.whole_rows(eeprom_row) + flash.whole_rows(flash_row)};
+    Progress progress{0, whole_rows_size(eeprom, eeprom_row) + whole_rows_size(flash, flash_row)};
     Q_EMIT sig_upload_progress(progress.processed, progress.total);
     if (!open_port()) {
         return false;

@@ -5,6 +5,8 @@
 
 #include <QDebug>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -26,6 +28,46 @@ void tell_skipped(unsigned int address, const AreaFilter& areas)
 Span range_of(const AddressedBLOB& blob)
 {
     return {blob.address, blob.address + blob.size()};
+}
+
+/// Programming a row reads it back, so flash needs all figures of a read as well.
+geometry::Fault pages_fault(const AreaFilter& areas, const AddressedBLOB& blob)
+{
+    const Profile& profile = areas.profile;
+    if (auto fault = geometry::read_fault(profile, MEMORY_FLASH)) {
+        return fault;
+    }
+    if (auto fault = geometry::page_fault(profile)) {
+        return fault;
+    }
+    const unsigned int page_size = profile.get_page_size(MEMORY_FLASH);
+    const quint64 end = quint64{blob.address} + blob.size();
+    if (auto fault = geometry::wrap_fault(profile, MEMORY_FLASH, ATTR_MEMORY_PAGE_SIZE,
+                                          end + page_size - 1)) {
+        return fault;
+    }
+    const Span pages = range_of(blob).widened_to(page_size);
+    const unsigned int row_size = profile.get_row_size(MEMORY_FLASH);
+    return geometry::rows_read_fault({profile, true, true}, MEMORY_FLASH,
+                                     {pages.end - page_size, pages.end}, row_size, row_size);
+}
+
+geometry::Fault eeprom_rows_fault(const AreaFilter& areas, const AddressedBLOB& blob)
+{
+    const Profile& profile = areas.profile;
+    if (auto fault = geometry::row_fault(profile, MEMORY_EEPROM)) {
+        return fault;
+    }
+    const quint64 end = quint64{blob.address} + blob.size();
+    return geometry::wrap_fault(profile, MEMORY_EEPROM, ATTR_MEMORY_ROW_SIZE,
+                                end + profile.get_row_size(MEMORY_EEPROM) - 1);
+}
+
+/// Why a blob that takes part cannot be written.
+geometry::Fault blob_fault(const AreaFilter& areas, const AddressedBLOB& blob)
+{
+    return areas.profile.is_flash(blob.address) ? pages_fault(areas, blob)
+                                                : eeprom_rows_fault(areas, blob);
 }
 
 } // namespace
@@ -61,11 +103,10 @@ bool ZarnSerialDevice::write_with_verify(const MemoryMap* map, const bool& abort
 
 bool ZarnSerialDevice::can_write_with_verify(const MemoryMap& map, const AreaFilter& areas)
 {
-    const bool flash = touches(map, areas, MEMORY_FLASH);
-    const bool eeprom = touches(map, areas, MEMORY_EEPROM);
-    return check_geometry(flash, geometry::block_fault(*m_profile, MEMORY_FLASH)) &&
-           check_geometry(flash, geometry::page_fault(*m_profile)) &&
-           check_geometry(eeprom, geometry::row_fault(*m_profile, MEMORY_EEPROM));
+    const auto& blobs = map.blobs();
+    return std::all_of(blobs.begin(), blobs.end(), [&](const auto& blob) {
+        return !areas.admits(blob->address) || check_geometry(blob_fault(areas, *blob));
+    });
 }
 
 /// The pages that hold the image's flash bytes; a blob belongs to the area that it begins in.

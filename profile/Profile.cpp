@@ -1,7 +1,5 @@
 #include "profile/Profile.h"
 
-#include "profile/MemoryAttributes.h"
-
 #include <QDebug>
 #include <QException>
 
@@ -58,8 +56,6 @@ std::optional<unsigned int> number_in_field(const QString& field)
 Profile::Profile(QStringList fields)
 {
     read_fields(fields);
-    require_words_per_address(MEMORY_FLASH, fields);
-    require_words_per_address(MEMORY_EEPROM, fields);
     scale_addresses();
     boundaries = {
         attributes[flash_end_address_bytes],      attributes[eeprom_start_address],
@@ -77,19 +73,18 @@ void Profile::read_fields(const QStringList& fields)
             continue;
         }
         const std::optional<unsigned int> number = number_in_field(field);
-        if (!number) {
+        if (!number || (*number == 0 && is_divided_by(static_cast<Attr>(i)))) {
             reject_field(static_cast<Attr>(i), field, name);
         }
         attributes.at(static_cast<std::size_t>(i)) = *number;
     }
 }
 
-void Profile::require_words_per_address(MemoryType t, const QStringList& fields) const
+/// A memory's words per address come after its word size in a row.
+bool Profile::is_divided_by(Attr a) const
 {
-    if (has_memory_type(t) && get_words_per_address(t) == 0) {
-        const Attr a = ATTR_WORDS_PER_ADDRESS.at(static_cast<std::size_t>(t));
-        reject_field(a, fields.value(a), name);
-    }
+    return (a == flash_words_per_address && has_memory_type(MEMORY_FLASH)) ||
+           (a == eeprom_words_per_address && has_memory_type(MEMORY_EEPROM));
 }
 
 // The start of EEPROM is the one address that the table gives in the image's own bytes although

@@ -101,7 +101,7 @@ public:
 
 private:
     void read_fields(const QStringList& fields);
-    void require_words_per_address(MemoryType t, const QStringList& fields) const;
+    bool is_divided_by(Attr a) const;
     void scale_addresses();
     QString detail(Attr a) const;
 };

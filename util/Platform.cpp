@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 #endif
 
@@ -38,6 +39,13 @@ qint64 read_available(QFile& file, char* data, qint64 size)
     return count;
 }
 
+bool has_hung_up(qintptr descriptor)
+{
+    pollfd entry{};
+    entry.fd = static_cast<int>(descriptor);
+    return ::poll(&entry, 1, 0) > 0 && (entry.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
 #else
 
 void occupy_standard_descriptors() {}
@@ -47,6 +55,11 @@ void let_impossible_writes_fail() {}
 qint64 read_available(QFile& file, char* data, qint64 size)
 {
     return file.read(data, file.isSequential() ? qMin<qint64>(size, 1) : size);
+}
+
+bool has_hung_up(qintptr)
+{
+    return true;
 }
 
 #endif

@@ -22,4 +22,8 @@ void let_impossible_writes_fail();
 /// nothing to read, and no longer. 0 at the end of the file, -1 for an error.
 qint64 read_available(QFile& file, char* data, qint64 size);
 
+/// Whether the device that the open `descriptor` (QSerialPort::handle()) stands for has gone away.
+/// True as well where the system cannot be asked.
+bool has_hung_up(qintptr descriptor);
+
 } // namespace Platform

@@ -2,85 +2,150 @@
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Image.h"
 #include "tests/support/Replies.h"
-#include "tests/support/Upload.h"
+#include "tests/support/RowName.h"
 
+#include <QFile>
 #include <gmock/gmock.h>
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+#include <functional>
+#include <utility>
+#include <vector>
 
-// Addresses next to the end of the address space: nothing may wrap round to its beginning and go
-// on for ever.
+using testing::ElementsAre;
+
+// Addresses next to the end of the address space: an operation whose sums would wrap round to its
+// beginning is refused before it sends anything.
 
 namespace
 {
 
-/// Writes a range with an image whose 16 bytes are at its start.
-bool write_range(DeviceOnLine& line, unsigned int start, unsigned int end)
+using Operation = std::function<bool(ZarnSerialDevice&)>;
+
+const bool never = false;
+
+Operation write(const std::vector<std::pair<unsigned int, QByteArray>>& pieces)
 {
-    const MemoryMap map = image({{start, counting(16)}});
-    const bool abort_requested = false;
-    return line.device.write_range(&map, start, end, abort_requested, true, true);
+    return [=](ZarnSerialDevice& device) {
+        const MemoryMap map = image(pieces);
+        return device.write(&map, never, true, true);
+    };
 }
+
+Operation write_with_verify(unsigned int address)
+{
+    return [=](ZarnSerialDevice& device) {
+        const MemoryMap map = image({{address, counting(16)}});
+        return device.write_with_verify(&map, never, true, true, true);
+    };
+}
+
+Operation verify(unsigned int address)
+{
+    return [=](ZarnSerialDevice& device) {
+        const MemoryMap map = image({{address, counting(16)}});
+        return device.verify_firmware(&map, never, true, true);
+    };
+}
+
+Operation write_range(unsigned int start, unsigned int end)
+{
+    return [=](ZarnSerialDevice& device) {
+        const MemoryMap map = image({{start, counting(16)}});
+        return device.write_range(&map, start, end, never, true, true);
+    };
+}
+
+Operation read_range(unsigned int start, unsigned int end)
+{
+    return [=](ZarnSerialDevice& device) {
+        QFile file(QStringLiteral("never made.hex"));
+        return device.read_range(file, never, true, true, start, end);
+    };
+}
+
+Operation read_memory(unsigned int address, unsigned int num_bytes)
+{
+    return [=](ZarnSerialDevice& device) {
+        QByteArray data;
+        return device.read_memory(address, num_bytes, data);
+    };
+}
+
+struct Wrapping {
+    const char* name;
+    const char* device;
+    Operation operation;
+    const char* unit;
+};
+
+const Wrapping wrapping[] = {
+    {"EraseAll", "flash-to-the-top",
+     [](ZarnSerialDevice& device) { return device.erase_all(true, true); },
+     "flash_page_size 268435456"},
+    {"EraseAllOfFlashThatIsLeftOut", "flash-to-the-top",
+     [](ZarnSerialDevice& device) { return device.erase_all(true, false); },
+     "flash_page_size 268435456"},
+    {"EraseRange", "flash-to-the-top",
+     [](ZarnSerialDevice& device) {
+         return device.erase_range(true, true, 0xF0000000, 0xFFFFFFFF);
+     },
+     "flash_page_size 268435456"},
+    {"ErasePage", "flash-to-the-top",
+     [](ZarnSerialDevice& device) { return device.erase_flash(0xF0000000, 1); },
+     "flash_page_size 268435456"},
+    {"ReadFromTheTopOnIntoTheBottom", "flash-to-the-top", read_memory(0xFFFFFFF0, 0x20),
+     "flash_row_size 128"},
+    {"ReadOfTheLastBlock", "flash-to-the-top", read_memory(0xFFFFFF00, 0x80),
+     "flash_block_size 256"},
+    {"ReadOfARange", "flash-to-the-top", read_range(0xFFFFFE00, 0xFFFFFFFF),
+     "flash_block_size 256"},
+    {"ReadOfARangeOfEeprom", "eeprom-to-the-top", read_range(0xFFFFFFF0, 0xFFFFFFFF),
+     "eeprom_block_size 16"},
+    {"WriteOfTheLastRow", "flash-to-the-top", write({{0xFFFFFFF8, counting(7)}}),
+     "flash_row_size 128"},
+    {"WriteOfABlobThatWraps", "flash-to-the-top", write({{0xFFFFFFF8, counting(16)}}),
+     "flash_row_size 128"},
+    {"WriteOfABlobThatWrapsInEeprom", "eeprom-to-the-top", write({{0xFFFFFFF8, counting(16)}}),
+     "eeprom_row_size 16"},
+    {"WriteOfARange", "flash-to-the-top", write_range(0xFFFFFF00, 0xFFFFFFFF),
+     "flash_row_size 128"},
+    {"WriteOfARangeOfEeprom", "eeprom-to-the-top", write_range(0xFFFFFFD0, 0xFFFFFFFF),
+     "eeprom_row_size 16"},
+    {"WriteWithVerifyOfTheLastPage", "flash-to-the-top", write_with_verify(0xF0000000),
+     "flash_page_size 268435456"},
+    {"WriteWithVerifyOfTheLastEepromRow", "eeprom-to-the-top", write_with_verify(0xFFFFFFEF),
+     "eeprom_row_size 16"},
+    {"VerifyOfTheLastRow", "flash-to-the-top", verify(0xFFFFFF80), "flash_row_size 128"},
+    {"VerifyOfTheLastEepromRow", "eeprom-to-the-top", verify(0xFFFFFFF0), "eeprom_row_size 16"},
+};
+
+class WrappingSums : public testing::TestWithParam<Wrapping>
+{
+};
 
 } // namespace
 
-TEST(TopOfTheAddressSpace, IsErasedInOneRun)
+TEST_P(WrappingSums, AreRefusedBeforeAnythingIsSent)
+{
+    DeviceOnLine line(GetParam().device);
+    EXPECT_FALSE(GetParam().operation(line.device));
+    const std::string end = QByteArray(GetParam().device).startsWith("flash")
+                                ? "flash_end_address_bytes"
+                                : "eeprom_end_address";
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_error unusable geometry in device profile '" +
+                            std::string(GetParam().device) + "': " + end + " is 0xFFFFFFFF, and " +
+                            GetParam().unit + " leads beyond address 0xFFFFFFFF"));
+    EXPECT_FALSE(line.port.is_open());
+}
+
+INSTANTIATE_TEST_SUITE_P(, WrappingSums, testing::ValuesIn(wrapping), row_name);
+
+TEST(TopOfTheAddressSpace, CanBeReachedByWhatDoesNotWrap)
 {
     DeviceOnLine line("flash-to-the-top");
     line.simulated.set_reply_filter(acknowledge_everything());
-    EXPECT_TRUE(line.device.erase_all(true, true));
-    EXPECT_THAT(line.sent(), ElementsAre("03 10 00 00 00"));
-}
-
-TEST(TopOfTheAddressSpace, IsARangeToEraseThatWrapsToNothing)
-{
-    DeviceOnLine line("flash-to-the-top");
-    EXPECT_TRUE(line.device.erase_range(true, true, 0xF0000000, 0xFFFFFFFF));
-    EXPECT_THAT(line.sent(), IsEmpty());
-    EXPECT_THAT(line.recorder.lines(), IsEmpty());
-}
-
-TEST(TopOfTheAddressSpace, IsReadOnIntoTheBottom)
-{
-    DeviceOnLine line("flash-to-the-top");
-    line.simulated.memory().preset(0xFFFFF0, counting(16));
-    line.simulated.memory().preset(0, counting(16, 16));
-    QByteArray data;
-    EXPECT_TRUE(line.device.read_memory(0xFFFFFFF0, 0x20, data));
-    EXPECT_EQ(data, counting(32));
-    EXPECT_THAT(line.sent(), ElementsAre("01 80 00 FF FF", "01 80 80 FF FF", "01 80 00 00 00",
-                                         "01 80 80 00 00"));
-}
-
-TEST(TopOfTheAddressSpace, HoldsAFlashRowThatNoImageReaches)
-{
-    DeviceOnLine line("flash-to-the-top");
-    EXPECT_TRUE(write_range(line, 0xFFFFFF00, 0xFFFFFFFF));
-    EXPECT_EQ(line.sent().size(), 1U);
-    EXPECT_EQ(line.recorder.operation(), completed_upload({0, 128, 256}, 128));
-}
-
-TEST(TopOfTheAddressSpace, IsNotWrittenFromABlobThatWraps)
-{
-    DeviceOnLine line("flash-to-the-top");
-    const MemoryMap map = image({{0xFFFFFFF8, counting(16)}});
-    const bool abort_requested = false;
-    EXPECT_TRUE(line.device.write(&map, abort_requested, true, true));
-    EXPECT_THAT(line.sent(), IsEmpty());
-    EXPECT_EQ(line.recorder.operation(), completed_upload({0}, 0));
-}
-
-TEST(TopOfTheAddressSpace, HoldsAnEepromRowThatIsNotWhole)
-{
-    DeviceOnLine line("eeprom-to-the-top");
-    line.simulated.set_reply_filter(acknowledge_everything());
-    EXPECT_FALSE(write_range(line, 0xFFFFFFD0, 0xFFFFFFFF));
-    EXPECT_EQ(line.sent().size(), 2U);
-    EXPECT_THAT(line.recorder.operation(),
-                ElementsAre("sig_upload_progress 0 of 32", "sig_upload_progress 16 of 32",
-                            "sig_upload_progress 32 of 32",
-                            "sig_error start and end addresses correspond to different memory "
-                            "types",
-                            "sig_error unable to write EEPROM row at address 0xFFFFFFF0"));
+    EXPECT_TRUE(line.device.erase_range(true, true, 0, 0xEFFFFFFF));
+    EXPECT_TRUE(write_range(0xFFFFFE00, 0xFFFFFF00)(line.device));
+    EXPECT_EQ(line.sent().front(), "03 0F 00 00 00");
 }

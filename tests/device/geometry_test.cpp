@@ -7,11 +7,13 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 using testing::ElementsAre;
 
 // A profile table may come from anywhere. Geometry that no command can be built from ends in a
-// message, before anything is sent.
+// message, before anything is sent; all other geometry is worked with as it is.
 
 namespace
 {
@@ -79,27 +81,22 @@ struct Unusable {
     const char* fault;
 };
 
-const char* const no_flash_row = "flash_row_size is 0, expected 2 to 16777216";
-const char* const short_flash_row = "flash_row_size is 1, expected 2 to 16777216";
-const char* const endless_flash_row = "flash_row_size is 33554432, expected 2 to 16777216";
-const char* const no_flash_block = "flash_block_size is 0, expected 2 to 16384";
-const char* const short_flash_block = "flash_block_size is 1, expected 2 to 16384";
-const char* const endless_flash_block = "flash_block_size is 16777216, expected 2 to 16384";
-const char* const no_flash_page = "flash_page_size is 0, expected 1 to 16384";
-const char* const endless_flash_page = "flash_page_size is 2147483648, expected 1 to 2147483647";
-const char* const no_flash_words = "flash_word_size is 0, expected 1 to 16777216";
+const char* const no_flash_row = "flash_row_size is 0, expected 1 to 1073741568";
+const char* const immense_flash_row = "flash_row_size is 1073741569, expected 1 to 1073741568";
+const char* const immense_flash_words = "flash_word_size is 1073741569, expected 1 to 1073741568";
+const char* const no_flash_block = "flash_block_size is 0, expected 1 to 4294967295";
+const char* const no_flash_page = "flash_page_size is 0, expected 1 to 4294967295";
+const char* const page_that_wraps = "flash_page_size is 2147483648, expected 1 to 2147483647";
+const char* const no_flash_words = "flash_word_size is 0, expected 1 to 4294967295";
 const char* const fine_flash = "flash_words_per_address is 4, expected 1 to 2";
-const char* const no_eeprom_row = "eeprom_row_size is 0, expected 1 to 16777216";
-const char* const short_eeprom_row = "eeprom_row_size is 1, expected 2 to 16777216";
-const char* const no_eeprom_block = "eeprom_block_size is 0, expected 1 to 33024";
-const char* const short_eeprom_block = "eeprom_block_size is 1, expected 2 to 33024";
-const char* const no_eeprom_words = "eeprom_word_size is 0, expected 1 to 16777216";
+const char* const no_eeprom_row = "eeprom_row_size is 0, expected 1 to 1073741568";
+const char* const no_eeprom_block = "eeprom_block_size is 0, expected 1 to 4294967295";
+const char* const no_eeprom_words = "eeprom_word_size is 0, expected 1 to 4294967295";
 const char* const misplaced_eeprom =
     "eeprom_start_address is 0x00008004, expected a multiple of eeprom_block_size 8";
 
 const Unusable unusable[] = {
     {"ReadWithoutFlashRow", "zero-flash-row", read(0x1000), no_flash_row},
-    {"WriteMemoryWithoutFlashRow", "zero-flash-row", write_row(0x1000, 64), no_flash_row},
     {"WriteWithoutFlashRow", "zero-flash-row", write(0x1000), no_flash_row},
     {"WriteRangeWithoutFlashRow", "zero-flash-row", write_range(0x1000, 0x1040), no_flash_row},
     {"ReadWithoutFlashBlock", "zero-flash-block", read(0x1000), no_flash_block},
@@ -107,18 +104,14 @@ const Unusable unusable[] = {
      no_flash_block},
     {"WriteRangeIntoFlashWithoutBlock", "zero-flash-block", write_range(0x100, 0x1040),
      no_flash_block},
-    {"ReadWithEndlessFlashBlock", "endless-block", read(0x1000), endless_flash_block},
     {"ErasePageWithoutPage", "zero-flash-page", erase_page(0x1000), no_flash_page},
     {"EraseAllWithoutPage", "zero-flash-page", erase_all(), no_flash_page},
     {"EraseRangeWithoutPage", "zero-flash-page", erase_range(), no_flash_page},
-    {"EraseAllByEndlessPages", "overflowing-page", erase_all(), endless_flash_page},
-    {"EraseRangeByEndlessPages", "overflowing-page", erase_range(), endless_flash_page},
-    {"ReadWithShortFlashRow", "flash-row-below-word", read(0x1000), short_flash_row},
-    {"WriteMemoryWithShortFlashRow", "flash-row-below-word", write_row(0x1000, 1), short_flash_row},
-    {"WriteWithShortFlashRow", "flash-row-below-word", write(0x1000), short_flash_row},
-    {"ReadWithShortFlashBlock", "flash-block-below-word", read(0x1000), short_flash_block},
-    {"ReadWithEndlessRow", "endless-row", read(0x1000), endless_flash_row},
-    {"WriteWithEndlessRow", "endless-row", write(0x1000), endless_flash_row},
+    {"EraseAllByPagesThatWrapToNothing", "overflowing-page", erase_all(), page_that_wraps},
+    {"ReadWithImmenseRow", "immense-row", read(0x1000), immense_flash_row},
+    {"WriteWithImmenseRow", "immense-row", write(0x1000), immense_flash_row},
+    {"ReadWithImmenseWords", "immense-words", read(0x1000), immense_flash_words},
+    {"WriteWithImmenseWords", "immense-words", write(0x1000), immense_flash_words},
     {"ReadWithoutFlashWords", "no-flash-words", read(0x1000), no_flash_words},
     {"WriteMemoryWithoutFlashWords", "no-flash-words", write_row(0x1000, 64), no_flash_words},
     {"ErasePageWithoutFlashWords", "no-flash-words", erase_page(0x1000), no_flash_words},
@@ -138,13 +131,12 @@ const Unusable unusable[] = {
     {"WriteWithoutEepromRow", "zero-eeprom-row", write(0x8000), no_eeprom_row},
     {"WriteRangeWithoutEepromRow", "zero-eeprom-row", write_range(0x8000, 0x8010), no_eeprom_row},
     {"ReadWithoutEepromBlock", "zero-eeprom-block", read(0x8000), no_eeprom_block},
-    {"ReadWithShortEepromRow", "eeprom-row-below-word", read(0x8000), short_eeprom_row},
-    {"WriteWithShortEepromRow", "eeprom-row-below-word", write(0x8000), short_eeprom_row},
-    {"ReadWithShortEepromBlock", "eeprom-block-below-word", read(0x8000), short_eeprom_block},
     {"ReadWithoutEepromWords", "no-eeprom-words", read(0x8000), no_eeprom_words},
     {"WriteMemoryWithoutEepromWords", "no-eeprom-words", write_row(0x8000, 16), no_eeprom_words},
     {"WriteWithoutEepromWords", "no-eeprom-words", write(0x8000), no_eeprom_words},
     {"ReadOfMisplacedEeprom", "misplaced-eeprom", read(0x8004), misplaced_eeprom},
+    {"ReadOfABlockLargerThanEeprom", "eeprom-block-above-eeprom", read(0x8000),
+     "eeprom_start_address is 0x00008000, expected a multiple of eeprom_block_size 65536"},
 };
 
 class UnusableGeometry : public testing::TestWithParam<Unusable>
@@ -169,6 +161,60 @@ const Usable usable[] = {
     {"ReadOfFlashWithoutEepromWords", "no-eeprom-words", read(0x1000)},
     {"ReadOfMisplacedEepromBehindItsFirstBlock", "misplaced-eeprom", read(0x8008)},
     {"WriteOfFlashWithFineEeprom", "eeprom-divisor-zero", write(0x1000)},
+    {"WriteOfMisplacedEeprom", "misplaced-eeprom", write(0x8010)},
+    {"ReadWithRowBeyondAllMemory", "endless-row", read(0x1000)},
+    {"WriteMemoryWithRowBelowAWord", "flash-row-below-word", write_row(0x1000, 1)},
+    {"WriteWithRowBelowAWord", "flash-row-below-word", write(0x1000)},
+    {"WriteOfEepromWithRowBelowAWord", "eeprom-row-below-word", write(0x8000)},
+    {"WriteWithBlockBelowAWord", "flash-block-below-word", write(0x1000)},
+};
+
+// Figures that lead to commands that the checks of every command refuse.
+struct Strange {
+    const char* name;
+    const char* device;
+    Operation operation;
+    std::vector<std::string> messages;
+};
+
+const char* const nothing_expected =
+    "sig_error expected_response_length == 0 but max_attempts != 1 (nonsensical)";
+const char* const different_types =
+    "sig_error start and end addresses correspond to different memory types";
+
+const Strange strange[] = {
+    {"WriteMemoryWithoutFlashRow",
+     "zero-flash-row",
+     write_row(0x1000, 64),
+     {"sig_error num_bytes must be exactly row_size (0)"}},
+    {"ReadWithRowBelowAWord", "flash-row-below-word", read(0x1000), {nothing_expected}},
+    {"ReadWithBlockBelowAWord", "flash-block-below-word", read(0x1000), {nothing_expected}},
+    {"ReadWithEepromRowBelowAWord", "eeprom-row-below-word", read(0x8000), {nothing_expected}},
+    {"ReadWithEepromBlockBelowAWord", "eeprom-block-below-word", read(0x8000), {nothing_expected}},
+    {"WriteWithRowBeyondAllMemory",
+     "endless-row",
+     write(0x1000),
+     {"sig_upload_progress 0 of 0", different_types,
+      "sig_error unable to write flash row at address 0x00000800"}},
+    {"EraseRangeByPagesLargerThanFlash",
+     "page-above-flash",
+     erase_range(),
+     {"sig_error address + page_size > 0x00004000",
+      "sig_error unable to erase 1 flash pages at address 0x00000800"}},
+    {"EraseAllByPagesLargerThanFlash",
+     "page-above-flash",
+     erase_all(),
+     {"sig_error address + page_size > 0x00004000",
+      "sig_error unable to erase 1 flash pages at address 0x00000800"}},
+    {"EraseRangeByPagesOfHalfTheAddressSpace",
+     "overflowing-page",
+     erase_range(),
+     {"sig_error address must be a multiple of 2147483648",
+      "sig_error unable to erase 1 flash pages at address 0x00000800"}},
+};
+
+class StrangeGeometry : public testing::TestWithParam<Strange>
+{
 };
 
 class UsableGeometry : public testing::TestWithParam<Usable>
@@ -204,6 +250,59 @@ TEST_P(UsableGeometry, OfTheRestOfTheDeviceStillWorks)
 }
 
 INSTANTIATE_TEST_SUITE_P(, UsableGeometry, testing::ValuesIn(usable), row_name);
+
+TEST_P(StrangeGeometry, FailsWithTheMessageOfTheCheckThatItMeets)
+{
+    DeviceOnLine line(GetParam().device);
+    EXPECT_FALSE(GetParam().operation(line.device));
+    EXPECT_EQ(line.recorder.lines(), GetParam().messages);
+    EXPECT_TRUE(line.sent().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, StrangeGeometry, testing::ValuesIn(strange), row_name);
+
+TEST(PagesLargerThanFlash, AreNoneToEraseWhenAllOfItIsLeftOut)
+{
+    DeviceOnLine line("page-above-flash");
+    EXPECT_TRUE(line.device.erase_all(false, true));
+    EXPECT_TRUE(line.recorder.lines().empty());
+    EXPECT_TRUE(line.sent().empty());
+}
+
+TEST(WordsOfManyBytes, AreReadInAnswersLongerThanALengthOf16Bits)
+{
+    DeviceOnLine line("kilobyte-words");
+    line.simulated.set_reply_filter([](const sim::Command& command, const QByteArray&) {
+        return frame_of(command.payload + counting(66 * 1024));
+    });
+    QByteArray data;
+    EXPECT_TRUE(line.device.read_memory(0x20000, 66 * 1024, data));
+    EXPECT_EQ(data, counting(66 * 1024));
+    EXPECT_THAT(line.sent(), ElementsAre("01 42 80 00 00"));
+}
+
+TEST(WordsOfManyBytes, AreNotReadFromAnAnswerThatLacks65536Bytes)
+{
+    DeviceOnLine line("kilobyte-words");
+    line.simulated.set_reply_filter([](const sim::Command& command, const QByteArray&) {
+        return frame_of(command.payload + counting(2 * 1024));
+    });
+    QByteArray data;
+    EXPECT_FALSE(line.device.read_memory(0x20000, 66 * 1024, data));
+}
+
+TEST(ABlockThatReachesBeyondFlash, IsReadAsFarAsFlashGoes)
+{
+    DeviceOnLine line("endless-block");
+    const QByteArray all = counting(0x4000);
+    line.simulated.memory().preset(0, all);
+    QByteArray data;
+    EXPECT_TRUE(line.device.read_memory(0x3FFE, 2, data));
+    EXPECT_EQ(data, all.right(2));
+    ASSERT_EQ(line.sent().size(), 0x4000U / 0x40);
+    EXPECT_EQ(line.sent().front(), "01 20 00 00 00");
+    EXPECT_EQ(line.sent().back(), "01 20 E0 1F 00");
+}
 
 TEST(EepromThatScalesToNothing, IsNoMemory)
 {

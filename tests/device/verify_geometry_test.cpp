@@ -55,8 +55,7 @@ TEST_P(VerifyOfBadFlash, DoesNotMatterWhenFlashIsExcluded)
 }
 
 INSTANTIATE_TEST_SUITE_P(, VerifyOfBadFlash,
-                         Values(zero_flash_row, flash_row_below_word, zero_flash_block,
-                                flash_block_below_word, flash_block_above_flash, no_flash_words,
+                         Values(zero_flash_row, zero_flash_block, no_flash_words,
                                 flash_divisor_zero),
                          device_name);
 
@@ -71,14 +70,29 @@ TEST_P(VerifyOfBadEeprom, DoesNotMatterForFlash)
 }
 
 INSTANTIATE_TEST_SUITE_P(, VerifyOfBadEeprom,
-                         Values(zero_eeprom_row, eeprom_row_below_word, zero_eeprom_block,
-                                eeprom_block_below_word, eeprom_block_above_eeprom,
-                                no_eeprom_words),
-                         device_name);
+                         Values(zero_eeprom_row, zero_eeprom_block, no_eeprom_words), device_name);
+
+TEST(VerifyOfRowsBelowAWord, FailsAtTheFirst)
+{
+    OperationBench bench("flash-row-below-word", {{0x200, 4}});
+    EXPECT_FALSE(bench.verify());
+    EXPECT_THAT(bench.line.recorder.lines(),
+                testing::ElementsAre(
+                    "sig_error expected_response_length == 0 but max_attempts != 1 (nonsensical)"));
+}
+
+TEST(VerifyOfABlockThatReachesAboveFlash, AsksForWhatTheBlockHasOfFlash)
+{
+    OperationBench bench("flash-block-above-flash", {{0x200, 4}});
+    bench.install_image();
+    EXPECT_TRUE(bench.verify());
+    EXPECT_EQ(bench.line.sent().size(), 12U);
+    EXPECT_EQ(bench.line.sent().back(), read_flash_row(0x2C0));
+}
 
 TEST(VerifyOfMisplacedEeprom, IsRefusedWhereABlockBeginsBeforeIt)
 {
-    OperationBench bench("misplaced-eeprom", {{0x1004, 2}});
+    OperationBench bench("misplaced-eeprom", {{0x200, 4}, {0x1004, 2}});
     bench.install_image();
     EXPECT_FALSE(bench.verify());
     EXPECT_THAT(bench.line.recorder.lines(),

@@ -65,9 +65,8 @@ TEST_P(WriteOfBadFlash, DoesNotMatterWhenFlashIsExcluded)
 }
 
 INSTANTIATE_TEST_SUITE_P(WithVerify, WriteOfBadFlash,
-                         Values(zero_flash_row, flash_row_below_word, zero_flash_block,
-                                flash_block_below_word, flash_block_above_flash, no_flash_words,
-                                flash_divisor_zero, zero_flash_page, page_above_flash),
+                         Values(zero_flash_row, zero_flash_block, no_flash_words,
+                                flash_divisor_zero, zero_flash_page),
                          device_name);
 
 TEST_P(WriteOfBadEeprom, NamesTheAttribute)
@@ -80,8 +79,7 @@ TEST_P(WriteOfBadEeprom, DoesNotMatterForFlash)
     expect_success_of(flash, flash_commands);
 }
 
-INSTANTIATE_TEST_SUITE_P(WithVerify, WriteOfBadEeprom,
-                         Values(zero_eeprom_row, eeprom_row_below_word, no_eeprom_words),
+INSTANTIATE_TEST_SUITE_P(WithVerify, WriteOfBadEeprom, Values(zero_eeprom_row, no_eeprom_words),
                          device_name);
 
 TEST(WriteWithVerifyOfADeviceWithoutEepromBlocks, IsNoneOfItsBusiness)
@@ -89,4 +87,23 @@ TEST(WriteWithVerifyOfADeviceWithoutEepromBlocks, IsNoneOfItsBusiness)
     OperationBench bench("zero-eeprom-block", eeprom);
     EXPECT_TRUE(bench.write_with_verify(true));
     EXPECT_EQ(bench.line.sent(), eeprom_commands);
+}
+
+TEST(WriteWithVerifyByPagesLargerThanFlash, FailsToEraseTheFirst)
+{
+    OperationBench bench("page-above-flash", {{0x200, 4}, {0x1000, 4}});
+    EXPECT_FALSE(bench.write_with_verify(true));
+    EXPECT_THAT(bench.line.recorder.lines(),
+                testing::ElementsAre("sig_upload_progress 0 of 785",
+                                     "sig_error address < 0x00000100",
+                                     "sig_error unable to erase flash page at address "
+                                     "0x00000000"));
+    EXPECT_THAT(bench.line.sent(), IsEmpty());
+}
+
+TEST(WriteWithVerifyOfMisplacedEeprom, WritesItUnread)
+{
+    OperationBench bench("misplaced-eeprom", {{0x1004, 2}});
+    EXPECT_TRUE(bench.write_with_verify(false));
+    EXPECT_EQ(bench.line.sent().size(), 1U);
 }

@@ -40,6 +40,10 @@ INSTANTIATE_TEST_SUITE_P(
                     GoodNumber{"ZeroTwice", "00", 0}, GoodNumber{"OneDigit", "7", 7},
                     GoodNumber{"HexadecimalZero", "0x0", 0},
                     GoodNumber{"LongZeros", "0x00000000000000000000001", 1},
+                    GoodNumber{"BlanksAround", " 115200 ", 115200},
+                    GoodNumber{"Plus", "+115200", 115200},
+                    GoodNumber{"BlanksAndPlusBehindAPrefix", "0x +1C200 ", 115200},
+                    GoodNumber{"TwoHexadecimalPrefixes", "0x0x12", 0x12},
                     GoodNumber{"LargestDecimal", "4294967295", 4294967295U},
                     GoodNumber{"LargestHexadecimal", "0xFFFFFFFF", 4294967295U}),
     [](const auto& row) { return row.param.name; });
@@ -76,7 +80,8 @@ INSTANTIATE_TEST_SUITE_P(
                     BadNumber{"NotAnOctalDigit", "0o18"}, BadNumber{"UnknownPrefix", "0d12"},
                     BadNumber{"HexadecimalWithoutPrefix", "FF"}, BadNumber{"Negative", "-1"},
                     BadNumber{"Fraction", "1.5"}, BadNumber{"Grouped", "115,200"},
-                    BadNumber{"BlankWithin", "1 2"}, BadNumber{"Word", "fast"},
+                    BadNumber{"BlankWithin", "1 2"}, BadNumber{"BlankBeforeAPrefix", " 0x12"},
+                    BadNumber{"PlusBeforeAPrefix", "+0x12"}, BadNumber{"Word", "fast"},
                     BadNumber{"PlaceMarker", "%1%2%3"}),
     [](const auto& row) { return row.param.name; });
 
@@ -188,6 +193,15 @@ INSTANTIATE_TEST_SUITE_P(
                     BadDivisor{"FlashInOtherWriting", Profile::flash_words_per_address, "0x00"},
                     BadDivisor{"Eeprom", Profile::eeprom_words_per_address, "0"}),
     [](const auto& row) { return row.param.name; });
+
+TEST(ProfileFields, AreRejectedInTheirOrderWhicheverWayTheyAreBad)
+{
+    const DebugMessages messages;
+    const QStringList fields = with_field(example_fields(), Profile::flash_words_per_address, "0");
+    EXPECT_THROW(Profile(with_field(fields, Profile::flash_block_size, "many")), QException);
+    ASSERT_EQ(messages.texts().size(), 1);
+    EXPECT_TRUE(messages.texts().first().contains(QStringLiteral("'flash words per address'")));
+}
 
 TEST(ProfileFields, ZeroWordsPerAddressIsFineWithoutWords)
 {
