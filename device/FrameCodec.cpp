@@ -1,6 +1,5 @@
 #include "device/FrameCodec.h"
 
-#include <algorithm>
 #include <numeric>
 
 namespace frame
@@ -34,14 +33,7 @@ void append_escaped(QByteArray& out, char byte)
     out.append(byte);
 }
 
-/// How many bytes from `begin` on stand for themselves on the line. Most of a frame does, and is
-/// copied in such runs.
-int plain_run(const char* begin, const char* end)
-{
-    return static_cast<int>(std::find_if(begin, end, needs_escaping) - begin);
-}
-
-std::optional<QString> check_envelope(const QByteArray& frame)
+Reason check_envelope(const QByteArray& frame)
 {
     if (frame.size() < minimum_length) {
         return QStringLiteral("response is %1 bytes long, expected at least %2 bytes")
@@ -60,7 +52,7 @@ std::optional<QString> check_envelope(const QByteArray& frame)
     return std::nullopt;
 }
 
-/// Walks everything before checksum and terminator.
+/// Takes everything before checksum and terminator, byte by byte.
 class PayloadScanner
 {
 public:
@@ -70,18 +62,7 @@ public:
 
     State state() const { return m_state; }
 
-    /// Takes the bytes from `begin` on that stand for themselves; returns how many.
-    int take_plain(const char* begin, const char* end)
-    {
-        const int count = m_state == State::Escape ? 0 : plain_run(begin, end);
-        if (count > 0) {
-            store(begin, count);
-        }
-        return count;
-    }
-
-    /// Takes one that does not, or whichever comes behind an escape symbol.
-    std::optional<QString> take_special(int position, char byte)
+    Reason take(int position, char byte)
     {
         if (m_state == State::Escape) {
             return take_escaped(position, byte);
@@ -92,24 +73,27 @@ public:
         case terminator:
             return QStringLiteral("response contains premature terminator symbol at position %1")
                 .arg(position);
-        default: // the escape symbol
+        case escape:
             m_state = State::Escape;
+            return std::nullopt;
+        default:
+            store(byte);
             return std::nullopt;
         }
     }
 
 private:
-    std::optional<QString> take_escaped(int position, char byte)
+    Reason take_escaped(int position, char byte)
     {
         if (!needs_escaping(byte)) {
             return QStringLiteral("response byte at position %1 (%2) was needlessly escaped")
                 .arg(QString::number(position), sign_extended_hex(byte));
         }
-        store(&byte, 1);
+        store(byte);
         return std::nullopt;
     }
 
-    std::optional<QString> take_sync(int position) const
+    Reason take_sync(int position) const
     {
         if (m_state == State::Sync) {
             return std::nullopt;
@@ -118,9 +102,9 @@ private:
             .arg(position);
     }
 
-    void store(const char* bytes, int count)
+    void store(char byte)
     {
-        m_payload.append(bytes, count);
+        m_payload.append(byte);
         m_state = State::Data;
     }
 
@@ -128,7 +112,7 @@ private:
     State m_state = State::Sync;
 };
 
-std::optional<QString> check_checksum(char received, char expected, bool escaped)
+Reason check_checksum(char received, char expected, bool escaped)
 {
     if (escaped && !needs_escaping(received)) {
         return QStringLiteral("response contained a needlessly-escaped checksum");
@@ -171,40 +155,27 @@ char checksum(const QByteArray& payload)
 QByteArray encode(const QByteArray& payload)
 {
     QByteArray frame(2, sync);
-    frame.reserve(2 * payload.size() + 5);
-    const char* const end = payload.constEnd();
-    for (const char* at = payload.constBegin(); at != end;) {
-        const int run = plain_run(at, end);
-        if (run > 0) {
-            frame.append(at, run);
-            at += run;
-        } else {
-            append_escaped(frame, *at++);
-        }
+    frame.reserve(payload.size() + 5);
+    for (const char byte : payload) {
+        append_escaped(frame, byte);
     }
     append_escaped(frame, checksum(payload));
     frame.append(terminator);
     return frame;
 }
 
-std::optional<QString> decode(const QByteArray& frame, QByteArray& payload)
+Reason decode(const QByteArray& frame, QByteArray& payload)
 {
     payload.clear();
-    if (auto fault = check_envelope(frame)) {
-        return fault;
+    if (auto reason = check_envelope(frame)) {
+        return reason;
     }
     payload.reserve(frame.size());
     PayloadScanner scanner(payload);
-    const char* const bytes = frame.constData();
     const int checksum_position = frame.size() - 2;
-    for (int i = 0; i < checksum_position;) {
-        const int run = scanner.take_plain(bytes + i, bytes + checksum_position);
-        if (run > 0) {
-            i += run;
-        } else if (auto fault = scanner.take_special(i, bytes[i])) {
-            return fault;
-        } else {
-            ++i;
+    for (int i = 0; i < checksum_position; ++i) {
+        if (auto reason = scanner.take(i, frame[i])) {
+            return reason;
         }
     }
     if (scanner.state() == PayloadScanner::State::Sync) {

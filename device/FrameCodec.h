@@ -1,12 +1,15 @@
 #pragma once
 
+#include "device/Reason.h"
+
 #include <QByteArray>
-#include <QString>
 
-#include <optional>
-
-/// The frame that carries every command and response: two sync symbols, the payload and its
-/// checksum with the three special values escaped, and the terminator. Pure functions over bytes.
+/// The frame that carries every command and response, as pure functions over bytes:
+///
+///     55 55   payload   checksum   04
+///
+/// In payload and checksum the three special values 04, 05 and 55 have an escape byte 05 before
+/// them. docs/protocol.md has examples and what the host accepts.
 namespace frame
 {
 
@@ -26,11 +29,11 @@ char checksum(const QByteArray& payload);
 /// The frame of a payload, which must not be empty.
 QByteArray encode(const QByteArray& payload);
 
-/// Takes a received frame apart. Returns nothing when the frame is good and `payload` holds its
-/// unescaped payload; otherwise the reason why it was refused, and `payload` must not be used.
+/// Takes a received frame apart. No reason when the frame is good and `payload` holds its unescaped
+/// payload; otherwise the reason why it was refused, and `payload` must not be used.
 ///
-/// A checksum that is a special value but arrives without its escape is accepted; anything
-/// escaped without need is refused.
-std::optional<QString> decode(const QByteArray& frame, QByteArray& payload);
+/// A checksum that is a special value but arrives without its escape is accepted; anything escaped
+/// without need is refused.
+Reason decode(const QByteArray& frame, QByteArray& payload);
 
 } // namespace frame

@@ -1,3 +1,7 @@
+// The device object and its port: opening it, reporting, and what becomes of a port with an error.
+// A port that has vanished counts as open and silent, so that nothing is sent to what may have its
+// name by then.
+
 #include "device/ZarnSerialDevice.h"
 
 #include "util/Platform.h"

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "device/AreaFilter.h"
-#include "device/Span.h"
+#include "device/Reason.h"
 #include "profile/Profile.h"
 
 #include <QByteArray>
@@ -11,11 +10,8 @@
 #include <QString>
 #include <QTimer>
 
-#include <functional>
 #include <optional>
-#include <set>
 
-class AddressedBLOB;
 class MemoryMap;
 class QFile;
 
@@ -146,92 +142,36 @@ Q_SIGNALS:
 private:
     Q_SLOT void rxdata();
 
-    /// Counts of bytes, as the progress signals tell them.
-    struct Progress {
-        unsigned int processed;
-        unsigned int total;
-    };
-
+    /// How a wait for the device went. `Ended`: somebody ended the event loops.
     enum class Wait { FrameComplete, TimedOut, Ended };
-    /// How an attempt at a command went; `Ended` when nobody waits for an answer any more.
+    /// How an attempt at a command went. `Ended`: nobody waits for an answer any more.
     enum class Attempt { Succeeded, Failed, Ended };
 
+    // The line.
     void look_after_port(QSerialPort::SerialPortError error);
     void discard_pending();
     void transmit(const QByteArray& frame);
     void hand_over();
-    Wait run_event_loop(int timeout);
-    Wait wait_for_frame(int timeout);
-    Wait wait_for_response(const QByteArray& frame, int timeout, QString& errors);
-    QString accept_response(const QByteArray& command, QByteArray& response,
-                            unsigned short expected_response_length);
+
+    // Waiting.
     bool refuse_within_a_wait();
     bool fail_for_ended_wait();
+    Wait run_event_loop(int timeout);
+    Wait wait_for_frame(int timeout);
+
+    // The transaction. `errors` takes a line for each attempt that fails.
     Attempt attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
                     unsigned short expected_response_length, int timeout, QString& errors);
+    Wait wait_for_response(const QByteArray& frame, int timeout, QString& errors);
+    Reason accept_response(const QByteArray& command, QByteArray& response,
+                           unsigned short expected_response_length);
 
+    // Entry.
     bool open_anew(qint32 baud);
+    void deliver_events();
     std::optional<QByteArray> probe_for_version();
     std::optional<QByteArray> catch_starting_bootloader();
-    void deliver_events();
     bool let_bootloader_settle();
-
-    QByteArray filler_word(unsigned int filler, unsigned int word_size) const;
-    std::optional<QString> read_fault(unsigned int address, unsigned int num_bytes,
-                                      MemoryType type) const;
-    bool read_blocks(MemoryType type, unsigned int address, QByteArray& data);
-    bool read_words(MemoryType type, unsigned int address, unsigned char count, unsigned int length,
-                    QByteArray& received);
-    std::optional<QString> write_fault(unsigned int address, unsigned int num_bytes,
-                                       MemoryType type) const;
-    std::optional<QString> unwritable(unsigned int address, unsigned int num_bytes,
-                                      MemoryType type) const;
-    std::optional<QString> erase_fault(unsigned int address) const;
-    bool send_acknowledged(const QByteArray& command);
-
-    // Shared by the operations.
-    Span limits_of(MemoryType type) const;
-    bool check_geometry(const std::optional<QString>& fault);
-    bool check_range(Span range, const QString& outside_message);
-    bool fill_row(const MemoryMap& map, MemoryType type, unsigned int address,
-                  unsigned int row_size, QByteArray& row) const;
-    bool read_row(MemoryType type, unsigned int address, unsigned int row_size, QByteArray& row);
-    bool walk_rows(Span rows, unsigned int row_size, const bool& abort_requested,
-                   const std::function<bool(unsigned int)>& row);
-    void advance(Progress& progress, unsigned int bytes);
-
-    bool erase_pages(const AreaFilter& areas, Span pages, unsigned int step);
-    bool erase_run(unsigned int address, unsigned char count);
-
-    bool write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash, Span eeprom,
-                     const bool& abort_requested);
-    bool write_flash_row(const MemoryMap& map, unsigned int address, Progress& progress);
-    bool write_eeprom_row(const MemoryMap& map, unsigned int address, Progress& progress);
-    bool send_flash_row(unsigned int address, const QByteArray& row);
-
-    bool check_readable(const AreaFilter& areas, Span flash, Span eeprom,
-                        unsigned int eeprom_request);
-    bool read_flash(MemoryMap& map, const AreaFilter& areas, Span flash,
-                    const bool& abort_requested);
-    bool read_eeprom(MemoryMap& map, unsigned int address, unsigned int num_bytes,
-                     const bool& abort_requested);
-    bool read_into(MemoryMap& map, unsigned int address, unsigned int num_bytes);
-
-    bool can_verify(const MemoryMap& map, const AreaFilter& areas);
-    bool verify_blob(const AddressedBLOB& blob, const bool& abort_requested, Progress& progress);
-    unsigned int verify_row(const AddressedBLOB& blob, unsigned int offset,
-                            const bool& abort_requested);
-
-    bool can_write_with_verify(const MemoryMap& map, const AreaFilter& areas);
-    std::set<unsigned int> touched_pages(const MemoryMap& map, const AreaFilter& areas) const;
-    unsigned int eeprom_rows_size(const MemoryMap& map) const;
-    bool bring_up_to_date(const MemoryMap& map, unsigned int page, const bool& abort_requested,
-                          bool skip_compare, Progress& progress);
-    bool compare_rows(const MemoryMap& map, Span rows, const bool& abort_requested, bool& differs);
-    bool device_holds_row(const MemoryMap& map, unsigned int address);
-    bool write_checked_row(const MemoryMap& map, unsigned int address, Progress& progress);
-    bool read_back(unsigned int address, const QByteArray& written);
-    bool write_eeprom_blobs(const MemoryMap& map, const bool& abort_requested, Progress& progress);
 
     QSerialPort m_port;
     bool m_has_vanished = false; ///< the port was open and is gone

@@ -1,3 +1,6 @@
+// The frame codec as members of the device object, which reports why a frame was refused. The
+// format: FrameCodec.h and docs/protocol.md.
+
 #include "device/FrameCodec.h"
 #include "device/ZarnSerialDevice.h"
 
@@ -22,6 +25,6 @@ bool ZarnSerialDevice::encode(QByteArray command, QByteArray& frame)
 
 bool ZarnSerialDevice::decode(QByteArray frame, QByteArray& payload)
 {
-    const auto fault = frame::decode(frame, payload);
-    return !fault || error(*fault);
+    const Reason reason = frame::decode(frame, payload);
+    return !reason || error(*reason);
 }

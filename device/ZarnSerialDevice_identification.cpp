@@ -1,3 +1,8 @@
+// Which device it is: the version selects a profile, and the profile the rate of the line. The
+// entry procedure catches a bootloader that is starting, or finds one that runs already; it polls,
+// and handles no events itself. The probe and its reply are no frames: docs/protocol.md, "Entry".
+
+#include "device/Protocol.h"
 #include "device/ZarnSerialDevice.h"
 #include "profile/Profiles.h"
 #include "util/Util.h"
@@ -19,29 +24,8 @@ constexpr int settle_ms = 1000;
 constexpr qint32 starting_baud = QSerialPort::Baud9600;
 constexpr qint32 running_baud = 460800;
 constexpr char entry_probe = 0x55;
-constexpr unsigned short version_length = 2;
 
-QByteArray version_command()
-{
-    return QByteArray("\x00\x02", 2);
-}
-
-QByteArray reset_command()
-{
-    return QByteArray("\x00\x00", 2);
-}
-
-/// High byte first. Both bytes count as signed, so a low byte of 0x80 or more sets the whole high
-/// byte; the profile table lists such versions as 0xFFnn.
-unsigned short assemble_version(const QByteArray& bytes)
-{
-    const unsigned int high = bytes.isEmpty() ? 0U : static_cast<unsigned char>(bytes.at(0));
-    const int low = bytes.size() < 2 ? 0 : static_cast<signed char>(bytes.at(1));
-    return static_cast<unsigned short>((high << 8) | static_cast<unsigned int>(low));
-}
-
-/// The two version bytes behind the marker in whatever a starting bootloader sent, once both are
-/// in.
+/// The two version bytes after the marker in whatever a starting bootloader sent, once both are in.
 std::optional<QByteArray> find_entry_reply(const QByteArray& received)
 {
     const int marker = received.indexOf("QV");
@@ -56,10 +40,12 @@ std::optional<QByteArray> find_entry_reply(const QByteArray& received)
 bool ZarnSerialDevice::request_bootloader_version(unsigned short* version)
 {
     QByteArray response;
-    if (!open_port() || !send_and_receive(version_command(), response, version_length, 40, 300)) {
+    if (!open_port() ||
+        !send_and_receive(protocol::version_request(), response, protocol::version_length,
+                          protocol::attempts, protocol::timeout_ms)) {
         return false;
     }
-    *version = assemble_version(response);
+    *version = protocol::version_in(response);
     return set_bootloader_version(*version);
 }
 
@@ -120,7 +106,7 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
             return false;
         }
         if (const auto reply = catch_starting_bootloader()) {
-            answer = assemble_version(*reply);
+            answer = protocol::version_in(*reply);
             return let_bootloader_settle() && set_bootloader_version(answer);
         }
         qDebug() << "Trying version command 460800 baud\n";
@@ -128,8 +114,9 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
             return false;
         }
         QByteArray response;
-        if (send_and_receive(version_command(), response, version_length, 3, 100)) {
-            answer = assemble_version(response);
+        if (send_and_receive(protocol::version_request(), response, protocol::version_length,
+                             protocol::entry_attempts, protocol::entry_timeout_ms)) {
+            answer = protocol::version_in(response);
             return set_bootloader_version(answer);
         }
     }
@@ -190,6 +177,6 @@ void ZarnSerialDevice::reset()
 {
     QByteArray response;
     if (open_port()) {
-        send_and_receive(reset_command(), response, 0, 1, 0);
+        send_and_receive(protocol::reset(), response, 0, 1, 0);
     }
 }

@@ -1,4 +1,9 @@
-#include "device/GeometryFaults.h"
+// Reading flash and EEPROM into an Intel HEX file. Flash is read in rows, one at the start of each
+// block, EEPROM in rows or, within a range, in a single request. Nothing is sent before all of it
+// has been checked, and nothing is saved before all of it has been read. The command: Protocol.h.
+
+#include "device/GeometryChecks.h"
+#include "device/Rows.h"
 #include "device/ZarnSerialDevice.h"
 #include "memory/MemoryMap.h"
 #include "util/Util.h"
@@ -19,97 +24,110 @@ QString outside_range()
                           "0x%1 0x%1 or eeprom addresses 0x%1 0x%1");
 }
 
-/// Whatever the map holds is saved under the file's name. How that went shows on the debug channel
-/// only; nothing read is a failure.
-bool save(const MemoryMap& map, const QFile& file)
+class MemoryReader
 {
-    if (map.size() == 0) {
-        return false;
+public:
+    MemoryReader(ZarnSerialDevice& device, const AreaFilter& areas, const bool& abort_requested)
+        : m_device(device),
+          m_areas(areas),
+          m_abort_requested(abort_requested)
+    {
     }
-    map.save_to_hex_file(file.fileName());
-    return true;
-}
+
+    bool check(AddressRange flash, AddressRange eeprom, unsigned int eeprom_request)
+    {
+        const Profile& profile = m_areas.profile;
+        return rows::passes(m_device,
+                            geometry::check_rows_read(m_areas, MEMORY_FLASH, flash,
+                                                      profile.get_block_size(MEMORY_FLASH),
+                                                      profile.get_row_size(MEMORY_FLASH))) &&
+               rows::passes(m_device, geometry::check_rows_read(m_areas, MEMORY_EEPROM, eeprom,
+                                                                eeprom_request, eeprom_request));
+    }
+
+    bool read_flash(AddressRange range)
+    {
+        const unsigned int row_size = m_areas.profile.get_row_size(MEMORY_FLASH);
+        return rows::walk(
+            m_device, range, m_areas.profile.get_block_size(MEMORY_FLASH), m_abort_requested,
+            [&](unsigned int row) {
+                return m_areas.excludes(row) || keep(row, row_size) ||
+                       m_device.error(
+                           QStringLiteral("read() at %1 could not be performed").arg(hex8(row)));
+            });
+    }
+
+    bool read_eeprom_rows(AddressRange range)
+    {
+        const unsigned int row_size = m_areas.profile.get_row_size(MEMORY_EEPROM);
+        return walk(range, row_size, [&](unsigned int row) { return read_eeprom(row, row_size); });
+    }
+
+    bool read_eeprom(unsigned int address, unsigned int num_bytes)
+    {
+        return rows::goes_on(m_device, m_abort_requested) &&
+               (keep(address, num_bytes) ||
+                m_device.error(QStringLiteral("eeprom read() at %1 could not be performed")
+                                   .arg(hex8(address))));
+    }
+
+    /// Saves under the file's name. How that went shows on the debug channel only; nothing read is
+    /// a failure.
+    bool save(const QFile& file) const
+    {
+        if (m_map.size() == 0) {
+            return false;
+        }
+        m_map.save_to_hex_file(file.fileName());
+        return true;
+    }
+
+private:
+    bool keep(unsigned int address, unsigned int num_bytes)
+    {
+        QByteArray bytes;
+        if (!m_device.read_memory(address, num_bytes, bytes)) {
+            return false;
+        }
+        m_map.write(address, bytes);
+        return true;
+    }
+
+    ZarnSerialDevice& m_device;
+    const AreaFilter m_areas;
+    const bool& m_abort_requested;
+    MemoryMap m_map{MemoryMap::default_chunk_size};
+};
 
 } // namespace
 
 bool ZarnSerialDevice::read(QFile& file, const bool& abort_requested, bool include_encrypted,
                             bool include_unencrypted)
 {
-    const AreaFilter areas{*m_profile, include_encrypted, include_unencrypted};
-    const Span flash = limits_of(MEMORY_FLASH);
-    const Span eeprom = limits_of(MEMORY_EEPROM);
-    const unsigned int eeprom_row = get_attr(Profile::eeprom_row_size);
-    MemoryMap map(MemoryMap::default_chunk_size);
-    return check_readable(areas, flash, eeprom, eeprom_row) &&
-           read_flash(map, areas, flash, abort_requested) &&
-           walk(eeprom, eeprom_row,
-                [&](unsigned int row) {
-                    return read_eeprom(map, row, eeprom_row, abort_requested);
-                }) &&
-           save(map, file);
+    const AddressRange flash = rows::limits_of(*m_profile, MEMORY_FLASH);
+    const AddressRange eeprom = rows::limits_of(*m_profile, MEMORY_EEPROM);
+    MemoryReader reader(*this, {*m_profile, include_encrypted, include_unencrypted},
+                        abort_requested);
+    return reader.check(flash, eeprom, get_attr(Profile::eeprom_row_size)) &&
+           reader.read_flash(flash) && reader.read_eeprom_rows(eeprom) && reader.save(file);
 }
 
-/// Within a range EEPROM is read in one request, however large.
 bool ZarnSerialDevice::read_range(QFile& file, const bool& abort_requested, bool include_encrypted,
                                   bool include_unencrypted, unsigned int start_address,
                                   unsigned int end_address)
 {
-    const Span range{start_address, end_address};
-    if (!check_range(range, outside_range())) {
+    const AddressRange range{start_address, end_address};
+    if (!rows::passes(*this, rows::check_range(*m_profile, range, outside_range()))) {
         return false;
     }
-    const Span eeprom = clip(range, limits_of(MEMORY_EEPROM));
+    const AddressRange flash = clip(range, rows::limits_of(*m_profile, MEMORY_FLASH));
+    const AddressRange eeprom = clip(range, rows::limits_of(*m_profile, MEMORY_EEPROM));
     if (m_profile->is_eeprom(start_address) && eeprom.start > eeprom.end) {
         return error(outside_range().arg(Util::uint_to_hex(start_address, -1)));
     }
-    const AreaFilter areas{*m_profile, include_encrypted, include_unencrypted};
-    const Span flash = clip(range, limits_of(MEMORY_FLASH));
-    const unsigned int eeprom_size = eeprom.end - eeprom.start;
-    MemoryMap map(MemoryMap::default_chunk_size);
-    return check_readable(areas, flash, eeprom, eeprom_size) &&
-           read_flash(map, areas, flash, abort_requested) &&
-           (eeprom_size == 0 || read_eeprom(map, eeprom.start, eeprom_size, abort_requested)) &&
-           save(map, file);
-}
-
-bool ZarnSerialDevice::check_readable(const AreaFilter& areas, Span flash, Span eeprom,
-                                      unsigned int eeprom_request)
-{
-    return check_geometry(geometry::rows_read_fault(areas, MEMORY_FLASH, flash,
-                                                    get_attr(Profile::flash_block_size),
-                                                    get_attr(Profile::flash_row_size))) &&
-           check_geometry(geometry::rows_read_fault(areas, MEMORY_EEPROM, eeprom, eeprom_request,
-                                                    eeprom_request));
-}
-
-/// One row is read at the start of each block; on most devices the two have the same size.
-bool ZarnSerialDevice::read_flash(MemoryMap& map, const AreaFilter& areas, Span flash,
-                                  const bool& abort_requested)
-{
-    const unsigned int row_size = get_attr(Profile::flash_row_size);
-    return walk_rows(
-        flash, get_attr(Profile::flash_block_size), abort_requested, [&](unsigned int row) {
-            return areas.excludes(row) || read_into(map, row, row_size) ||
-                   error(QStringLiteral("read() at %1 could not be performed").arg(hex8(row)));
-        });
-}
-
-bool ZarnSerialDevice::read_eeprom(MemoryMap& map, unsigned int address, unsigned int num_bytes,
-                                   const bool& abort_requested)
-{
-    if (abort_requested) {
-        return error(QStringLiteral("upload_firmware() aborted by user"));
-    }
-    return read_into(map, address, num_bytes) ||
-           error(QStringLiteral("eeprom read() at %1 could not be performed").arg(hex8(address)));
-}
-
-bool ZarnSerialDevice::read_into(MemoryMap& map, unsigned int address, unsigned int num_bytes)
-{
-    QByteArray bytes;
-    if (!read_memory(address, num_bytes, bytes)) {
-        return false;
-    }
-    map.write(address, bytes);
-    return true;
+    MemoryReader reader(*this, {*m_profile, include_encrypted, include_unencrypted},
+                        abort_requested);
+    return reader.check(flash, eeprom, eeprom.size()) && reader.read_flash(flash) &&
+           (eeprom.size() == 0 || reader.read_eeprom(eeprom.start, eeprom.size())) &&
+           reader.save(file);
 }

@@ -1,3 +1,9 @@
+// One command and its answer: the frame goes out, the event loop runs until an answer is complete
+// or the time is up, and what was wrong is collected until the attempts are used up. A wait never
+// looks at what is in the buffer already, so an echo and an answer that come together cost the
+// whole wait. The rules: docs/protocol.md.
+
+#include "device/Protocol.h"
 #include "device/ZarnSerialDevice.h"
 
 #include <QDebug>
@@ -7,32 +13,20 @@
 namespace
 {
 
-constexpr char read_flash_command = 0x01;
-
-/// A bootloader answers a flash read with a zero in place of the command's word count; putting the
-/// count back makes the answer begin with its command like all others.
-void repair_second_byte(const QByteArray& command, QByteArray& response)
+/// A command that nobody answers is sent once and not waited for.
+Reason check_arguments(unsigned short expected_response_length, unsigned char max_attempts,
+                       int timeout)
 {
-    const bool second_is_zero = response.size() == 1 || response.at(1) == 0;
-    if (response.at(0) == read_flash_command && second_is_zero && command.size() > 1) {
-        response.resize(qMax(response.size(), 2));
-        response[1] = command.at(1);
+    if (max_attempts == 0) {
+        return QStringLiteral("max_attempts == 0 (nonsensical)");
     }
-}
-
-/// Writes and erases are acknowledged by a byte alone, everything else by the command and its data.
-bool is_answered_without_echo(char opcode)
-{
-    return opcode == 0x02 || opcode == 0x03 || opcode == 0x05;
-}
-
-bool strip_command(const QByteArray& command, QByteArray& response)
-{
-    if (response.startsWith(command)) {
-        response.remove(0, command.size());
-        return true;
+    if (max_attempts != 1 && expected_response_length == 0) {
+        return QStringLiteral("expected_response_length == 0 but max_attempts != 1 (nonsensical)");
     }
-    return is_answered_without_echo(command.at(0));
+    if (timeout != 0 && expected_response_length == 0) {
+        return QStringLiteral("expected_response_length == 0 but timeout_secs != 0 (nonsensical)");
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -104,8 +98,8 @@ void ZarnSerialDevice::hand_over()
     m_port.flush();
 }
 
-/// A frame that the port did not take whole is not a failure by itself: the device will not
-/// answer it, and the wait that follows finds out.
+/// A frame that the port did not take whole is not a failure by itself: the device will not answer
+/// it, and the wait that follows finds out.
 void ZarnSerialDevice::transmit(const QByteArray& frame)
 {
     const auto written = static_cast<unsigned short>(m_port.write(frame));
@@ -121,16 +115,8 @@ bool ZarnSerialDevice::send_and_receive(QByteArray command, QByteArray& response
                                         unsigned short expected_response_length,
                                         unsigned char max_attempts, int timeout_secs)
 {
-    if (max_attempts == 0) {
-        return error(QStringLiteral("max_attempts == 0 (nonsensical)"));
-    }
-    if (max_attempts != 1 && expected_response_length == 0) {
-        return error(
-            QStringLiteral("expected_response_length == 0 but max_attempts != 1 (nonsensical)"));
-    }
-    if (timeout_secs != 0 && expected_response_length == 0) {
-        return error(
-            QStringLiteral("expected_response_length == 0 but timeout_secs != 0 (nonsensical)"));
+    if (const auto reason = check_arguments(expected_response_length, max_attempts, timeout_secs)) {
+        return error(*reason);
     }
     if (refuse_within_a_wait()) {
         return false;
@@ -174,9 +160,9 @@ ZarnSerialDevice::Attempt ZarnSerialDevice::attempt(const QByteArray& command,
     case Wait::FrameComplete:
         break;
     }
-    const QString fault = accept_response(command, response, expected_response_length);
-    errors += fault;
-    return fault.isEmpty() ? Attempt::Succeeded : Attempt::Failed;
+    const Reason reason = accept_response(command, response, expected_response_length);
+    errors += reason.value_or(QString());
+    return reason ? Attempt::Failed : Attempt::Succeeded;
 }
 
 /// On a half duplex line the frame itself comes back first.
@@ -198,18 +184,18 @@ ZarnSerialDevice::Wait ZarnSerialDevice::wait_for_response(const QByteArray& fra
     return second;
 }
 
-/// Takes the response out of the receive buffer; returns what is wrong with it, or nothing.
-QString ZarnSerialDevice::accept_response(const QByteArray& command, QByteArray& response,
-                                          unsigned short expected_response_length)
+/// Takes the response out of the receive buffer.
+Reason ZarnSerialDevice::accept_response(const QByteArray& command, QByteArray& response,
+                                         unsigned short expected_response_length)
 {
     Q_EMIT sig_encoded_response(m_receive_buffer);
     if (!decode(m_receive_buffer, response)) {
         return QStringLiteral("Could not decode message\n");
     }
     m_receive_buffer.clear();
-    repair_second_byte(command, response);
+    protocol::repair_second_byte(command, response);
     Q_EMIT sig_decoded_response(response);
-    if (!strip_command(command, response)) {
+    if (!protocol::strip_command(command, response)) {
         return QStringLiteral(
             "response was not prefixed with the command but was supposed to be\n");
     }
@@ -219,5 +205,5 @@ QString ZarnSerialDevice::accept_response(const QByteArray& command, QByteArray&
             .arg(length)
             .arg(expected_response_length);
     }
-    return {};
+    return std::nullopt;
 }

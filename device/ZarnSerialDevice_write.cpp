@@ -1,38 +1,82 @@
-#include "device/GeometryFaults.h"
+// Writing an image, row by row. Flash rows that the image does not touch are passed over, EEPROM
+// rows within reach are always written. Nothing is erased and nothing is read back. The command:
+// Protocol.h.
+
+#include "device/GeometryChecks.h"
+#include "device/RowWriter.h"
+#include "device/Rows.h"
 #include "device/ZarnSerialDevice.h"
 #include "memory/MemoryMap.h"
-#include "util/Util.h"
 
 namespace
 {
 
-/// How far the blobs of one memory reach; `empty` until there is one.
-struct Reach {
+/// From the first byte of an image in one memory to its last; `empty` if there is none.
+struct ImageRange {
     unsigned int start;
     quint64 end;
 };
 
-Reach reach_of(const MemoryMap& map, const AreaFilter& areas, MemoryType type, unsigned int empty)
+ImageRange range_of(const MemoryMap& image, const AreaFilter& areas, MemoryType type,
+                    unsigned int empty)
 {
-    Reach reach{empty, empty};
+    ImageRange range{empty, empty};
     bool seen = false;
-    for (const auto& blob : map.blobs()) {
+    for (const auto& blob : image.blobs()) {
         if (areas.profile.get_memory_type(blob->address) != type || areas.excludes(blob->address)) {
             continue;
         }
-        reach.start = seen ? qMin(reach.start, blob->address) : blob->address;
-        reach.end = qMax(reach.end, quint64{blob->address} + blob->size());
+        range.start = seen ? qMin(range.start, blob->address) : blob->address;
+        range.end = qMax(range.end, quint64{blob->address} + blob->size());
         seen = true;
     }
-    return reach;
+    return range;
 }
 
-/// Bytes in the whole rows of a span; a row left over at its end does not count. A span that ends
-/// before it starts counts as what the 32 bits make of it.
-unsigned int whole_rows_size(Span rows, unsigned int row_size)
+/// Bytes in the whole rows of a range; a row left over at its end does not count.
+unsigned int whole_rows_size(AddressRange rows, unsigned int row_size)
 {
-    return row_size == 0 ? 0 : (rows.end - rows.start) / row_size * row_size;
+    return row_size == 0 ? 0 : rows.size() / row_size * row_size;
 }
+
+class ImageWriter
+{
+public:
+    ImageWriter(ZarnSerialDevice& device, const MemoryMap& image, const AreaFilter& areas,
+                const bool& abort_requested)
+        : m_device(device),
+          m_image(image),
+          m_areas(areas),
+          m_abort_requested(abort_requested)
+    {
+    }
+
+    bool write(AddressRange flash, AddressRange eeprom)
+    {
+        const unsigned int flash_row = m_areas.profile.get_row_size(MEMORY_FLASH);
+        const unsigned int eeprom_row = m_areas.profile.get_row_size(MEMORY_EEPROM);
+        RowWriter writer(m_device, m_image, m_abort_requested,
+                         whole_rows_size(eeprom, eeprom_row) + whole_rows_size(flash, flash_row),
+                         RowWriter::Check::None);
+        return check(MEMORY_FLASH, flash) && check(MEMORY_EEPROM, eeprom) && writer.begin() &&
+               rows::walk(m_device, flash, flash_row, m_abort_requested,
+                          [&](unsigned int row) {
+                              return m_areas.excludes(row) || writer.write_flash_row(row);
+                          }) &&
+               writer.write_eeprom_rows(eeprom) && writer.complete();
+    }
+
+private:
+    bool check(MemoryType type, AddressRange rows)
+    {
+        return rows::passes(m_device, geometry::check_rows_written(m_areas, type, rows));
+    }
+
+    ZarnSerialDevice& m_device;
+    const MemoryMap& m_image;
+    const AreaFilter m_areas;
+    const bool& m_abort_requested;
+};
 
 } // namespace
 
@@ -43,104 +87,34 @@ bool ZarnSerialDevice::write(const MemoryMap* map, const bool& abort_requested,
                              bool include_encrypted, bool include_unencrypted)
 {
     const AreaFilter areas{*m_profile, include_encrypted, include_unencrypted};
-    const Span flash_limits = limits_of(MEMORY_FLASH);
-    const Span eeprom_limits = limits_of(MEMORY_EEPROM);
-    const Reach flash = reach_of(*map, areas, MEMORY_FLASH, flash_limits.start);
-    const Reach eeprom = reach_of(*map, areas, MEMORY_EEPROM, eeprom_limits.start);
-    if (!check_geometry(
-            geometry::wrap_fault(*m_profile, MEMORY_FLASH, ATTR_MEMORY_ROW_SIZE, flash.end)) ||
-        !check_geometry(
-            geometry::wrap_fault(*m_profile, MEMORY_EEPROM, ATTR_MEMORY_ROW_SIZE, eeprom.end))) {
-        return false;
-    }
-    return write_parts(*map, areas,
-                       {flash.start >= eeprom_limits.start ? flash.start : flash_limits.start,
-                        qMin(flash_limits.end, static_cast<unsigned int>(flash.end))},
-                       {qMax(eeprom_limits.start, eeprom.start),
-                        qMin(eeprom_limits.end, static_cast<unsigned int>(eeprom.end))},
-                       abort_requested);
+    const AddressRange flash = rows::limits_of(*m_profile, MEMORY_FLASH);
+    const AddressRange eeprom = rows::limits_of(*m_profile, MEMORY_EEPROM);
+    const ImageRange in_flash = range_of(*map, areas, MEMORY_FLASH, flash.start);
+    const ImageRange in_eeprom = range_of(*map, areas, MEMORY_EEPROM, eeprom.start);
+    const auto end_is_reached = [&](MemoryType type, quint64 end) {
+        return rows::passes(*this,
+                            geometry::check_no_wrap(*m_profile, type, ATTR_MEMORY_ROW_SIZE, end));
+    };
+    return end_is_reached(MEMORY_FLASH, in_flash.end) &&
+           end_is_reached(MEMORY_EEPROM, in_eeprom.end) &&
+           ImageWriter(*this, *map, areas, abort_requested)
+               .write({in_flash.start >= eeprom.start ? in_flash.start : flash.start,
+                       qMin(flash.end, static_cast<unsigned int>(in_flash.end))},
+                      {qMax(eeprom.start, in_eeprom.start),
+                       qMin(eeprom.end, static_cast<unsigned int>(in_eeprom.end))});
 }
 
 bool ZarnSerialDevice::write_range(const MemoryMap* map, unsigned int start_address,
                                    unsigned int end_address, const bool& abort_requested,
                                    bool include_encrypted, bool include_unencrypted)
 {
-    const Span range{start_address, end_address};
-    if (!check_range(range, QStringLiteral("Cannot write to address range 0x%1 0x%1 outside"
+    const AddressRange range{start_address, end_address};
+    const QString outside = QStringLiteral("Cannot write to address range 0x%1 0x%1 outside"
                                            "                 of flash addresses 0x%1 0x%1 or "
-                                           "eeprom addresses 0x%1 0x%1"))) {
-        return false;
-    }
-    return write_parts(*map, {*m_profile, include_encrypted, include_unencrypted},
-                       clip(range, limits_of(MEMORY_FLASH)), clip(range, limits_of(MEMORY_EEPROM)),
-                       abort_requested);
-}
-
-bool ZarnSerialDevice::write_parts(const MemoryMap& map, const AreaFilter& areas, Span flash,
-                                   Span eeprom, const bool& abort_requested)
-{
-    if (!check_geometry(geometry::rows_write_fault(areas, MEMORY_FLASH, flash)) ||
-        !check_geometry(geometry::rows_write_fault(areas, MEMORY_EEPROM, eeprom))) {
-        return false;
-    }
-    const unsigned int flash_row = get_attr(Profile::flash_row_size);
-    const unsigned int eeprom_row = get_attr(Profile::eeprom_row_size);
-    Progress progress{0, whole_rows_size(eeprom, eeprom_row) + whole_rows_size(flash, flash_row)};
-    Q_EMIT sig_upload_progress(progress.processed, progress.total);
-    if (!open_port()) {
-        return false;
-    }
-    const bool written =
-        walk_rows(flash, flash_row, abort_requested,
-                  [&](unsigned int row) {
-                      return areas.excludes(row) || write_flash_row(map, row, progress);
-                  }) &&
-        walk_rows(eeprom, eeprom_row, abort_requested,
-                  [&](unsigned int row) { return write_eeprom_row(map, row, progress); });
-    if (written) {
-        Q_EMIT sig_operation_complete();
-    }
-    return written;
-}
-
-/// A row that the image does not touch counts as processed but is not sent: the device's bytes
-/// there are none of the image's business.
-bool ZarnSerialDevice::write_flash_row(const MemoryMap& map, unsigned int address,
-                                       Progress& progress)
-{
-    const unsigned int row_size = get_attr(Profile::flash_row_size);
-    QByteArray row;
-    if (fill_row(map, MEMORY_FLASH, address, row_size, row) && !send_flash_row(address, row)) {
-        return false;
-    }
-    advance(progress, row_size);
-    return true;
-}
-
-bool ZarnSerialDevice::send_flash_row(unsigned int address, const QByteArray& row)
-{
-    return write_memory(address, row) ||
-           error(QStringLiteral("unable to write flash row at address 0x%1")
-                     .arg(Util::uint_to_hex(address, -1)));
-}
-
-/// EEPROM rows within reach of the image are always written, with filler where it has no bytes.
-bool ZarnSerialDevice::write_eeprom_row(const MemoryMap& map, unsigned int address,
-                                        Progress& progress)
-{
-    const unsigned int row_size = get_attr(Profile::eeprom_row_size);
-    QByteArray row;
-    fill_row(map, MEMORY_EEPROM, address, row_size, row);
-    if (!write_memory(address, row)) {
-        return error(QStringLiteral("unable to write EEPROM row at address 0x%1")
-                         .arg(Util::uint_to_hex(address, -1)));
-    }
-    advance(progress, row_size);
-    return true;
-}
-
-void ZarnSerialDevice::advance(Progress& progress, unsigned int bytes)
-{
-    progress.processed += bytes;
-    Q_EMIT sig_upload_progress(progress.processed, progress.total);
+                                           "eeprom addresses 0x%1 0x%1");
+    return rows::passes(*this, rows::check_range(*m_profile, range, outside)) &&
+           ImageWriter(*this, *map, {*m_profile, include_encrypted, include_unencrypted},
+                       abort_requested)
+               .write(clip(range, rows::limits_of(*m_profile, MEMORY_FLASH)),
+                      clip(range, rows::limits_of(*m_profile, MEMORY_EEPROM)));
 }

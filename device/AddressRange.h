@@ -2,24 +2,27 @@
 
 #include <QtGlobal>
 
-/// A stretch of byte addresses, end exclusive.
-struct Span {
+/// Byte addresses from `start` up to, not including, `end`.
+struct AddressRange {
     unsigned int start;
     unsigned int end;
 
     bool is_empty() const { return start >= end; }
 
-    /// The smallest stretch of whole units that holds this one.
-    Span widened_to(unsigned int unit) const
+    /// The number of bytes, modulo 2^32 for a range that ends before it starts.
+    unsigned int size() const { return end - start; }
+
+    /// The smallest range of whole units that holds this one.
+    AddressRange widened_to(unsigned int unit) const
     {
         return {start / unit * unit, (end + unit - 1) / unit * unit};
     }
 };
 
 /// The part of `range` that lies in the memory `limits`.
-inline Span clip(Span range, Span limits)
+inline AddressRange clip(AddressRange range, AddressRange limits)
 {
-    Span part{limits.start, limits.start};
+    AddressRange part{limits.start, limits.start};
     if (limits.start < range.start && range.start < limits.end) {
         part.start = range.start;
     }
@@ -32,12 +35,11 @@ inline Span clip(Span range, Span limits)
 }
 
 /// Calls `body` with start, start + step, ... below the end for as long as it returns true; true
-/// when it always did. `step` must not be 0. Addresses near the top of the 32 bits do not wrap the
-/// walk round to its beginning.
+/// when it always did. `step` must not be 0.
 template <typename Body>
-bool walk(Span span, unsigned int step, Body body)
+bool walk(AddressRange range, unsigned int step, Body body)
 {
-    for (quint64 address = span.start; address < span.end; address += step) {
+    for (quint64 address = range.start; address < range.end; address += step) {
         if (!body(static_cast<unsigned int>(address))) {
             return false;
         }

@@ -1,13 +1,10 @@
 #pragma once
 
+#include "device/AddressRange.h"
 #include "device/AreaFilter.h"
-#include "device/Span.h"
+#include "device/Reason.h"
 #include "profile/MemoryAttributes.h"
 #include "profile/Profile.h"
-
-#include <QString>
-
-#include <optional>
 
 /// Figures of a profile that no command can be built from: an operation that would divide by zero,
 /// never end, hold more bytes than fit in memory or count beyond the 32 bits of an address is
@@ -18,36 +15,34 @@
 namespace geometry
 {
 
-/// The message, or nothing when the figures work.
-using Fault = std::optional<QString>;
-
 /// The longest row, word or request that is held in memory.
 constexpr unsigned int longest_buffer = 0x3FFFFF00;
 
 /// Byte addresses cannot be turned into word addresses.
-Fault address_fault(const Profile& profile, MemoryType type);
+Reason check_words(const Profile& profile, MemoryType type);
 /// The row size is 0, or a row or word cannot be held.
-Fault row_fault(const Profile& profile, MemoryType type);
+Reason check_row(const Profile& profile, MemoryType type);
 /// The block size is 0.
-Fault block_fault(const Profile& profile, MemoryType type);
+Reason check_block(const Profile& profile, MemoryType type);
 /// The page size of flash is 0.
-Fault page_fault(const Profile& profile);
+Reason check_page(const Profile& profile);
 /// The page size of flash comes to 0 when it is counted in address units.
-Fault page_step_fault(const Profile& profile);
+Reason check_page_step(const Profile& profile);
 /// `last`, the highest number that an operation counts to on this memory in steps of the attribute
 /// in `unit`, is no 32-bit number.
-Fault wrap_fault(const Profile& profile, MemoryType type, const MemoryAttributes& unit,
-                 quint64 last);
+Reason check_no_wrap(const Profile& profile, MemoryType type, const MemoryAttributes& unit,
+                     quint64 last);
 
 /// Words that cannot be addressed, a row that cannot be held or a block without a size.
-Fault read_fault(const Profile& profile, MemoryType type);
+Reason check_read(const Profile& profile, MemoryType type);
 /// So many bytes, all of them in this memory, cannot be held.
-Fault length_fault(const Profile& profile, MemoryType type, unsigned int num_bytes);
-/// A request that cannot be held, one whose last block would end beyond all
-/// addresses, and one in EEPROM whose first block begins before EEPROM does and so has no word
-/// address. The request itself lies in the memory, and read_fault() finds nothing.
-Fault request_fault(const Profile& profile, MemoryType type, unsigned int address,
-                    unsigned int num_bytes);
+Reason check_length(const Profile& profile, MemoryType type, unsigned int num_bytes);
+/// The block of EEPROM that holds `address` begins before EEPROM does and so has no word address.
+Reason check_block_start(const Profile& profile, MemoryType type, unsigned int address);
+/// A request that cannot be held, whose last block would end beyond all addresses, or whose first
+/// block fails the check above. The request itself lies in the memory and passes check_read().
+Reason check_request(const Profile& profile, MemoryType type, unsigned int address,
+                     unsigned int num_bytes);
 
 /// How far apart a whole-flash erase takes its pages to be: the table's figure is in address units
 /// there, and in bytes everywhere else. 0 where the table's figures give none.
@@ -55,11 +50,11 @@ unsigned int page_step(const Profile& profile);
 
 /// Reading `length` bytes from each address of `rows`, `step` bytes apart, that `areas` lets
 /// through.
-Fault rows_read_fault(const AreaFilter& areas, MemoryType type, Span rows, unsigned int step,
-                      unsigned int length);
+Reason check_rows_read(const AreaFilter& areas, MemoryType type, AddressRange rows,
+                       unsigned int step, unsigned int length);
 /// Writing the rows of `rows` that `areas` lets through.
-Fault rows_write_fault(const AreaFilter& areas, MemoryType type, Span rows);
+Reason check_rows_written(const AreaFilter& areas, MemoryType type, AddressRange rows);
 /// Erasing the pages of `pages`, `step` bytes apart and not 0, that `areas` lets through.
-Fault pages_erase_fault(const AreaFilter& areas, Span pages, unsigned int step);
+Reason check_pages_erased(const AreaFilter& areas, AddressRange pages, unsigned int step);
 
 } // namespace geometry

@@ -1,4 +1,4 @@
-#include "device/GeometryFaults.h"
+#include "device/GeometryChecks.h"
 
 #include "util/Util.h"
 
@@ -19,7 +19,8 @@ QString unusable(const Profile& profile, Profile::Attr attr, const QString& valu
         .arg(profile.name, QLatin1String(meta_attr.valueToKey(attr)), value, complaint);
 }
 
-Fault outside(const Profile& profile, Profile::Attr attr, unsigned int lowest, unsigned int highest)
+Reason outside(const Profile& profile, Profile::Attr attr, unsigned int lowest,
+               unsigned int highest)
 {
     const unsigned int value = profile.attributes.at(static_cast<std::size_t>(attr));
     if (lowest <= value && value <= highest) {
@@ -45,11 +46,11 @@ struct Walk {
     std::optional<unsigned int> last;
 };
 
-Walk rehearse(const AreaFilter& areas, MemoryType type, Span span, unsigned int step,
+Walk rehearse(const AreaFilter& areas, MemoryType type, AddressRange range, unsigned int step,
               unsigned int length)
 {
     Walk result;
-    walk(span, step, [&](unsigned int address) {
+    walk(range, step, [&](unsigned int address) {
         result.highest = qMax(result.highest, quint64{address} + step);
         if (areas.excludes(address)) {
             return true;
@@ -65,45 +66,33 @@ Walk rehearse(const AreaFilter& areas, MemoryType type, Span span, unsigned int 
     return result;
 }
 
-Fault block_start_fault(const Profile& profile, MemoryType type, unsigned int address)
-{
-    const unsigned int block_size = profile.get_block_size(type);
-    const unsigned int minimum = profile.get_min_address(type);
-    if (type != MEMORY_EEPROM || address / block_size * block_size >= minimum) {
-        return std::nullopt;
-    }
-    return unusable(profile, Profile::eeprom_start_address,
-                    QStringLiteral("0x") + Util::uint_to_hex(minimum, -1),
-                    QStringLiteral("expected a multiple of eeprom_block_size %1").arg(block_size));
-}
-
 } // namespace
 
-Fault address_fault(const Profile& profile, MemoryType type)
+Reason check_words(const Profile& profile, MemoryType type)
 {
-    if (auto fault = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, highest_number)) {
-        return fault;
+    if (auto reason = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, highest_number)) {
+        return reason;
     }
     return outside(profile, ATTR_WORDS_PER_ADDRESS.at(type), 1, profile.get_word_size(type));
 }
 
-Fault row_fault(const Profile& profile, MemoryType type)
+Reason check_row(const Profile& profile, MemoryType type)
 {
-    if (auto fault = address_fault(profile, type)) {
-        return fault;
+    if (auto reason = check_words(profile, type)) {
+        return reason;
     }
-    if (auto fault = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, longest_buffer)) {
-        return fault;
+    if (auto reason = outside(profile, ATTR_MEMORY_WORD_SIZE.at(type), 1, longest_buffer)) {
+        return reason;
     }
     return outside(profile, ATTR_MEMORY_ROW_SIZE.at(type), 1, longest_buffer);
 }
 
-Fault block_fault(const Profile& profile, MemoryType type)
+Reason check_block(const Profile& profile, MemoryType type)
 {
     return outside(profile, ATTR_MEMORY_BLOCK_SIZE.at(type), 1, highest_number);
 }
 
-Fault page_fault(const Profile& profile)
+Reason check_page(const Profile& profile)
 {
     return outside(profile, ATTR_MEMORY_PAGE_SIZE.at(MEMORY_FLASH), 1, highest_number);
 }
@@ -116,23 +105,23 @@ unsigned int page_step(const Profile& profile)
                                         profile.get_word_size(MEMORY_FLASH) / words_per_address;
 }
 
-Fault page_step_fault(const Profile& profile)
+Reason check_page_step(const Profile& profile)
 {
     if (page_step(profile) != 0) {
         return std::nullopt;
     }
-    if (auto fault = page_fault(profile)) {
-        return fault;
+    if (auto reason = check_page(profile)) {
+        return reason;
     }
-    if (auto fault = address_fault(profile, MEMORY_FLASH)) {
-        return fault;
+    if (auto reason = check_words(profile, MEMORY_FLASH)) {
+        return reason;
     }
     return outside(profile, ATTR_MEMORY_PAGE_SIZE.at(MEMORY_FLASH), 1,
                    highest_number / profile.get_word_size(MEMORY_FLASH));
 }
 
-Fault wrap_fault(const Profile& profile, MemoryType type, const MemoryAttributes& unit,
-                 quint64 last)
+Reason check_no_wrap(const Profile& profile, MemoryType type, const MemoryAttributes& unit,
+                     quint64 last)
 {
     if (last <= highest_number) {
         return std::nullopt;
@@ -145,15 +134,27 @@ Fault wrap_fault(const Profile& profile, MemoryType type, const MemoryAttributes
                         .arg(profile.attributes.at(static_cast<std::size_t>(attr))));
 }
 
-Fault read_fault(const Profile& profile, MemoryType type)
+Reason check_read(const Profile& profile, MemoryType type)
 {
-    if (auto fault = row_fault(profile, type)) {
-        return fault;
+    if (auto reason = check_row(profile, type)) {
+        return reason;
     }
-    return block_fault(profile, type);
+    return check_block(profile, type);
 }
 
-Fault length_fault(const Profile& profile, MemoryType type, unsigned int num_bytes)
+Reason check_block_start(const Profile& profile, MemoryType type, unsigned int address)
+{
+    const unsigned int block_size = profile.get_block_size(type);
+    const unsigned int minimum = profile.get_min_address(type);
+    if (type != MEMORY_EEPROM || block_size == 0 || address / block_size * block_size >= minimum) {
+        return std::nullopt;
+    }
+    return unusable(profile, Profile::eeprom_start_address,
+                    QStringLiteral("0x") + Util::uint_to_hex(minimum, -1),
+                    QStringLiteral("expected a multiple of eeprom_block_size %1").arg(block_size));
+}
+
+Reason check_length(const Profile& profile, MemoryType type, unsigned int num_bytes)
 {
     if (num_bytes <= longest_buffer) {
         return std::nullopt;
@@ -163,49 +164,49 @@ Fault length_fault(const Profile& profile, MemoryType type, unsigned int num_byt
                    qMin(minimum, highest_number - longest_buffer) + longest_buffer);
 }
 
-Fault request_fault(const Profile& profile, MemoryType type, unsigned int address,
-                    unsigned int num_bytes)
+Reason check_request(const Profile& profile, MemoryType type, unsigned int address,
+                     unsigned int num_bytes)
 {
-    if (auto fault = length_fault(profile, type, num_bytes)) {
-        return fault;
+    if (auto reason = check_length(profile, type, num_bytes)) {
+        return reason;
     }
     const quint64 block_size = profile.get_block_size(type);
     const quint64 end = (quint64{address} + num_bytes + block_size - 1) / block_size * block_size;
-    if (auto fault = wrap_fault(profile, type, ATTR_MEMORY_BLOCK_SIZE, end)) {
-        return fault;
+    if (auto reason = check_no_wrap(profile, type, ATTR_MEMORY_BLOCK_SIZE, end)) {
+        return reason;
     }
-    return block_start_fault(profile, type, address);
+    return check_block_start(profile, type, address);
 }
 
-Fault rows_read_fault(const AreaFilter& areas, MemoryType type, Span rows, unsigned int step,
-                      unsigned int length)
+Reason check_rows_read(const AreaFilter& areas, MemoryType type, AddressRange rows,
+                       unsigned int step, unsigned int length)
 {
     const Profile& profile = areas.profile;
     if (rows.is_empty()) {
         return std::nullopt;
     }
     if (step == 0) { // flash is walked by its blocks, EEPROM by its rows
-        return type == MEMORY_FLASH ? block_fault(profile, type) : row_fault(profile, type);
+        return type == MEMORY_FLASH ? check_block(profile, type) : check_row(profile, type);
     }
     const Walk walk = rehearse(areas, type, rows, step, length);
     const MemoryAttributes& unit =
         step == profile.get_block_size(type) ? ATTR_MEMORY_BLOCK_SIZE : ATTR_MEMORY_ROW_SIZE;
-    if (auto fault = walk.any_admitted ? read_fault(profile, type) : std::nullopt) {
-        return fault;
+    if (auto reason = walk.any_admitted ? check_read(profile, type) : std::nullopt) {
+        return reason;
     }
-    if (auto fault = wrap_fault(profile, type, unit, walk.highest)) {
-        return fault;
+    if (auto reason = check_no_wrap(profile, type, unit, walk.highest)) {
+        return reason;
     }
     if (!walk.lowest) {
         return std::nullopt;
     }
-    if (auto fault = request_fault(profile, type, *walk.lowest, length)) {
-        return fault;
+    if (auto reason = check_request(profile, type, *walk.lowest, length)) {
+        return reason;
     }
-    return request_fault(profile, type, *walk.last, length);
+    return check_request(profile, type, *walk.last, length);
 }
 
-Fault rows_write_fault(const AreaFilter& areas, MemoryType type, Span rows)
+Reason check_rows_written(const AreaFilter& areas, MemoryType type, AddressRange rows)
 {
     const Profile& profile = areas.profile;
     const unsigned int row_size = profile.get_row_size(type);
@@ -213,23 +214,22 @@ Fault rows_write_fault(const AreaFilter& areas, MemoryType type, Span rows)
         return std::nullopt;
     }
     if (row_size == 0) {
-        return row_fault(profile, type);
+        return check_row(profile, type);
     }
     const Walk walk = rehearse(areas, type, rows, row_size, row_size);
-    if (auto fault = walk.any_admitted ? row_fault(profile, type) : std::nullopt) {
-        return fault;
+    if (auto reason = walk.any_admitted ? check_row(profile, type) : std::nullopt) {
+        return reason;
     }
-    return wrap_fault(profile, type, ATTR_MEMORY_ROW_SIZE, walk.highest);
+    return check_no_wrap(profile, type, ATTR_MEMORY_ROW_SIZE, walk.highest);
 }
 
-Fault pages_erase_fault(const AreaFilter& areas, Span pages, unsigned int step)
+Reason check_pages_erased(const AreaFilter& areas, AddressRange pages, unsigned int step)
 {
     const Walk walk = rehearse(areas, MEMORY_FLASH, pages, step, step);
-    if (auto fault =
-            walk.any_admitted ? address_fault(areas.profile, MEMORY_FLASH) : std::nullopt) {
-        return fault;
+    if (auto reason = walk.any_admitted ? check_words(areas.profile, MEMORY_FLASH) : std::nullopt) {
+        return reason;
     }
-    return wrap_fault(areas.profile, MEMORY_FLASH, ATTR_MEMORY_PAGE_SIZE, walk.highest);
+    return check_no_wrap(areas.profile, MEMORY_FLASH, ATTR_MEMORY_PAGE_SIZE, walk.highest);
 }
 
 } // namespace geometry
