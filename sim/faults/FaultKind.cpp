@@ -15,7 +15,7 @@ std::optional<FaultKind> fault_kind_named(const QString& name)
 
 QString form_of(FaultKind kind)
 {
-    const QString name = QString::fromLatin1(name_of(kind));
+    QString name = QString::fromLatin1(name_of(kind));
     switch (kind) {
     case FaultKind::StuckBits:
         return name + QStringLiteral(":ADDRESS:MASK:LEVEL");

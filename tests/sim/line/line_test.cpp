@@ -13,7 +13,6 @@
 
 using sim::Descriptor;
 using sim::Line;
-using sim::Piece;
 using sim_test::HostPort;
 using sim_test::wait_until;
 using testing::ElementsAre;
