@@ -25,5 +25,6 @@ ProfileTableLine parse_profile_table_line(QString line);
 
 /// Reads the next line of a table as UTF-8 text; bytes that are none become replacement characters.
 /// A line ends at "\n", which goes together with one "\r" before it, or at the end of the device.
-/// Nothing at the end of the device and when reading fails.
+/// Nothing at the end of the device and when reading fails. Every call takes exactly one line, so
+/// the number of calls is the number of the line.
 std::optional<ProfileTableLine> read_profile_table_line(QIODevice& device);
