@@ -20,7 +20,8 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3)
+build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev libssl-dev zlib1g-dev)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3 python3-jsonschema binutils srecord
+    librsvg2-bin)
 fuzz_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy)

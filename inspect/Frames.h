@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace inspect
+{
+
+// What commands cost on the line: the bytes of request and answer with their frames, when no byte
+// has to be escaped.
+
+/// A read command that asks for so many bytes.
+quint64 read_bytes(quint64 data);
+/// A write command with so many bytes.
+quint64 write_bytes(quint64 data);
+quint64 erase_bytes();
+
+/// How long so many bytes take at a rate in baud; 0 at a rate of 0.
+double seconds_of(quint64 bytes, unsigned int rate);
+
+} // namespace inspect

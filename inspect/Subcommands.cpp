@@ -1,0 +1,12 @@
+#include "inspect/Subcommand.h"
+
+namespace inspect
+{
+
+const std::vector<const Subcommand*>& subcommands()
+{
+    static const std::vector<const Subcommand*> all = {&table_command(), &image_command()};
+    return all;
+}
+
+} // namespace inspect
