@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
-install_packages "${build_packages[@]}" "${test_packages[@]}" binutils srecord
+install_packages "${build_packages[@]}" "${test_packages[@]}"
 cmake --preset release
 cmake --build --preset release
 if [[ " $* " != *" --short "* ]]; then

@@ -1,0 +1,204 @@
+#include "inspect/ImageFile.h"
+#include "tests/inspect/InspectTest.h"
+
+#include <QCryptographicHash>
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+class ImageFacts : public InspectTest
+{
+protected:
+    QJsonObject report_on(const QByteArray& content, const QStringList& words = {}) const
+    {
+        return inspect_json(QStringList(QStringLiteral("image")) +
+                            put_file(QStringLiteral("image.hex"), content) + words);
+    }
+
+    QStringList in_device(const Changes& changes = {}) const
+    {
+        return {QStringLiteral("--table"),
+                put_file(QStringLiteral("device.txt"), table_row(changes))};
+    }
+};
+
+std::string segments(const QJsonObject& report)
+{
+    std::string text;
+    for (const QJsonValue segment : report[QStringLiteral("segments")].toArray()) {
+        text += QStringLiteral("%1-%2 ")
+                    .arg(segment[QStringLiteral("start")].toDouble(), 0, 'f', 0)
+                    .arg(segment[QStringLiteral("end")].toDouble(), 0, 'f', 0)
+                    .toStdString();
+    }
+    return text;
+}
+
+int area(const QJsonObject& report, const char* name)
+{
+    return report[QStringLiteral("areas")][QLatin1String(name)].toInt();
+}
+
+} // namespace
+
+TEST_F(ImageFacts, JoinSegmentsThatTouchWhateverTheirOrder)
+{
+    const QJsonObject report = report_on(record(0x14, 0, "cd") + record(0x10, 0, "abcd") +
+                                         record(0x20, 0, "e") + end_record);
+    EXPECT_EQ(segments(report), "16-22 32-33 ");
+    EXPECT_EQ(report[QStringLiteral("bytes")].toInt(), 7);
+}
+
+TEST_F(ImageFacts, JoinSegmentsThatTheDeviceCutsInTwo)
+{
+    const QJsonObject report =
+        report_on(record(0x3FFC, 0, "abcd") + record(0x4000, 0, "efgh") + end_record, in_device());
+    EXPECT_EQ(segments(report), "16380-16388 ");
+    EXPECT_EQ(area(report, "unencrypted"), 4);
+    EXPECT_EQ(area(report, "encrypted"), 4);
+    EXPECT_THAT(codes(report), IsEmpty());
+}
+
+TEST_F(ImageFacts, HashTheFile)
+{
+    const QByteArray content = record(0, 0, "abc") + end_record;
+    EXPECT_EQ(
+        report_on(content)[QStringLiteral("sha256")].toString(),
+        QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex()));
+}
+
+TEST_F(ImageFacts, SumUpTheBytesInTheOrderOfTheirAddresses)
+{
+    // The check value of this polynomial: that of "123456789".
+    const QJsonObject report =
+        report_on(record(0x900, 0, "6789") + record(0x10, 0, "12345") + end_record);
+    EXPECT_EQ(report[QStringLiteral("crc32")].toString(), QStringLiteral("cbf43926"));
+}
+
+TEST_F(ImageFacts, CountBytesByArea)
+{
+    const QJsonObject report =
+        report_on(record(0x100, 0, "b") + record(0x800, 0, "pp") + record(0x4000, 0, "eee") +
+                      record(0x9000, 0, "oooo") + record(0, 4, QByteArray::fromHex("0001")) +
+                      record(0, 0, "EEEEE") + end_record,
+                  in_device());
+    EXPECT_EQ(area(report, "bootloader"), 1);
+    EXPECT_EQ(area(report, "unencrypted"), 2);
+    EXPECT_EQ(area(report, "encrypted"), 3);
+    EXPECT_EQ(area(report, "outside"), 4);
+    EXPECT_EQ(area(report, "eeprom"), 5);
+    EXPECT_THAT(codes(report), ElementsAre("I019", "I020"));
+}
+
+TEST_F(ImageFacts, CountPagesAndRows)
+{
+    const QJsonObject report = report_on(
+        record(0x880, 0, QByteArray(128, 'a')) + record(0xC00, 0, "b") + end_record, in_device());
+    EXPECT_EQ(report[QStringLiteral("pages")][QStringLiteral("touched")].toInt(), 2);
+    EXPECT_EQ(report[QStringLiteral("flash_rows")][QStringLiteral("touched")].toInt(), 2);
+    EXPECT_EQ(report[QStringLiteral("flash_rows")][QStringLiteral("partly_filled")].toInt(), 1);
+}
+
+TEST_F(ImageFacts, HaveNoDataOfAFileThatIsRefused)
+{
+    const QJsonObject report =
+        report_on(record(0, 0, "abc") + record(0, 2, "ab") + end_record, in_device());
+    EXPECT_FALSE(report[QStringLiteral("loads")].toBool());
+    EXPECT_EQ(report[QStringLiteral("bytes")].toInt(), 0);
+    EXPECT_EQ(segments(report), "");
+    EXPECT_TRUE(report[QStringLiteral("areas")].isUndefined());
+}
+
+TEST_F(ImageFacts, StopAtTheFirstBadRecord)
+{
+    EXPECT_THAT(places(report_on(record(0, 0, "abc") + ":00\n" + record(0, 2, "ab"))),
+                ElementsAre("I003:2:4"));
+}
+
+TEST_F(ImageFacts, TakeAStartAddressAtTheEndForHarmless)
+{
+    const QJsonObject report =
+        report_on(record(0, 0, "abc") + record(0, 5, QByteArray::fromHex("12345678")) + end_record);
+    EXPECT_EQ(report[QStringLiteral("start_address")].toInt(), 0x12345678);
+    EXPECT_THAT(codes(report), IsEmpty());
+}
+
+TEST_F(ImageFacts, TakeAStartAddressBeforeAnAddressRecordForHarmless)
+{
+    EXPECT_THAT(codes(report_on(record(0, 5, QByteArray::fromHex("12345678")) +
+                                record(0, 4, QByteArray::fromHex("0000")) + record(0, 0, "abc") +
+                                end_record)),
+                IsEmpty());
+}
+
+TEST_F(ImageFacts, TellALostColonFromARemark)
+{
+    const QJsonObject report =
+        report_on(record(0, 0, "abc") + record(3, 0, "def").mid(1) + "a remark\r\n" +
+                  record(6, 0, "ghi") + "0123456789\n" + record(9, 0, "j") + end_record);
+    EXPECT_THAT(places(report), ElementsAre("I010:2:1", "I011:3:1"));
+}
+
+TEST_F(ImageFacts, AcceptOtherLineEndsAndBlanksBetweenRecords)
+{
+    const QByteArray lines = record(0, 0, "abc") + record(3, 0, "def") + end_record;
+    for (const char* end : {"\r\n", "\r", "\n\n", " \t\n"}) {
+        EXPECT_THAT(codes(report_on(QByteArray(lines).replace('\n', end))), IsEmpty());
+    }
+    EXPECT_THAT(codes(report_on(lines.chopped(1))), IsEmpty());
+}
+
+TEST_F(ImageFacts, CountFurtherPlacesOfAProblem)
+{
+    const QByteArray unknown = record(0, 6, "a");
+    const QJsonObject report =
+        report_on(unknown + unknown + record(0, 0, "a") + unknown + end_record);
+    EXPECT_THAT(places(report), ElementsAre("I017:1:1"));
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("The type is 6. 3 places in all."));
+}
+
+TEST_F(ImageFacts, NameBothRecordsOfAnOverlap)
+{
+    const QJsonObject report =
+        report_on(record(0x10, 0, "abcd") + "\n" + record(0x12, 0, "x") + end_record);
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("Lines 1 and 3 both have data for 0x00000012."));
+}
+
+TEST_F(ImageFacts, WarnOfTheTableOnlyWhereItIsOfNoUse)
+{
+    const QString table = put_file(QStringLiteral("device.txt"),
+                                   table_row({{13, "0"}}) + table_row({{1, "v0111:"}, {9, "x"}}));
+    const QJsonObject report = inspect_json(
+        {QStringLiteral("image"),
+         put_file(QStringLiteral("a.hex"), record(0x800, 0, "a") + end_record),
+         QStringLiteral("--table"), table, QStringLiteral("--device"), QStringLiteral("0110")});
+    EXPECT_THAT(places(report), ElementsAre("T005:2:9"));
+}
+
+TEST_F(ImageFacts, NeedNotFitIntoMemoryTwice)
+{
+    // Data at both ends of the address space take no memory for what lies between.
+    const QJsonObject report =
+        report_on(record(0, 0, "a") + record(0, 4, QByteArray::fromHex("FFFF")) +
+                  record(0xFFF0, 0, "b") + end_record);
+    EXPECT_EQ(segments(report), "0-1 4294967280-4294967281 ");
+}
+
+TEST_F(ImageFacts, OfSeveralFilesStandInAList)
+{
+    const QString first = put_file(QStringLiteral("a.hex"), record(0, 0, "a") + end_record);
+    const QString missing = path(QStringLiteral("none.hex"));
+    const inspect::Outcome outcome =
+        inspect_run({QStringLiteral("image"), first, missing, QStringLiteral("--json")});
+    const QJsonObject report = QJsonDocument::fromJson(outcome.out).object();
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(report[QStringLiteral("images")].toArray().size(), 2);
+    EXPECT_EQ(report[QStringLiteral("images")][0][QStringLiteral("bytes")].toInt(), 1);
+    EXPECT_THAT(codes(report), ElementsAre("I001"));
+}
