@@ -25,6 +25,7 @@ def commands_for(context, image, result):
         "minimal": [programs / "minimal_hex", image],
         "load": [programs / "hex_program", "load", image],
         "convert": [programs / "hex_program", "convert", image, result],
+        "inspect": [context.build / "zserial-inspect", "image", image],
         "objcopy": ["objcopy", "-I", "ihex", "-O", "ihex", image, result],
     }
     if not context.short:
@@ -40,7 +41,7 @@ def hex_goals(context):
         require_same_bytes(context, image, result)
         yield from ratio_goals(context, name, times)
         most = 3.5 * size + 10 * MIB
-        for job in ("load", "convert"):
+        for job in ("load", "convert", "inspect"):
             yield Goal(
                 "HEX",
                 f"{name}, peak memory of {job} ÷ (3.5 × image + 10 MiB)",
@@ -67,6 +68,8 @@ def require_same_bytes(context, image, result):
 def ratio_goals(context, name, times):
     pairs = [("load", "minimal", 2), ("convert", "objcopy", 0.8), ("convert", "srec_cat", 0.25)]
     titles = {"minimal": "a minimal C parser"}
+    if name.startswith("dense"):
+        pairs.append(("inspect", "load", 2))
     for mine, other, bound in pairs:
         if other in times:
             yield Goal(
