@@ -11,6 +11,14 @@ install_packages "${build_packages[@]}"
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -G Ninja
 cmake --build build
 
+echo
+echo "A look at the table and the image before anything is programmed:"
+echo
+echo "  zserial-inspect image $image --table device.txt --device $device"
+echo
+(cd examples && ../build/zserial-inspect table >/dev/null &&
+    ../build/zserial-inspect image "$image" --table device.txt --device "$device")
+
 # The simulator prints its port first and a summary when it is stopped.
 exec 3< <(exec build/zserial-sim --table examples/device.txt --device "$device" \
     --check "examples/$image")
