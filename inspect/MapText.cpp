@@ -99,10 +99,10 @@ void print_map(TextPage& page, const MemoryPicture& picture, bool has_device)
         return;
     }
     page.line();
-    page.paragraph(QStringLiteral("# image   + partly image   . no image") +
-                       (has_device ? QStringLiteral("   - bootloader   B image in the bootloader")
-                                   : QString()),
-                   2);
+    page.paragraph(
+        QStringLiteral("# image, + partly image, . no image") +
+            (has_device ? QStringLiteral(", - bootloader, B image in the bootloader") : QString()),
+        2);
     if (picture.left_out != 0) {
         page.paragraph(QStringLiteral("Not shown: %1 of the image.")
                            .arg(count_text(picture.left_out, "further part")),

@@ -52,6 +52,11 @@ class WrongCommandLine : public InspectTest, public testing::WithParamInterface<
 {
 };
 
+std::string name_of_line(const testing::TestParamInfo<WrongLine>& info)
+{
+    return info.param.name;
+}
+
 } // namespace
 
 TEST_P(WrongCommandLine, IsRefusedWithAReason)
@@ -91,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "image --svg examples/device.txt examples/blink.hex --table examples/device.txt "
                   "--device 0110",
                   "examples/device.txt is looked into and cannot be written"}),
-    [](const testing::TestParamInfo<WrongLine>& info) { return std::string(info.param.name); });
+    name_of_line);
 
 TEST_F(CommandLine, TakesAVersionAsTheTableTheSimulatorOrTheUploaderHaveIt)
 {

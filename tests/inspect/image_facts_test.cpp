@@ -15,8 +15,9 @@ class ImageFacts : public InspectTest
 protected:
     QJsonObject report_on(const QByteArray& content, const QStringList& words = {}) const
     {
-        return inspect_json(QStringList(QStringLiteral("image")) +
-                            put_file(QStringLiteral("image.hex"), content) + words);
+        return inspect_json(
+            QStringList{QStringLiteral("image"), put_file(QStringLiteral("image.hex"), content)} +
+            words);
     }
 
     QStringList in_device(const Changes& changes = {}) const

@@ -15,9 +15,9 @@ namespace
 
 using TableFacts = InspectTest;
 
-QJsonObject costs(const QJsonObject& report)
+QJsonValue costs(const QJsonObject& report)
 {
-    return report[QStringLiteral("profiles")][0][QStringLiteral("costs")].toObject();
+    return report[QStringLiteral("profiles")][0][QStringLiteral("costs")];
 }
 
 int commands(const QJsonObject& report, const char* operation)

@@ -1,6 +1,7 @@
 #include "inspect/Figures.h"
 #include "inspect/TextPage.h"
 
+#include <QStringList>
 #include <gtest/gtest.h>
 
 using inspect::Style;
