@@ -1,5 +1,6 @@
 // Sizes and limits that do not fit each other.
 
+#include "device/GeometryChecks.h"
 #include "inspect/Figures.h"
 #include "inspect/RowLint.h"
 #include "profile/MemoryAttributes.h"
@@ -92,8 +93,7 @@ void check_erase_step(RowLint& lint)
 {
     const Profile& profile = lint.profile;
     const unsigned int page = profile.get_page_size(MEMORY_FLASH);
-    const unsigned int step =
-        page * profile.get_word_size(MEMORY_FLASH) / profile.get_words_per_address(MEMORY_FLASH);
+    const unsigned int step = geometry::page_step(profile);
     const quint64 bytes =
         profile.get_max_address(MEMORY_FLASH) - profile.get_min_address(MEMORY_FLASH);
     if (step != page) {

@@ -1,6 +1,6 @@
 // Figures that no command can be built from, or that the line cannot carry.
 
-#include "device/GeometryFaults.h"
+#include "device/GeometryChecks.h"
 #include "inspect/Figures.h"
 #include "inspect/Frames.h"
 #include "inspect/RowLint.h"
@@ -19,35 +19,40 @@ constexpr unsigned int longest_answer = 65535;
 constexpr unsigned int highest_word_address = 0xFFFFFF;
 constexpr double answer_seconds = 0.3;
 
-using Check = geometry::Fault (*)(const Profile& profile, MemoryType memory);
+/// What is wrong with the figures of a memory, and in which column.
+struct Fault {
+    Reason reason;
+    Code code = Code::WordsPerAddressRange;
+    Profile::Attr attribute = Profile::_enum_size;
+};
 
-/// The first figure of a memory that cannot work. The checks of the uploader build on each other,
-/// so the first one that fails names the attribute.
+/// The checks of the uploader build on each other, so the first that fails names the attribute.
+Fault fault_of(const Profile& profile, MemoryType memory)
+{
+    if (auto reason = geometry::check_words(profile, memory)) {
+        return {reason, Code::WordsPerAddressRange, ATTR_WORDS_PER_ADDRESS.at(memory)};
+    }
+    if (auto reason = geometry::check_row(profile, memory)) {
+        return profile.get_word_size(memory) > geometry::longest_buffer
+                   ? Fault{reason, Code::WordSizeRange, ATTR_MEMORY_WORD_SIZE.at(memory)}
+                   : Fault{reason, Code::RowSizeRange, ATTR_MEMORY_ROW_SIZE.at(memory)};
+    }
+    if (auto reason = geometry::check_block(profile, memory)) {
+        return {reason, Code::BlockSizeRange, ATTR_MEMORY_BLOCK_SIZE.at(memory)};
+    }
+    if (memory == MEMORY_EEPROM) {
+        return {};
+    }
+    const Reason page = geometry::check_page(profile);
+    return {page ? page : geometry::check_page_step(profile), Code::PageSizeRange,
+            Profile::flash_page_size};
+}
+
 void check_geometry(RowLint& lint, MemoryType memory)
 {
-    struct Step {
-        Check check;
-        Code code;
-        Profile::Attr attribute;
-    };
-
-    const bool long_word = lint.profile.get_word_size(memory) > 0x1000000;
-    const std::array<Step, 3> steps = {{
-        {geometry::address_fault, long_word ? Code::WordSizeRange : Code::WordsPerAddressRange,
-         (long_word ? ATTR_MEMORY_WORD_SIZE : ATTR_WORDS_PER_ADDRESS).at(memory)},
-        {geometry::row_fault, Code::RowSizeRange, ATTR_MEMORY_ROW_SIZE.at(memory)},
-        {geometry::block_fault, Code::BlockSizeRange, ATTR_MEMORY_BLOCK_SIZE.at(memory)},
-    }};
-    for (const Step& step : steps) {
-        if (const auto fault = step.check(lint.profile, memory)) {
-            lint.add(step.code, step.attribute, *fault);
-            return;
-        }
-    }
-    if (memory == MEMORY_FLASH) {
-        if (const auto fault = geometry::page_fault(lint.profile)) {
-            lint.add(Code::PageSizeRange, Profile::flash_page_size, *fault);
-        }
+    const Fault fault = fault_of(lint.profile, memory);
+    if (fault.reason) {
+        lint.add(fault.code, fault.attribute, *fault.reason);
     }
 }
 
@@ -140,7 +145,7 @@ void check_wrap(RowLint& lint, Profile::Attr attribute, MemoryType memory)
 void check_begin_of_eeprom(RowLint& lint)
 {
     const unsigned int start = lint.profile.get_min_address(MEMORY_EEPROM);
-    if (const auto fault = geometry::block_start_fault(lint.profile, MEMORY_EEPROM, start)) {
+    if (const auto fault = geometry::check_block_start(lint.profile, MEMORY_EEPROM, start)) {
         lint.add(Code::EepromInsideBlock, Profile::eeprom_start_address, *fault);
     }
 }

@@ -1,6 +1,6 @@
 #include "inspect/OperationCosts.h"
 
-#include "device/GeometryFaults.h"
+#include "device/GeometryChecks.h"
 #include "inspect/Frames.h"
 
 namespace inspect
@@ -23,13 +23,21 @@ quint64 size_of(const Profile& profile, MemoryType memory)
     return profile.has_memory_type(memory) && begin < end ? end - begin : 0;
 }
 
+/// Whether commands can name as many words as `size` bytes have.
+bool is_countable(const Profile& profile, MemoryType memory, unsigned int size)
+{
+    const unsigned int words = size / profile.get_word_size(memory);
+    return 1 <= words && words <= 255;
+}
+
 bool works(const Profile& profile, MemoryType memory)
 {
     return size_of(profile, memory) == 0 ||
-           (!geometry::block_fault(profile, memory) &&
-            (memory == MEMORY_EEPROM || !geometry::page_fault(profile)) &&
-            profile.get_row_size(memory) / profile.get_word_size(memory) <= 255 &&
-            profile.get_block_size(memory) / profile.get_word_size(memory) <= 255);
+           (!geometry::check_read(profile, memory) &&
+            (memory == MEMORY_EEPROM ||
+             (!geometry::check_page(profile) && !geometry::check_page_step(profile))) &&
+            is_countable(profile, memory, profile.get_row_size(memory)) &&
+            is_countable(profile, memory, profile.get_block_size(memory)));
 }
 
 void add(Cost& cost, quint64 commands, quint64 bytes_each)
@@ -40,9 +48,7 @@ void add(Cost& cost, quint64 commands, quint64 bytes_each)
 
 Cost erase_cost(const Profile& profile)
 {
-    const quint64 step = quint64{profile.get_page_size(MEMORY_FLASH)} *
-                         profile.get_word_size(MEMORY_FLASH) /
-                         profile.get_words_per_address(MEMORY_FLASH);
+    const quint64 step = geometry::page_step(profile);
     Cost cost;
     add(cost, steps(steps(size_of(profile, MEMORY_FLASH), step), most_pages), erase_bytes());
     return cost;

@@ -180,8 +180,10 @@ const std::vector<ProblemKind>& problem_kinds()
          "Sends 24 bits of a word address: what lies beyond is read, written and erased at the "
          "address that is left.",
          "Correct the end of the memory."},
-        {Code::AnswerTooLong, "T042", error, "An answer of more than 65535 bytes",
-         "Fails with \"cannot read ... bytes in one response, at most 65535\".",
+        {Code::AnswerTooLong, "T042", warning, "An answer of more than 65535 bytes",
+         "Compares the length of an answer in 16 bits, so one that is shorter by 65536 bytes is "
+         "only "
+         "found to be too short in the end, and not asked for again.",
          "Make word, row and block smaller."},
         {Code::DiffersFromOther, "T043", warning, "A value differs from the other table",
          "Works with this table's value.", "Find out which of the two is right."},

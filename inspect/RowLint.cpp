@@ -1,6 +1,6 @@
 #include "inspect/RowLint.h"
 
-#include "device/GeometryFaults.h"
+#include "device/GeometryChecks.h"
 #include "profile/MemoryAttributes.h"
 
 #include <algorithm>
@@ -30,8 +30,10 @@ unsigned int RowLint::raw(Profile::Attr attribute) const
 
 bool RowLint::is_usable(MemoryType memory) const
 {
-    const bool has_faults = geometry::block_fault(profile, memory).has_value() ||
-                            (memory == MEMORY_FLASH && geometry::page_fault(profile).has_value());
+    const bool has_faults =
+        geometry::check_read(profile, memory).has_value() ||
+        (memory == MEMORY_FLASH && (geometry::check_page(profile).has_value() ||
+                                    geometry::check_page_step(profile).has_value()));
     return !has_faults && profile.get_min_address(memory) < profile.get_max_address(memory);
 }
 
