@@ -1,8 +1,8 @@
-"""Makes damaged and unusual Intel HEX files, lets several tools load them and prints a table.
+"""Loads damaged and unusual Intel HEX files with several tools and prints the outcomes as a table.
 
-Every file holds the bytes 01 02 03 04 at 0x80, called A, and 05 06 07 08 at 0xA0, called B, apart
-from what its name says. Usage: hex_comparison.py FOLDER, where zserial and zserial-sim have been
-built.
+Every file holds the bytes 01 02 03 04 at 0x80, called A, and 05 06 07 08 at 0xA0, called B, unless
+its name says otherwise. Usage: hex_comparison.py FOLDER, where FOLDER holds the zserial and
+zserial-sim to use.
 """
 
 import os
@@ -39,10 +39,10 @@ def files():
         ("nothing wrong", plain),
         ("bad checksum", FIRST + SECOND[:-3] + "43\n" + END),
         ("bad checksum of the end record", FIRST + SECOND + ":00000001FE\n"),
-        ("no hexadecimal digit", FIRST + SECOND.replace("06", "0G") + END),
-        ("blank within a record", FIRST + SECOND.replace("06", "0 6") + END),
-        ("line cut short", FIRST + SECOND[:-5] + "\n" + END),
-        ("file cut short", FIRST + SECOND[:-5]),
+        ("not a hexadecimal digit", FIRST + SECOND.replace("06", "0G") + END),
+        ("space within a record", FIRST + SECOND.replace("06", "0 6") + END),
+        ("truncated line", FIRST + SECOND[:-5] + "\n" + END),
+        ("truncated file", FIRST + SECOND[:-5]),
         ("`:` lost before data", FIRST + SECOND[1:] + END),
         ("`:` lost before a type 4 record",
          FIRST + record(4, 0, "0001")[1:] + SECOND + END),
@@ -95,7 +95,7 @@ def make_file(path, text):
 
 
 def load(path):
-    """The bytes of a file that a tool has written, by address."""
+    """The bytes of a file written by a tool, by address."""
     upper, image = 0, {}
     for line in path.read_text().split():
         content = bytes.fromhex(line[1:])
@@ -108,7 +108,7 @@ def load(path):
 
 
 def place(image, piece, name):
-    """Takes a piece out of an image, wherever it lies, and tells where."""
+    """Removes a piece from an image, wherever it lies, and says where it was."""
     start, data = min(piece), [piece[address] for address in sorted(piece)]
     for base in sorted(image, key=lambda address: (address != start, address)):
         if [image.get(base + i) for i in range(len(data))] == data:
@@ -150,7 +150,7 @@ class Run:
 
 
 class Zserial:
-    """Writes to a simulated device, so that only what belongs into that device shows."""
+    """Writes to a simulated device, so only data that lie in that device show."""
 
     name = "zserial"
 
@@ -226,7 +226,7 @@ def outcome(tool, case, text):
         make_file(source, text)
         run = tool.run(source.name, target.name, folder)
         if not run.in_time:
-            cell = f"no end within {TIME_LIMIT} s"
+            cell = f"not finished within {TIME_LIMIT} s"
         elif "MemoryError" in run.text or "memory exhausted" in run.text.lower():
             cell = "out of memory"
         elif run.status < 0:
