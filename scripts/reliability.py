@@ -12,12 +12,15 @@ import sys
 import time
 
 sys.dont_write_bytecode = True
-from campaign import load, run as runs, verdict
+SOURCE = pathlib.Path(__file__).resolve().parent.parent
+sys.path.append(str(SOURCE / "bench"))
+import conditions
+from campaign import load, run as runs, tables, verdict
 from campaign.cases import CASES
+from campaign.device import SMALL
 from campaign.sections import SECTIONS
 from campaign.verdict import Cause, End
 
-SOURCE = pathlib.Path(__file__).resolve().parent.parent
 ALL = [*SECTIONS, "cases", "load"]
 MARKER = ".files-of-reliability"  # in a folder whose content may be removed
 
@@ -29,15 +32,21 @@ def parse_arguments():
     parser.add_argument("--folder", type=pathlib.Path, default=SOURCE / "build/reliability",
                         help="where runs leave their files; emptied at the start if an earlier"
                         " campaign left it, refused if it holds anything else")
-    parser.add_argument("--runs", type=int, default=50, help="of every row of the tables")
+    parser.add_argument("--runs", type=int, default=50, help="of every row of the tables at least")
+    parser.add_argument("--faults", type=int, default=250,
+                        help="that the runs of a row should meet, about; adds runs where needed")
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--jobs", type=int, default=24, help="runs at once")
+    parser.add_argument("--jobs", type=int, default=32,
+                        help="runs on the small device at once, and half as many on larger ones")
     parser.add_argument("--devices", type=int, default=32, help="programmed at once by \"load\"")
     parser.add_argument("--section", choices=ALL, action="append", help="only this one; repeatable")
     parser.add_argument("--only", metavar="RUN", action="append",
                         help="a single run by its name, with all its files kept; repeatable")
     parser.add_argument("--smoke", action="store_true",
-                        help="a few runs of each section; a case for which the machine is too slow is not judged")
+                        help="a few runs of each section; a case for which the machine is too slow"
+                        " is not judged")
+    parser.add_argument("--write", type=pathlib.Path, metavar="PAGE",
+                        help="page to put the tables into")
     return parser.parse_args()
 
 
@@ -48,64 +57,91 @@ class Campaign:
         self.programs = runs.Programs(str(build / "zserial"), str(build / "zserial-sim"))
         self.folder = arguments.folder.resolve()
         self.faults = []  # of the tool or of the campaign, as against those of the line
+        self.unharmed = []  # verdicts on runs that met no fault
+        self.tables = {}  # in Markdown, by the name of the section
         self.pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
+        # Runs on larger devices keep processors busy, where small ones wait most of the time.
+        self.busy_pool = concurrent.futures.ThreadPoolExecutor(max(1, arguments.jobs // 2))
 
-    def carry_out(self, run):
-        """Ends with (run, outcome, end, cause). The files of what went right are removed."""
-        folder = self.folder / run.key
-        outcome = runs.execute(run, self.programs, folder)
-        end = verdict.end_of(run, outcome)
-        cause = verdict.cause_of(run, outcome) if end is End.DIFFERENT else None
-        if end in (End.RIGHT, End.ERROR) and not self.arguments.only:
-            shutil.rmtree(folder)
-        if end is End.BROKEN or cause is Cause.NONE:
-            self.faults.append(f"{run.key}: {end.value}, {cause.value if cause else 'no cause'}")
-        return run, outcome, end, cause
+    def carry_out(self, run, slow=False):
+        outcome = runs.execute(run, self.programs, self.folder / run.key)
+        return self.finish(verdict.judge(run, outcome, slow))
+
+    def carry_out_case(self, case):
+        """Ends with the verdict, and whether the tool gave up waiting for an answer that was given."""
+        run = case.run(self.arguments.seed)
+        outcome = runs.execute(run, self.programs, self.folder / run.key)
+        gave_up = outcome.gave_up_waiting()
+        return self.finish(verdict.judge(run, outcome)), gave_up
+
+    def finish(self, result):
+        """Removes the files of what went right."""
+        if result.end in (End.RIGHT, End.ERROR) and not self.arguments.only:
+            shutil.rmtree(self.folder / result.key)
+        return result
 
     def start(self, name):
         """Lets the runs of a section begin as soon as there is room for them."""
-        rows = SECTIONS[name].rows(self.arguments.smoke)
-        count = 1 if self.arguments.smoke else self.arguments.runs
-        return [(row, [self.pool.submit(self.carry_out, row.run(self.arguments.seed, number))
-                       for number in range(count * row.times)]) for row in rows]
+        return [(row, self.start_row(row)) for row in SECTIONS[name].rows(self.arguments.smoke)]
+
+    def start_row(self, row):
+        pool = self.pool if row.device is SMALL else self.busy_pool
+        return [pool.submit(self.run_of, row, number) for number in range(self.count(row))]
+
+    def count(self, row):
+        return 1 if self.arguments.smoke else row.count(self.arguments.runs, self.arguments.faults)
+
+    def run_of(self, row, number):
+        return self.carry_out(row.run(self.arguments.seed, number), row.slow)
 
     def section(self, name, started):
-        title = SECTIONS[name].title
-        print(f"\n### {title}\n\n| Line | Procedure | Runs | Right | Error told | Different | Median"
-              " | Longest |\n|---|---|---|---|---|---|---|---|")
-        strays = []
+        lines, strays = [], []
+        self.show(name, SECTIONS[name].title, tables.HEAD)
         for row, futures in started:
-            results = [future.result() for future in futures]
-            print(f"| {row.circumstances} | {row.procedure.name} | {line_of(results)} |", flush=True)
-            strays += [result for result in results if result[2] in (End.DIFFERENT, End.BROKEN)]
-        tell(strays)
+            verdicts = [future.result() for future in futures]
+            lines.append(tables.line_of(row, verdicts))
+            print(lines[-1], flush=True)
+            self.look_at(verdicts)
+            strays += [each for each in verdicts if each.end not in (End.RIGHT, End.ERROR)]
+        self.tables[name] = "\n".join([tables.HEAD, *lines])
+        report(strays)
+
+    def look_at(self, verdicts):
+        self.unharmed += [each for each in verdicts if not each.faults]
+        for each in verdicts:
+            if each.end is End.BROKEN or each.cause is Cause.NONE:
+                self.faults.append(f"{each.key}: {each.text}")
+            elif not each.faults and not each.repeated and each.end is not End.RIGHT:
+                self.faults.append(f"{each.key}: {each.text}, without a fault on its line")
+
+    def show(self, name, title, head):
+        print(f"\n### {title}\n\n{head}", flush=True)
 
     def cases(self):
         cases = [case for case in CASES if not (self.arguments.smoke and case.needs_quick_machine)]
-        results = list(self.pool.map(lambda case: self.carry_out(case.run(self.arguments.seed)),
-                                     cases))
-        print("\n### Cases\n\n| Case | What happens | Procedure | Simulator, without `--fault` | End |\n"
-              "|---|---|---|---|---|")
-        judged = [self.judge(case, *result[1:]) for case, result in zip(cases, results)]
+        results = list(self.pool.map(self.carry_out_case, cases))
+        self.show("cases", "Cases", tables.CASES_HEAD)
+        judged = [self.judge(case, *result) for case, result in zip(cases, results)]
         if not any(judged):
             self.faults.append("cases: none could be judged")
 
-    def judge(self, case, outcome, end, cause):
+    def judge(self, case, result, gave_up):
         """Whether the case could be judged: a late answer leaves its faults to other commands. Where
         answers are late on purpose it always can, given a machine that is quick enough."""
-        judged = case.needs_quick_machine or not outcome.gave_up_waiting
-        told = f"{end.value}{f': {cause.value}' if cause else ''}" if judged \
-            else "not judged: the machine was too slow"
-        options = " ".join(word for word in case.options if word != "--fault")
-        print(f"| {case.name} | {case.what} | {case.procedure.name} | `{options}` | {told} |")
-        if judged and (end, cause) != (case.end, case.cause):
-            self.faults.append(f"cases/{case.name}: {end.value} instead of {case.end.value}")
+        judged = case.needs_quick_machine or not gave_up
+        self.add("cases", tables.CASES_HEAD, tables.case_line(case, result, judged))
+        if judged and (result.end, result.cause) != (case.end, case.cause):
+            self.faults.append(f"{result.key}: {result.text} instead of {case.end.value}")
         return judged
+
+    def add(self, name, head, line):
+        """Prints a line, and keeps it for the page."""
+        print(line, flush=True)
+        self.tables[name] = self.tables.get(name, head) + "\n" + line
 
     def load(self):
         table = (SOURCE / "examples/device.txt").read_text(encoding="utf-8")
-        print("\n### Load\n\n| Line | Devices | Right | All done after | CPU of zserial: median, most"
-              " | CPU of zserial-sim |\n|---|---|---|---|---|---|")
+        self.show("load", "Load", tables.LOAD_HEAD)
         for name, options in {"as fast as it goes": [], "115200 baud": ["--pace"]}.items():
             if self.arguments.smoke and options:
                 continue
@@ -113,43 +149,28 @@ class Campaign:
             line, right = load.measure(self.programs, folder, table, self.arguments.seed,
                                        4 if self.arguments.smoke else self.arguments.devices,
                                        options)
-            print(f"| {name} | {line} |", flush=True)
+            self.add("load", tables.LOAD_HEAD, f"| {name} | {line} |")
             if not right:
                 self.faults.append(f"load, {name}: not all devices hold their image")
 
     def only(self, key):
         section, *words = key.split("/")
         if section == "cases":
-            run = next(case for case in CASES if case.name == words[0]).run(self.arguments.seed)
+            case = next(case for case in CASES if case.name == words[0])
+            result = self.carry_out(case.run(self.arguments.seed))
         else:
             row = next(row for row in SECTIONS[section].rows()
-                       if row.run(0, 0).key == "/".join([section, *words[:2], "0"]))
-            run = row.run(self.arguments.seed, int(words[2]))
-        _, outcome, end, cause = self.carry_out(run)
-        print(f"{key}: {end.value}{f', {cause.value}' if cause else ''}; files in {outcome.folder}")
+                       if row.key == "/".join([section, *words[:2]]))
+            result = self.run_of(row, int(words[2]))
+        print(f"{key}: {result.text}; faults met: {tables.faults_text([result])}; files in {self.folder / key}")
 
 
-def line_of(results):
-    ends = [result[2] for result in results]
-    seconds = [result[1].seconds for result in results]
-    different = str(ends.count(End.DIFFERENT))
-    causes = [result[3] for result in results if result[3]]
-    if causes:
-        different += ": " + ", ".join(f"{causes.count(cause)} {cause.value}"
-                                      for cause in Cause if cause in causes)
-    if End.BROKEN in ends:
-        different += f"; {ends.count(End.BROKEN)} BROKEN"
-    return (f"{len(ends)} | {ends.count(End.RIGHT)} | {ends.count(End.ERROR)} | {different} |"
-            f" {statistics.median(seconds):.1f} s | {max(seconds):.1f} s")
-
-
-def tell(strays):
+def report(strays):
     """Where to look at what ended neither right nor with an error."""
     if strays:
         print()
-    for run, outcome, end, cause in strays:
-        print(f"- {run.key}: {end.value}{f', {cause.value}' if cause else ''};"
-              f" {verdict.damage_of(run, outcome)}")
+    for each in strays:
+        print(f"- {each.key}: {each.text}; {each.damage}")
 
 
 def empty(folder):
@@ -168,6 +189,23 @@ def empty(folder):
             entry.unlink()
 
 
+def ending_of(campaign, seconds):
+    """The conditions, and whether the machine was quick enough: nobody has reason to repeat a
+    command where the line is free of faults."""
+    arguments = campaign.arguments
+    repeating = sum(each.repeated > 0 for each in campaign.unharmed)
+    return (f"{conditions.text(SOURCE)} Seed {arguments.seed}, up to {arguments.jobs} runs on the"
+            f" small device at once and half as many on larger ones, {seconds:.0f} s. {len(campaign.unharmed)} runs met no fault; {repeating} of them"
+            " repeated a command all the same, because the machine was too slow.")
+
+
+def write_page(path, parts):
+    page = path.read_text(encoding="utf-8")
+    for name, text in parts.items():
+        page = tables.put_into(page, name, text)
+    path.write_text(page, encoding="utf-8")
+
+
 def main():
     arguments = parse_arguments()
     empty(arguments.folder)
@@ -183,7 +221,11 @@ def main():
         campaign.cases()
     if "load" in names:
         campaign.load()
-    print(f"\nSeed {arguments.seed}, {time.monotonic() - start:.0f} s.")
+    ending = ending_of(campaign, time.monotonic() - start)
+    if not arguments.only:
+        print(f"\n{ending}")
+    if arguments.write:
+        write_page(arguments.write, {**campaign.tables, "conditions": ending})
     for fault in campaign.faults:
         print(f"NOT AS IT SHOULD BE: {fault}", file=sys.stderr)
     return 1 if campaign.faults else 0

@@ -2,7 +2,8 @@
 
 import dataclasses
 
-from . import device, procedures
+from . import memory, procedures
+from .device import SMALL
 from .run import Run
 from .verdict import Cause, End
 
@@ -23,8 +24,9 @@ class Case:
 
     def run(self, base_seed):
         key = f"cases/{self.name}"
-        image = _whole_pages(device.generator(base_seed, "cases"))
-        before = device.Memory(dict.fromkeys(device.FLASH, 0xAA))
+        image = _whole_pages(memory.generator(base_seed, "cases"))
+        filled = memory.Image([(SMALL.flash.start, b"\xAA" * len(SMALL.flash))])
+        before = memory.Memory(SMALL, filled)
         if self.procedure is procedures.VERIFY:
             before = before.written(image)
         return Run(key, self.seed, self.procedure, list(self.options), image, before)
@@ -33,8 +35,9 @@ class Case:
 def _whole_pages(draws):
     """Three pages and two rows of EEPROM: what a command does follows from its number. The last
     page lies where the device with the other version has no flash."""
-    addresses = [*device.FLASH[:2 * device.PAGE], *device.FLASH[-device.PAGE:], *device.EEPROM[:2 * device.EEPROM_ROW]]
-    return dict(zip(addresses, device.random_bytes(draws, len(addresses))))
+    pages = [(SMALL.flash.start, 2 * SMALL.page), (SMALL.flash.stop - SMALL.page, SMALL.page),
+             (SMALL.eeprom.start, 2 * SMALL.eeprom_row)]
+    return memory.Image((start, memory.random_bytes(draws, size)) for start, size in pages)
 
 
 def _case(name, what, faults, procedure, end, cause=None, extra=(), quick=False):
@@ -54,29 +57,29 @@ ANSWER = "two bytes of what is read damaged, the checksum fits"
 
 CASES = [
     _case("late-write", LATE, "delay-response:450@3 lose-request@5", procedures.WRITE,
-          End.DIFFERENT, Cause.ACKNOWLEDGEMENT, quick=True),
+          End.FALSE_SUCCESS, Cause.ACKNOWLEDGEMENT, quick=True),
     _case("late-write-verify", LATE, "delay-response:450@3 lose-request@5",
           procedures.WRITE_THEN_VERIFY, End.ERROR, quick=True),
     _case("late-write-and-verify", LATE, "delay-response:450@3 lose-request@6",
           procedures.WRITE_AND_VERIFY, End.ERROR, quick=True),
     _case("shift-write", SHIFT, "delay-response:400@3 lose-request@8", procedures.WRITE,
-          End.DIFFERENT, Cause.ACKNOWLEDGEMENT, ("--write-ms", "200"), quick=True),
+          End.FALSE_SUCCESS, Cause.ACKNOWLEDGEMENT, ("--write-ms", "200"), quick=True),
     _case("shift-write-verify", SHIFT, "delay-response:400@3 lose-request@8",
           procedures.WRITE_THEN_VERIFY, End.ERROR, None, ("--write-ms", "200"), quick=True),
-    _case("row-write", ROW, "alter-request@3", procedures.WRITE, End.DIFFERENT, Cause.REQUEST),
+    _case("row-write", ROW, "alter-request@3", procedures.WRITE, End.FALSE_SUCCESS, Cause.REQUEST),
     _case("row-write-verify", ROW, "alter-request@3", procedures.WRITE_THEN_VERIFY, End.ERROR),
     _case("row-write-and-verify", ROW, "alter-request@3", procedures.WRITE_AND_VERIFY, End.ERROR),
     _case("eeprom-write-and-verify", EEPROM, "alter-request@31",
-          procedures.WRITE_AND_VERIFY, End.DIFFERENT, Cause.REQUEST),
+          procedures.WRITE_AND_VERIFY, End.FALSE_SUCCESS, Cause.REQUEST),
     _case("eeprom-write-and-verify-verify", EEPROM, "alter-request@31",
           procedures.WRITE_AND_VERIFY_THEN_VERIFY, End.ERROR),
-    _case("answer-read", ANSWER, "alter-response@3", procedures.READ, End.DIFFERENT,
+    _case("answer-read", ANSWER, "alter-response@3", procedures.READ, End.FALSE_SUCCESS,
           Cause.RESPONSE),
     _case("answer-read-twice", ANSWER, "alter-response@3", procedures.READ_TWICE, End.ERROR),
     _case("answer-verify", ANSWER, "alter-response@3", procedures.VERIFY, End.RIGHT),
     _case("answer-write-and-verify", ANSWER, "alter-response@4", procedures.WRITE_AND_VERIFY,
           End.ERROR),
-    Case("version-write-verify", VERSION, STARTING, procedures.ASK_WRITE_VERIFY, End.DIFFERENT,
+    Case("version-write-verify", VERSION, STARTING, procedures.ASK_WRITE_VERIFY, End.FALSE_SUCCESS,
          Cause.PROFILE, seed=49),
     Case("version-given-write-verify", VERSION, STARTING, procedures.WRITE_THEN_VERIFY, End.RIGHT,
          seed=49),

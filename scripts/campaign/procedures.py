@@ -1,9 +1,14 @@
 """What users do with a device, and how its end is judged against what the tool claims."""
 
 import dataclasses
+import re
 import typing
 
-from . import device
+from . import device, hexfile
+from .memory import Image
+
+# The tool's last words on a failure, and those of cmp(1).
+FAILURE = re.compile(r"aborting\.\.\.|[Ff]ailure!|failed\?|Aborting\.\.\.|differ: ")
 
 TOOL = "{zserial} -B " + device.VERSION + " -x frames.log "
 
@@ -11,42 +16,41 @@ TOOL = "{zserial} -B " + device.VERSION + " -x frames.log "
 @dataclasses.dataclass(frozen=True)
 class Procedure:
     name: str
+    # Commands of the shell, one after the other until one fails. Status 0 is a claim that all is
+    # well, 1 that it is not.
     steps: tuple
     # The addresses at which the claim that goes with status 0 is not true, given image and outcome.
     wrong: typing.Callable
-    # The device that it starts with, given random numbers and the image.
+    # The device that it starts with, given random numbers, the image and some memory.
     before: typing.Callable
+    # How often the bytes of an image pass the line in a run, about.
+    passes: float
     may_change_device: bool = True
+    failure: re.Pattern = FAILURE  # what has to be printed where the status is 1
 
 
-def _anything(draws, _image):
-    return device.random_memory(draws)
-
-
-def _partly_up_to_date(draws, image):
-    """An older version of the same image: about half of its pages differ."""
-    memory = device.random_memory(draws)
-    cells = dict(memory.written_and_verified(image).cells)
-    for page in sorted({address // device.PAGE * device.PAGE for address in image
-                        if address in device.FLASH}):
-        if draws.random() < 0.5:
-            cells[page + draws.randrange(device.PAGE)] ^= 0x10
-    return device.Memory(cells)
-
-
-def _right_or_with_a_wrong_byte(draws, image):
-    memory = device.random_memory(draws).written(image)
-    if draws.random() < 0.5:
-        memory.cells[draws.choice(sorted(image))] ^= 0x10
+def _anything(_draws, _image, memory):
     return memory
 
 
+def _partly_up_to_date(draws, image, memory):
+    """An older version of the same image: about half of its pages differ."""
+    return memory.written_and_verified(image).with_bits_turned(
+        [page + draws.randrange(memory.device.page) for page in image.pages(memory.device)
+         if draws.random() < 0.5])
+
+
+def _right_or_with_a_wrong_byte(draws, image, memory):
+    wrong = [draws.choice(image.addresses())] if draws.random() < 0.5 else []
+    return memory.written(image).with_bits_turned(wrong)
+
+
 def _not_written(image, outcome):
-    return outcome.after.differences(outcome.before.written(image).cells)
+    return outcome.after.differences(outcome.before.written(image).image())
 
 
 def _not_written_and_verified(image, outcome):
-    return outcome.after.differences(outcome.before.written_and_verified(image).cells)
+    return outcome.after.differences(outcome.before.written_and_verified(image).image())
 
 
 def _not_held(image, outcome):
@@ -54,26 +58,31 @@ def _not_held(image, outcome):
 
 
 def _not_read(_image, outcome):
-    return outcome.before.differences(device.read_hex(outcome.folder / "read.hex"), whole=True)
+    file = outcome.folder / "read.hex"
+    read = Image(hexfile.read(file) if file.exists() else [])
+    return outcome.before.differences(read, whole=True)
 
 
-WRITE = Procedure("write", (TOOL + "-e -w image.hex",), _not_written, _anything)
-READ = Procedure("read", (TOOL + "-r read.hex",), _not_read, _anything, may_change_device=False)
+WRITE = Procedure("write", (TOOL + "-e -w image.hex",), _not_written, _anything, passes=1)
+READ = Procedure("read", (TOOL + "-r read.hex",), _not_read, _anything, passes=1,
+                 may_change_device=False)
+# A verification ends at the first difference.
 VERIFY = Procedure("verify", (TOOL + "-v image.hex",), _not_held, _right_or_with_a_wrong_byte,
-                   may_change_device=False)
+                   passes=0.75, may_change_device=False)
+# A page that differs is read up to its first difference, and then written and read.
 WRITE_AND_VERIFY = Procedure("write-and-verify", (TOOL + "-wv image.hex",),
-                             _not_written_and_verified, _partly_up_to_date)
+                             _not_written_and_verified, _partly_up_to_date, passes=1.75)
 
 WRITE_THEN_VERIFY = Procedure("write, verify", (TOOL + "-e -w image.hex -v image.hex",),
-                              _not_written, _anything)
+                              _not_written, _anything, passes=2)
 WRITE_AND_VERIFY_THEN_VERIFY = Procedure(
     "write-and-verify, verify", (TOOL + "-wv image.hex", TOOL + "-v image.hex"),
-    _not_written_and_verified, _partly_up_to_date)
+    _not_written_and_verified, _partly_up_to_date, passes=2.75)
 READ_TWICE = Procedure(
     "read twice and compare",
     (TOOL + "-r read.hex", TOOL + "-r again.hex", "cmp read.hex again.hex"), _not_read, _anything,
-    may_change_device=False)
+    passes=2, may_change_device=False)
 # The version is not taken from the command line: the device is asked, or caught as it starts.
 ASK = "{zserial} -x frames.log "
 ASK_WRITE_VERIFY = Procedure("write, verify without -B", (ASK + "-e -w image.hex -v image.hex",),
-                             _not_written, _anything)
+                             _not_written, _anything, passes=2)

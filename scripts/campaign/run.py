@@ -7,10 +7,13 @@ import shlex
 import signal
 import subprocess
 import time
+import typing
 
-from . import device, frames
+from . import device, frames, hexfile
+from .memory import Image, Memory
 
 LONGEST_RUN_S = 240
+ALL_IS_WELL, COMMAND_FAILED = 0, 3  # of the simulator's statuses
 
 
 @dataclasses.dataclass
@@ -21,50 +24,68 @@ class Programs:
 
 @dataclasses.dataclass
 class Run:
-    """What is to be done. The steps are argument lists of the tool, or commands of the shell."""
+    """What is to be done."""
 
     key: str
     seed: int
     procedure: "Procedure"
     options: list  # of the simulator, faults among them
-    image: dict
-    before: device.Memory
+    image: Image
+    before: Memory
+
+    @property
+    def device(self):
+        return self.before.device
 
 
 @dataclasses.dataclass
 class Outcome:
     """How it went, and everything by which that is judged."""
 
-    status: int  # None where it had to be killed
+    status: typing.Optional[int]  # of the procedure; None where there is none to be believed
     seconds: float
     out: str
-    before: device.Memory
-    after: device.Memory
+    before: Memory
+    after: Memory
     folder: object
-    gave_up_waiting: bool  # for an answer that was given
+    summary: dict  # the simulator's, empty if it had to be killed
+
+    @property
+    def faults(self):
+        """How many faults of each kind happened."""
+        return self.summary.get("faults", {})
+
+    @property
+    def repeated(self):
+        """Commands that came again because there was no good answer in time."""
+        return self.summary.get("repeated", 0)
+
+    @property
+    def late_rows(self):
+        """Rows written, each of which a slow device acknowledges late."""
+        return self.summary.get("flash", {}).get("rows_programmed", 0)
+
+    def gave_up_waiting(self):
+        """For an answer that was given."""
+        trace = self.folder / "trace.txt"
+        return trace.exists() and frames.gave_up_waiting(self.folder / "frames.log", trace)
 
 
 def arguments_of(run, programs):
-    """The simulator's command line, with the tool's within it."""
+    """The simulator's command line, with the procedure's within it."""
     steps = " && ".join(step.format(zserial=f"{shlex.quote(programs.zserial)} -s \"$0\"")
                         for step in run.procedure.steps)
     return [programs.simulator, "--table", "device.txt", "--device", device.VERSION,
             "--memory", "before.hex", "--save", "after.hex", "--trace", "trace.txt",
-            "--seed", str(run.seed), *run.options, "--summary", "summary.json", "--json", "--exec", "--", "sh", "-c", steps, "{}"]
+            "--summary", "summary.json", "--json", "--seed", str(run.seed), *run.options,
+            "--exec", "--", "sh", "-c", steps, "{}"]
 
 
 def prepare(run, folder):
     folder.mkdir(parents=True)
-    (folder / "device.txt").write_text(device.TABLE, encoding="ascii")
-    device.write_hex(folder / "image.hex", run.image)
-    device.write_hex(folder / "before.hex", run.before.cells)
-
-
-def status_of_command(summary):
-    """The exit status of what the simulator ran; -1 if it has none."""
-    if not summary.exists():
-        return -1
-    return json.loads(summary.read_text(encoding="utf-8"))["command"].get("status", -1)
+    (folder / "device.txt").write_text(run.device.table, encoding="ascii")
+    hexfile.write(folder / "image.hex", run.image.stretches)
+    hexfile.write(folder / "before.hex", run.before.image().stretches)
 
 
 def execute(run, programs, folder):
@@ -74,21 +95,28 @@ def execute(run, programs, folder):
     line = shlex.join(command) + "\n"
     (folder / "command.txt").write_text(line, encoding="utf-8")
     start = time.monotonic()
+    status = _run(command, folder)
+    seconds = time.monotonic() - start
+    summary = _summary(folder / "summary.json") if status in (ALL_IS_WELL, COMMAND_FAILED) else {}
+    saved = folder / "after.hex"
+    after = Memory(run.device, Image(hexfile.read(saved) if saved.exists() else []))
+    out = (folder / "out.txt").read_text(encoding="utf-8", errors="replace")
+    return Outcome(summary.get("command", {}).get("status"), seconds, out, run.before, after, folder,
+                   summary)
+
+
+def _run(command, folder):
+    """The simulator's status, or None where it had to be killed."""
     with open(folder / "out.txt", "wb") as out, open(folder / "err.txt", "wb") as err:
         process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=out,
                                    stderr=err, start_new_session=True)
         try:
-            status = process.wait(LONGEST_RUN_S)
+            return process.wait(LONGEST_RUN_S)
         except subprocess.TimeoutExpired:
             os.killpg(process.pid, signal.SIGKILL)
             process.wait()
-            status = None
-    seconds = time.monotonic() - start
-    if status is not None:
-        status = status_of_command(folder / "summary.json")
-    saved = folder / "after.hex"
-    after = device.Memory(device.read_hex(saved) if saved.exists() else {})
-    text = (folder / "out.txt").read_text(encoding="utf-8", errors="replace")
-    trace = folder / "trace.txt"
-    gave_up = trace.exists() and frames.gave_up_waiting(folder / "frames.log", trace)
-    return Outcome(status, seconds, text, run.before, after, folder, gave_up)
+            return None
+
+
+def _summary(path):
+    return json.loads(path.read_text(encoding="utf-8")) if path.exists() else {}

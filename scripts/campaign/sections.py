@@ -1,13 +1,13 @@
 """The campaign's sections: which runs there are."""
 
 import dataclasses
+import math
 import typing
 
-from . import device, procedures
+from . import memory, procedures
+from .device import LARGE, MEDIUM, SMALL, Device
 from .run import Run
 
-RATES = ("0", "1e-6", "1e-5", "1e-4", "1e-3", "1e-2")
-LOSSES = ("0", "0.001", "0.01", "0.05", "0.1", "0.2")
 OPERATIONS = (procedures.WRITE, procedures.READ, procedures.VERIFY, procedures.WRITE_AND_VERIFY)
 PROGRAMMING = (procedures.WRITE, procedures.WRITE_THEN_VERIFY, procedures.WRITE_AND_VERIFY,
                procedures.WRITE_AND_VERIFY_THEN_VERIFY)
@@ -21,48 +21,88 @@ class Row:
     circumstances: str
     procedure: procedures.Procedure
     options: tuple
+    device: Device = SMALL
     entry: tuple = ("--entry", "version")
     eeprom: bool = True  # the image holds some
-    times: int = 1  # as many runs as elsewhere
+    # About how many faults a run meets. None: none, it is there for comparison.
+    faults_per_run: typing.Optional[float] = None
+    slow: bool = False  # the device acknowledges every row late, which is a fault each time
+
+    def count(self, least, faults):
+        """How many runs it takes to meet so many faults, about."""
+        if self.faults_per_run is None:
+            return least
+        return max(least, math.ceil(faults / self.faults_per_run))
 
     def run(self, base_seed, number):
         """The run of that number; everything about it follows from seed, row and number."""
-        words = (self.circumstances, self.procedure.name, str(number))
-        key = "/".join([self.section, *(word.replace(" ", "_") for word in words)])
-        draws = device.generator(base_seed, key)
-        image = device.random_image(draws, self.eeprom)
-        before = self.procedure.before(draws, image)
+        key = f"{self.key}/{number}"
+        draws = memory.generator(base_seed, key)
+        images = self.device.images
+        shared = f"{base_seed}/{self.device.name}/{number % images}" if images else draws.random()
+        image, held = memory.sample(self.device, shared, self.eeprom)
+        before = self.procedure.before(draws, image, held)
         return Run(key, draws.randrange(1 << 48), self.procedure, [*self.entry, *self.options],
                    image, before)
+
+    @property
+    def key(self):
+        words = (self.circumstances, self.procedure.name)
+        return "/".join([self.section, *(word.replace(" ", "_") for word in words)])
 
 
 def _faults(*faults):
     return tuple(word for fault in faults for word in ("--fault", fault))
 
 
+def _row(section, circumstances, procedure, options, chance, per_pass, device=SMALL, **more):
+    """A row whose faults happen with that chance to each of what passes the line."""
+    expected = chance * per_pass * procedure.passes or None
+    return Row(section, circumstances, procedure, options, device, faults_per_run=expected, **more)
+
+
+def _flash_bytes(device):
+    return sum(device.stretch_rows) * device.row
+
+
+def _commands(device):
+    return sum(device.stretch_rows) + 2
+
+
+BYTES = {"0": SMALL, "1e-6": LARGE, "1e-5": MEDIUM, "1e-4": MEDIUM, "1e-3": SMALL, "1e-2": SMALL}
+
+
 def _damaged_bytes(rates):
-    return [Row("bytes", rate, procedure, _faults(f"request-bytes={rate}", f"response-bytes={rate}"))
+    return [_row("bytes", rate, procedure,
+                 _faults(f"request-bytes={rate}", f"response-bytes={rate}"), float(rate),
+                 _flash_bytes(BYTES[rate]), BYTES[rate])
             for rate in rates for procedure in OPERATIONS]
 
 
+LOSSES = {"0": SMALL, "0.001": LARGE, "0.01": MEDIUM, "0.05": SMALL, "0.1": SMALL, "0.2": SMALL}
+
+
 def _lost_responses(losses):
-    return [Row("loss", f"{float(loss):.1%}", procedure, _faults(f"lose-response={loss}"))
+    return [_row("loss", f"{float(loss):.1%}", procedure, _faults(f"lose-response={loss}"),
+                 float(loss), _commands(LOSSES[loss]), LOSSES[loss])
             for loss in losses for procedure in OPERATIONS]
 
 
+# What the simulator is given, and how many faults that is for a command, about.
 LATE = {
-    "answers late": _faults("delay-response:350=0.05"),
-    "answers late, requests lost": _faults("delay-response:350=0.05", "lose-request=0.05"),
-    "answers twice": _faults("duplicate-response=0.1"),
-    "answers twice, requests lost": _faults("duplicate-response=0.1", "lose-request=0.05"),
-    "slow device": ("--write-ms", "320"),
-    "slow device, requests lost, flash alone": ("--write-ms", "320",
-                                                *_faults("lose-request=0.05")),
+    "answers late": (_faults("delay-response:350=0.05"), 0.05),
+    "answers late, requests lost": (_faults("delay-response:350=0.05", "lose-request=0.05"), 0.1),
+    "answers twice": (_faults("duplicate-response=0.1"), 0.1),
+    "answers twice, requests lost": (_faults("duplicate-response=0.1", "lose-request=0.05"), 0.15),
+    "slow device": (("--write-ms", "320"), 1),
+    "slow device, requests lost, flash alone": (("--write-ms", "320",
+                                                 *_faults("lose-request=0.05")), 1),
 }
 
 
 def _late_answers(names):
-    return [Row("late", name, procedure, LATE[name], eeprom="flash alone" not in name)
+    return [_row("late", name, procedure, LATE[name][0], LATE[name][1], _commands(SMALL),
+                 eeprom="flash alone" not in name, slow="slow" in name)
             for name in names for procedure in PROGRAMMING]
 
 
@@ -71,9 +111,15 @@ def _fitting_checksums(rates):
 
 
 def _altered_at(rate):
-    requests = [Row("altered", f"requests, {rate}", procedure, _faults(f"request-bytes={rate}"))
-                for procedure in (*PROGRAMMING, procedures.VERIFY)]
-    answers = [Row("altered", f"answers, {rate}", procedure, _faults(f"response-bytes={rate}"))
+    per_pass = _flash_bytes(SMALL)
+    requests = [_row("altered", f"requests, {rate}", procedure, _faults(f"request-bytes={rate}"),
+                     float(rate), per_pass)
+                for procedure in PROGRAMMING]
+    # The requests of a verification have a tenth of the bytes of its answers.
+    requests.append(_row("altered", f"requests, {rate}", procedures.VERIFY,
+                         _faults(f"request-bytes={rate}"), float(rate), per_pass / 10))
+    answers = [_row("altered", f"answers, {rate}", procedure, _faults(f"response-bytes={rate}"),
+                    float(rate), per_pass)
                for procedure in (procedures.READ, procedures.READ_TWICE, procedures.VERIFY,
                                  procedures.WRITE_AND_VERIFY)]
     return requests + answers
@@ -81,7 +127,8 @@ def _altered_at(rate):
 
 def _damaged_entries(procedures_of_entry):
     return [Row("entry", "first answer with a wrong bit", procedure, _faults("corrupt-response@1"),
-                ("--entry", "probe"), times=4) for procedure in procedures_of_entry]
+                entry=("--entry", "probe"), faults_per_run=1)
+            for procedure in procedures_of_entry]
 
 
 @dataclasses.dataclass(frozen=True)
@@ -96,7 +143,7 @@ class Section:
 
 
 SECTIONS = {
-    "bytes": Section("Damaged bytes, both ways", _damaged_bytes, RATES, ("0", "1e-3")),
+    "bytes": Section("Damaged bytes, both ways", _damaged_bytes, BYTES, ("0", "1e-4", "1e-3")),
     "loss": Section("Lost answers", _lost_responses, LOSSES, ("0", "0.05")),
     "late": Section("Late answers", _late_answers, LATE, ("answers late", "answers twice")),
     "altered": Section("Checksums that fit by chance", _fitting_checksums, ("1e-2",), ("1e-3",)),

@@ -1,16 +1,18 @@
 """How a run ended, and where it went wrong without a word, why."""
 
+import dataclasses
 import enum
 import re
+import typing
 
 from . import frames
-from .device import EEPROM, FLASH, PAGE, SMALLER_FLASH_END
 
 
 class End(enum.Enum):
     RIGHT = "right"
-    ERROR = "error told"
-    DIFFERENT = "different"
+    ERROR = "error reported"
+    FALSE_SUCCESS = "false success"  # the tool said that all is well, and it is not
+    FALSE_ALARM = "false alarm"  # of a difference that is not there, or one that looking has made
     BROKEN = "broken"  # killed, crashed, or failed without a word
 
 
@@ -24,12 +26,38 @@ class Cause(enum.Enum):
     NONE = "UNEXPLAINED"
 
 
+@dataclasses.dataclass
+class Verdict:
+    """What is kept of a run."""
+
+    key: str
+    end: End
+    cause: typing.Optional[Cause]
+    seconds: float
+    faults: dict  # how many of each kind happened
+    repeated: int  # commands, because there was no good answer in time
+    damage: str = ""  # in words, where the end is neither right nor an error
+
+    @property
+    def text(self):
+        return self.end.value + (f": {self.cause.value}" if self.cause else "")
+
+
 READ_FLASH, WRITE_FLASH, ERASE_FLASH, READ_EEPROM, WRITE_EEPROM = range(1, 6)
 
-# The tool's last words on a failure, and those of cmp(1).
-FAILURE = re.compile(r"aborting\.\.\.|[Ff]ailure!|failed\?|Aborting\.\.\.|differ: ")
+LATE_ROW = "late row"  # a fault that the simulator does not count, as that device is just so slow
+
 ACCUSATION = re.compile(r"data mismatch starting at address 0x([0-9A-Fa-f]+)\s+"
                         r"device data size \d+: ([0-9A-F ]+)\s+expected data \d+: ([0-9A-F ]+)")
+
+
+def judge(run, outcome, slow=False):
+    end = end_of(run, outcome)
+    lied = end in (End.FALSE_SUCCESS, End.FALSE_ALARM)
+    faults = dict(outcome.faults, **({LATE_ROW: outcome.late_rows} if slow else {}))
+    return Verdict(run.key, end, cause_of(run, outcome) if lied else None, outcome.seconds,
+                   {kind: count for kind, count in faults.items() if count}, outcome.repeated,
+                   damage_of(run, outcome) if lied else "")
 
 
 def end_of(run, outcome):
@@ -37,11 +65,11 @@ def end_of(run, outcome):
     changed = not run.procedure.may_change_device and outcome.after != outcome.before
     if outcome.status == 0:
         right = not changed and not run.procedure.wrong(run.image, outcome)
-        return End.RIGHT if right else End.DIFFERENT
-    if outcome.status != 1 or not FAILURE.search(outcome.out):
+        return End.RIGHT if right else End.FALSE_SUCCESS
+    if outcome.status != 1 or not run.procedure.failure.search(outcome.out):
         return End.BROKEN
     if changed or _accuses_wrongly(run, outcome):
-        return End.DIFFERENT
+        return End.FALSE_ALARM
     return End.ERROR if _is_error(run, outcome) else End.RIGHT
 
 
@@ -49,14 +77,14 @@ def damage_of(run, outcome):
     """What of it is not as claimed, in words."""
     wrong = run.procedure.wrong(run.image, outcome)
     if not run.procedure.may_change_device:
-        changed = outcome.after.differences(outcome.before.cells)
+        changed = outcome.after.differences(outcome.before.image())
         return f"{len(wrong)} bytes not as claimed, {len(changed)} changed in the device"
-    inside = len(wrong & run.image.keys())
+    inside = sum(address in run.image for address in wrong)
     return f"{inside} bytes of the image wrong, {len(wrong) - inside} elsewhere"
 
 
 def _accuses_wrongly(run, outcome):
-    """A difference is told that is not there."""
+    """A difference is reported that is not there."""
     return "data mismatch" in outcome.out and not outcome.after.differences(run.image)
 
 
@@ -70,12 +98,12 @@ def cause_of(run, outcome):
     the addresses that it concerned: every one that is not as claimed must be among them."""
     wrong = _not_as_claimed(run, outcome)
     if "entry procedure: 0x" in outcome.out and "entry procedure: 0x0110" not in outcome.out:
-        beyond = range(SMALLER_FLASH_END, FLASH.stop)
+        beyond = range(run.device.smaller_flash_end, run.device.flash.stop)
         return Cause.PROFILE if all(address in beyond for address in wrong) else Cause.NONE
     sent, received = frames.read_log(outcome.folder / "frames.log")
     done = frames.read_trace(outcome.folder / "trace.txt")
-    strayed = _changed_by(set(done) - set(sent))
-    lost = _changed_by(set(sent) - set(done))
+    strayed = _changed_by(run.device, set(done) - set(sent))
+    lost = _changed_by(run.device, set(sent) - set(done))
     lied = set().union(*(_lies(payload, outcome) for payload in received))
     if not wrong <= strayed | lost | lied:
         return Cause.NONE
@@ -88,7 +116,7 @@ def cause_of(run, outcome):
 def _not_as_claimed(run, outcome):
     wrong = run.procedure.wrong(run.image, outcome) if outcome.status == 0 else set()
     if not run.procedure.may_change_device:
-        wrong = wrong | outcome.after.differences(outcome.before.cells)
+        wrong = wrong | outcome.after.differences(outcome.before.image())
     return wrong | (_accused(outcome) if _accuses_wrongly(run, outcome) else set())
 
 
@@ -102,30 +130,32 @@ def _accused(outcome):
     return {address for address, (byte, other) in pairs if byte != other}
 
 
-def _changed_by(payloads):
+def _changed_by(device, payloads):
     """Every address that these commands write or erase."""
-    return {address for payload in payloads for address in _target_of(payload)}
+    return {address for payload in payloads for address in _target_of(device, payload)}
 
 
-def _target_of(payload):
+def _target_of(device, payload):
+    start = _start_of(device, payload)
     if payload[0] == ERASE_FLASH and len(payload) == 5:
-        first = _start_of(payload) // PAGE * PAGE
-        return range(first, min(first + payload[1] * PAGE, FLASH.stop))
+        first = start // device.page * device.page
+        return range(first, min(first + payload[1] * device.page, device.flash.stop))
     if payload[0] in (WRITE_FLASH, WRITE_EEPROM) and len(payload) > 5:
-        return range(_start_of(payload), _start_of(payload) + len(payload) - 5)
+        return range(start, start + len(payload) - 5)
     return range(0)
 
 
-def _start_of(payload):
+def _start_of(device, payload):
     start = int.from_bytes(payload[2:5], "little")
-    return start + (EEPROM.start if payload[0] in (READ_EEPROM, WRITE_EEPROM) else 0)
+    return start + (device.eeprom.start if payload[0] in (READ_EEPROM, WRITE_EEPROM) else 0)
 
 
 def _lies(payload, outcome):
     """Where data that was read is what the device neither held before nor holds now."""
     if payload[0] not in (READ_FLASH, READ_EEPROM) or len(payload) < 6:
         return set()
-    memory = EEPROM if payload[0] == READ_EEPROM else FLASH
-    return {address for address, byte in enumerate(payload[5:], _start_of(payload))
-            if address not in memory or
-            byte not in (outcome.before.cells[address], outcome.after.cells[address])}
+    before, after = outcome.before, outcome.after
+    start = _start_of(before.device, payload)
+    area = before.device.eeprom if payload[0] == READ_EEPROM else before.device.flash
+    return {address for address, byte in enumerate(payload[5:], start)
+            if address not in area or byte not in (before[address], after[address])}
