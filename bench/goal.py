@@ -1,22 +1,28 @@
 """A figure beside what it should be."""
 
+import statistics
 from dataclasses import dataclass
-from typing import Optional
+from typing import Callable, List, Optional
 
 
 @dataclass
 class Goal:
     group: str
     what: str
-    figure: float
+    rounds: List[float]  # what was measured, a figure a round
     bound: Optional[float]  # None: a remark, which has nothing to meet
     at_least: bool = False  # otherwise at most
     unit: str = ""
     beside: str = ""
+    figure_of: Callable = statistics.median  # which figure of the rounds is held to the bound
 
     @staticmethod
-    def remark(group, what, figure, beside):
-        return Goal(group, what, figure, None, beside=beside)
+    def remark(group, what, rounds, beside):
+        return Goal(group, what, rounds, None, beside=beside)
+
+    @property
+    def figure(self):
+        return self.figure_of(self.rounds)
 
     @property
     def met(self):
@@ -32,13 +38,14 @@ class Goal:
             self.group,
             self.what,
             f"{self.figure:.3f}{self.unit}",
+            f"{min(self.rounds):.3f}–{max(self.rounds):.3f} of {len(self.rounds)}",
             bound,
             verdict,
             self.beside,
         ]
 
 
-HEAD = ["", "what", "figure", "goal", "", "beside it"]
+HEAD = ["", "what", "figure", "least–most of the rounds", "goal", "", "beside it"]
 
 
 def as_text(goals):

@@ -2,13 +2,13 @@
 """Measures what the uploader promises of its speed and prints a line for every promise."""
 
 import argparse
-import os
 import re
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
+import conditions
 import goal
 import host
 import images
@@ -58,9 +58,8 @@ def make_device_image(context):
     subprocess.run([program, "device", str(128 * 1024), context.image], check=True)
 
 
-def write_page(path, goals, rounds):
-    conditions = f"Medians of {rounds} rounds unless said otherwise, {os.cpu_count()} cores, Linux."
-    table = f"{conditions}\n\n{goal.as_markdown(goals)}\n\n"
+def write_page(path, goals, circumstances):
+    table = f"{circumstances}\n\n{goal.as_markdown(goals)}\n\n"
     page, count = FIGURES.subn(lambda found: found[1] + "\n" + table + found[2], path.read_text())
     if count != 1:
         sys.exit(f"{path} has no place for figures")
@@ -69,6 +68,7 @@ def write_page(path, goals, rounds):
 
 def main():
     options = arguments()
+    circumstances = conditions.text(Path(__file__).resolve().parent.parent)
     goals = []
     with tempfile.TemporaryDirectory() as scratch:
         context = Context(options, scratch)
@@ -77,9 +77,9 @@ def main():
             for reached in part.goals(context):
                 print(*reached.cells(), sep="  ", file=sys.stderr, flush=True)
                 goals.append(reached)
-    print(goal.as_text(goals))
+    print(f"{circumstances}\n\n{goal.as_text(goals)}")
     if options.write:
-        write_page(options.write, goals, options.rounds)
+        write_page(options.write, goals, circumstances)
     sys.exit(0 if all(reached.met for reached in goals) else 1)
 
 

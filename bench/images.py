@@ -5,7 +5,7 @@ import math
 import subprocess
 
 from goal import Goal
-from measuring import benchmark, medians
+from measuring import benchmark, each, median, ratios, usages
 
 MIB = 1024 * 1024
 ISLAND_BYTES = 200
@@ -37,7 +37,7 @@ def hex_goals(context):
     for name, (words, size) in (SHORT_IMAGES if context.short else FULL_IMAGES).items():
         image, result = context.scratch / "image.hex", context.scratch / "result.hex"
         subprocess.run([context.build / "bench/hex_program", *words, image], check=True)
-        times = medians(commands_for(context, image, result), context.rounds)
+        times = usages(commands_for(context, image, result), context.rounds)
         require_same_bytes(context, image, result)
         yield from ratio_goals(context, name, times)
         most = 3.5 * size + 10 * MIB
@@ -45,9 +45,10 @@ def hex_goals(context):
             yield Goal(
                 "HEX",
                 f"{name}, peak memory of {job} ÷ (3.5 × image + 10 MiB)",
-                times[job].peak_kib * 1024 / most,
+                [peak_kib * 1024 / most for peak_kib in each("peak_kib", times[job])],
                 1,
-                beside=f"{times[job].peak_kib / 1024:.0f} MiB",
+                beside=f"{max(each('peak_kib', times[job])) / 1024:.0f} MiB",
+                figure_of=max,
             )
 
 
@@ -75,10 +76,11 @@ def ratio_goals(context, name, times):
             yield Goal(
                 "HEX",
                 f"{name}, {mine} ÷ {titles.get(other, other)}",
-                times[mine].seconds / times[other].seconds,
+                ratios("seconds", times[mine], times[other]),
                 context.at_most(bound),
-                beside=f"{times[mine].seconds * 1e3:.0f} ms and"
-                f" {times[other].seconds * 1e3:.0f} ms",
+                beside=" and ".join(
+                    f"{median('seconds', times[which]) * 1e3:.0f} ms" for which in (mine, other)
+                ),
             )
 
 
@@ -102,27 +104,26 @@ def growth_goals(context):
             yield growth_goal(context, times, f"{job}_of_{subject}", numbers, unit)
     yield growth_goal(context, times, "load_of_descending_islands", counts, "islands")
     for count in counts:
-        ratio = (
-            times[f"assemble_rows_of_islands/{count}"].cpu_ns
-            / times[f"load_of_islands/{count}"].cpu_ns
-        )
+        assembly, load = (times[f"{job}_of_islands/{count}"] for job in ("assemble_rows", "load"))
         yield Goal(
             "growth",
             f"{count:,} islands, row assembly ÷ load",
-            ratio,
+            ratios("cpu_ns", assembly, load),
             context.at_most(2),
         )
 
 
 def growth_goal(context, times, benchmark_name, numbers, unit):
-    series = [times[f"{benchmark_name}/{number}"].cpu_ns for number in numbers]
-    exponent = math.log(series[-1] / series[-2]) / math.log(numbers[-1] / numbers[-2])
+    series = [times[f"{benchmark_name}/{number}"] for number in numbers]
+    step = math.log(numbers[-1] / numbers[-2])
     return Goal(
         "growth",
         f"{benchmark_name.replace('_', ' ')}, up to {numbers[-1]:,} {unit}: last exponent",
-        exponent,
+        [math.log(ratio) / step for ratio in ratios("cpu_ns", series[-1], series[-2])],
         1.2 if not context.short else 1.8,
-        beside=", ".join(f"{ns / number:.3g}" for ns, number in zip(series, numbers))
+        beside=", ".join(
+            f"{median('cpu_ns', timings) / number:.3g}" for timings, number in zip(series, numbers)
+        )
         + f" ns per {unit[:-1]}",
     )
 

@@ -1,4 +1,4 @@
-"""Runs programs and tells what they needed."""
+"""Runs programs and reports what they needed."""
 
 import json
 import os
@@ -31,20 +31,14 @@ def usage_of(command, expected_status=0):
     return Usage(end - begin, resources.ru_maxrss, processor_seconds)
 
 
-def medians(commands, rounds, expected_status=None):
-    """Runs each of the named commands once a round, so that a busy moment falls on all alike."""
-    usages = {name: [] for name in commands}
+def usages(commands, rounds, expected_status=None):
+    """Runs each of the named commands once a round, so that a busy moment falls on all alike. Usages
+    by name, one a round."""
+    found = {name: [] for name in commands}
     for _ in range(rounds):
         for name, command in commands.items():
-            usages[name].append(usage_of(command, (expected_status or {}).get(name, 0)))
-    return {
-        name: Usage(
-            statistics.median(usage.seconds for usage in runs),
-            max(usage.peak_kib for usage in runs),
-            statistics.median(usage.processor_seconds for usage in runs),
-        )
-        for name, runs in usages.items()
-    }
+            found[name].append(usage_of(command, (expected_status or {}).get(name, 0)))
+    return found
 
 
 @dataclass
@@ -57,7 +51,7 @@ UNIT_NS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def benchmark(program, pattern, rounds, min_seconds, folder="."):
-    """Medians of a benchmark program's timings, by name."""
+    """A benchmark program's timings by name, one a round."""
     output = subprocess.run(
         [
             program,
@@ -76,11 +70,24 @@ def benchmark(program, pattern, rounds, min_seconds, folder="."):
     for entry in json.loads(output)["benchmarks"]:
         if entry.get("error_occurred"):
             raise RuntimeError(f"{entry['name']}: {entry['error_message']}")
-        if entry.get("aggregate_name", "median") != "median":
+        if entry["run_type"] != "iteration":
             continue
         name = entry["run_name"].split("/real_time")[0].split("/iterations")[0]
         unit = UNIT_NS[entry["time_unit"]]
         timing = Timing(entry["real_time"] * unit, entry["cpu_time"] * unit)
-        if entry["run_type"] == "aggregate" or name not in timings:
-            timings[name] = timing
+        timings.setdefault(name, []).append(timing)
     return timings
+
+
+def each(attribute, measured):
+    """That attribute of what was measured in every round."""
+    return [getattr(one, attribute) for one in measured]
+
+
+def median(attribute, measured):
+    return statistics.median(each(attribute, measured))
+
+
+def ratios(attribute, mine, other):
+    """What one needed of what the other did, round by round."""
+    return [a / b for a, b in zip(each(attribute, mine), each(attribute, other))]
