@@ -19,7 +19,7 @@ from measuring import Usage, median, ratios
 class Figure(unittest.TestCase):
     def test_is_the_median_with_the_least_and_the_most_beside_it(self):
         cells = Goal("group", "what", [3, 1, 2, 9, 1.5], 2.5).cells()
-        self.assertEqual(cells, ["group", "what", "2.000", "1.000–9.000 of 5", "≤ 2.5", "met", ""])
+        self.assertEqual(cells[2:6], ["2.000", "1.000–9.000 of 5", "≤ 2.5", "met"])
 
     def test_of_peak_memory_is_the_most(self):
         goal = Goal("group", "what", [0.5, 1.2, 0.6], 1, figure_of=max)

@@ -1,0 +1,1 @@
+"""What scripts/mutate.py is made of."""

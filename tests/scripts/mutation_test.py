@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""Tests of which changes scripts/mutate.py makes to a source."""
+
+import pathlib
+import sys
+import unittest
+
+sys.dont_write_bytecode = True
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+from mutation.mutants import mutants_of
+
+
+def changes(text, kind=None):
+    """The whole text after each change."""
+    return {mutant.applied_to(text) for mutant in mutants_of("file.cpp", text)
+            if kind in (None, mutant.kind)}
+
+
+class Changes(unittest.TestCase):
+    def test_of_a_comparison_move_its_limit_and_turn_it_round(self):
+        self.assertEqual(changes("x = a < b;", "operator"), {"x = a <= b;", "x = a >= b;"})
+
+    def test_of_calculations(self):
+        self.assertEqual(changes("x = a + b;", "operator"), {"x = a - b;"})
+        self.assertEqual(changes("x <<= b;", "operator"), {"x >>= b;"})
+        self.assertEqual(changes("++x;", "operator"), {"--x;"})
+
+    def test_leave_templates_pointers_and_references_alone(self):
+        for text in ("std::vector<int> x;", "int* p = &x;", "const T& y = x;", "T&& y = x;"):
+            self.assertEqual(changes(text, "operator"), set(), text)
+
+    def test_of_numbers_keep_their_base_and_suffix(self):
+        self.assertEqual(changes("x = 16U;", "constant"), {"x = 17U;", "x = 15U;"})
+        self.assertEqual(changes("x = 0xFFU;", "constant"), {"x = 0x100U;"})
+        self.assertEqual(changes("x = 0;", "constant"), {"x = 1;"})
+
+    def test_of_truth(self):
+        self.assertEqual(changes("return true;"), {"return false;"})
+        self.assertEqual(changes("return !x;"), {"return x;"})
+
+    def test_of_conditions_let_them_always_or_never_hold(self):
+        self.assertEqual(changes("if (f(a)) {\n}", "condition"),
+                         {"if (true) {\n}", "if (false) {\n}"})
+        self.assertEqual(changes("while (f(a)) {\n}", "condition"), {"while (false) {\n}"})
+
+    def test_leave_out_calls_and_assignments(self):
+        self.assertEqual(changes("{ a.b(c); }", "statement"), {"{ ; }"})
+        self.assertEqual(changes("{ x = y; }", "statement"), {"{ ; }"})
+
+    def test_leave_out_no_declaration_nor_a_part_of_a_loop(self):
+        for text in ("{ QFile file(name); }", "{ std::vector<int> x(3); }", "{ return f(); }",
+                     "for (i = 0; i != f(); ++i) {\n}", "A::~A() = default;"):
+            self.assertEqual(changes("{} " + text, "statement"), set(), text)
+
+    def test_leave_comments_texts_and_directives_alone(self):
+        for text in ("// a < b", "/* 1\n + 2 */", 'f("a < 1");', "g('1');", "#if A < 1\n",
+                     'h(R"(1 < 2)");', "static_assert(A < 1);"):
+            self.assertEqual(changes(text, "operator") | changes(text, "constant"), set(), text)
+
+    def test_name_the_line_before_and_after(self):
+        mutant, = mutants_of("file.cpp", "int f()\n{\n    return a + b;\n}\n")
+        self.assertEqual(mutant.key, "file.cpp:3: operator: return a + b; -> return a - b;")
+
+
+if __name__ == "__main__":
+    unittest.main()
