@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034  # the scripts that source this use the lists
 # Sourced by the other scripts: installs the Debian packages that are missing, as root or through
 # sudo. A machine that has them all is left alone.
 
@@ -24,4 +25,4 @@ build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev libssl-d
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3 python3-jsonschema binutils srecord
     librsvg2-bin)
 fuzz_packages=(clang libclang-rt-14-dev)
-lint_packages=(clang-format clang-tidy)
+lint_packages=(clang-format clang-tidy shellcheck)

@@ -3,11 +3,14 @@
 
 import pathlib
 import sys
+import tempfile
+import time
 import unittest
 
 sys.dont_write_bytecode = True
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
 from mutation.mutants import mutants_of
+from mutation.tree import Tree
 
 
 def changes(text, kind=None):
@@ -60,6 +63,40 @@ class Changes(unittest.TestCase):
     def test_name_the_line_before_and_after(self):
         mutant, = mutants_of("file.cpp", "int f()\n{\n    return a + b;\n}\n")
         self.assertEqual(mutant.key, "file.cpp:3: operator: return a + b; -> return a - b;")
+
+
+class Trial(unittest.TestCase):
+    """Of a tree with a single source, which is built and tested by nothing."""
+
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.tree = Tree(pathlib.Path("/nowhere"), pathlib.Path(self.folder.name), 1)
+        self.source = self.tree.tree / "util/file.cpp"
+        self.source.parent.mkdir(parents=True)
+        self.source.write_text("return true;", encoding="utf-8")
+        self.mutant, = mutants_of("util/file.cpp", "return true;")
+
+    def test_is_made_with_the_change_and_leaves_the_source_as_it_was(self):
+        seen = []
+        self.tree._end_of = lambda folder, thorough: seen.append(self.source.read_text())
+        self.tree.try_out(self.mutant)
+        self.assertEqual((seen, self.source.read_text()), (["return false;"], "return true;"))
+
+    def test_leaves_the_source_as_it_was_when_it_is_interrupted(self):
+        def interrupt(folder, thorough):
+            raise KeyboardInterrupt
+        self.tree._end_of = interrupt
+        with self.assertRaises(KeyboardInterrupt):
+            self.tree.try_out(self.mutant)
+        self.assertEqual(self.source.read_text(), "return true;")
+
+    def test_kills_what_hangs_with_all_that_it_has_started(self):
+        mark = self.tree.tree / "mark"
+        command = f"(sleep 1; touch {mark}) & sleep 1000"
+        self.assertFalse(self.tree._run(["sh", "-c", command], 0.1))
+        time.sleep(1.5)
+        self.assertFalse(mark.exists())
 
 
 if __name__ == "__main__":
