@@ -7,7 +7,6 @@ import argparse
 import concurrent.futures
 import pathlib
 import shutil
-import statistics
 import sys
 import time
 
@@ -56,7 +55,8 @@ class Campaign:
         build = arguments.programs.resolve()
         self.programs = runs.Programs(str(build / "zserial"), str(build / "zserial-sim"))
         self.folder = arguments.folder.resolve()
-        self.faults = []  # of the tool or of the campaign, as against those of the line
+        self.circumstances = conditions.text(SOURCE)
+        self.complaints = []  # about the tool or the campaign itself
         self.unharmed = []  # verdicts on runs that met no fault
         self.tables = {}  # in Markdown, by the name of the section
         self.pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
@@ -110,9 +110,9 @@ class Campaign:
         self.unharmed += [each for each in verdicts if not each.faults]
         for each in verdicts:
             if each.end is End.BROKEN or each.cause is Cause.NONE:
-                self.faults.append(f"{each.key}: {each.text}")
+                self.complaints.append(f"{each.key}: {each.text}")
             elif not each.faults and not each.repeated and each.end is not End.RIGHT:
-                self.faults.append(f"{each.key}: {each.text}, without a fault on its line")
+                self.complaints.append(f"{each.key}: {each.text}, without a fault on its line")
 
     def show(self, name, title, head):
         print(f"\n### {title}\n\n{head}", flush=True)
@@ -123,7 +123,7 @@ class Campaign:
         self.show("cases", "Cases", tables.CASES_HEAD)
         judged = [self.judge(case, *result) for case, result in zip(cases, results)]
         if not any(judged):
-            self.faults.append("cases: none could be judged")
+            self.complaints.append("cases: none could be judged")
 
     def judge(self, case, result, gave_up):
         """Whether the case could be judged: a late answer leaves its faults to other commands. Where
@@ -131,7 +131,7 @@ class Campaign:
         judged = case.needs_quick_machine or not gave_up
         self.add("cases", tables.CASES_HEAD, tables.case_line(case, result, judged))
         if judged and (result.end, result.cause) != (case.end, case.cause):
-            self.faults.append(f"{result.key}: {result.text} instead of {case.end.value}")
+            self.complaints.append(f"{result.key}: {result.text} instead of {case.end.value}")
         return judged
 
     def add(self, name, head, line):
@@ -151,7 +151,7 @@ class Campaign:
                                        options)
             self.add("load", tables.LOAD_HEAD, f"| {name} | {line} |")
             if not right:
-                self.faults.append(f"load, {name}: not all devices hold their image")
+                self.complaints.append(f"load, {name}: not all devices hold their image")
 
     def only(self, key):
         section, *words = key.split("/")
@@ -162,7 +162,8 @@ class Campaign:
             row = next(row for row in SECTIONS[section].rows()
                        if row.key == "/".join([section, *words[:2]]))
             result = self.run_of(row, int(words[2]))
-        print(f"{key}: {result.text}; faults met: {tables.faults_text([result])}; files in {self.folder / key}")
+        print(f"{key}: {result.text}; faults met: {tables.faults_text([result])};"
+              f" files in {self.folder / key}")
 
 
 def report(strays):
@@ -193,10 +194,12 @@ def ending_of(campaign, seconds):
     """The conditions, and whether the machine was quick enough: nobody has reason to repeat a
     command where the line is free of faults."""
     arguments = campaign.arguments
-    repeating = sum(each.repeated > 0 for each in campaign.unharmed)
-    return (f"{conditions.text(SOURCE)} Seed {arguments.seed}, up to {arguments.jobs} runs on the"
-            f" small device at once and half as many on larger ones, {seconds:.0f} s. {len(campaign.unharmed)} runs met no fault; {repeating} of them"
-            " repeated a command all the same, because the machine was too slow.")
+    unharmed = campaign.unharmed
+    repeating = sum(each.repeated > 0 for each in unharmed)
+    return (f"{campaign.circumstances} Seed {arguments.seed}, up to {arguments.jobs} runs on the"
+            f" small device at once and half as many on larger ones, {seconds:.0f} s."
+            f" {len(unharmed)} runs met no fault; {repeating} of them repeated a command all the"
+            " same, because the machine was too slow.")
 
 
 def write_page(path, parts):
@@ -226,9 +229,9 @@ def main():
         print(f"\n{ending}")
     if arguments.write:
         write_page(arguments.write, {**campaign.tables, "conditions": ending})
-    for fault in campaign.faults:
-        print(f"NOT AS IT SHOULD BE: {fault}", file=sys.stderr)
-    return 1 if campaign.faults else 0
+    for complaint in campaign.complaints:
+        print(f"NOT AS IT SHOULD BE: {complaint}", file=sys.stderr)
+    return 1 if campaign.complaints else 0
 
 
 if __name__ == "__main__":
