@@ -30,20 +30,12 @@ class Context:
         self.slow_rounds = options.slow_rounds
         self.repetitions = 3 if options.short else max(3, options.rounds)
         self.min_seconds = 0.02 if options.short else 0.3
-        # A short run is for machines that are busy with other things.
-        self.slack = 2.5 if options.short else 1
-
-    def at_most(self, bound):
-        return bound * self.slack
-
-    def at_least(self, bound):
-        return bound / self.slack
 
 
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("build", type=Path, help="folder of a release build with benchmarks")
-    parser.add_argument("--short", action="store_true", help="less than a minute, wide bounds")
+    parser.add_argument("--short", action="store_true", help="less than a minute; goals that are not met are no error")
     parser.add_argument("--rounds", type=int, default=5, help="of which medians are taken")
     parser.add_argument(
         "--slow-rounds", type=int, default=3, help="at the low rates, where one takes minutes"
@@ -80,7 +72,8 @@ def main():
     print(f"{circumstances}\n\n{goal.as_text(goals)}")
     if options.write:
         write_page(options.write, goals, circumstances)
-    sys.exit(0 if all(reached.met for reached in goals) else 1)
+    # A short run may share its machine with other work: it shows that everything can be measured.
+    sys.exit(0 if options.short or all(reached.met for reached in goals) else 1)
 
 
 if __name__ == "__main__":

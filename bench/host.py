@@ -21,7 +21,7 @@ def turn_goals(context):
         "host turn",
         "transaction of a row ÷ the same in a bare loop",
         ratios("real_ns", mine, bare),
-        context.at_most(1.5),
+        1.5,
         beside=" and ".join(f"{median('real_ns', which) / 1e3:.1f} µs" for which in (mine, bare)),
     )
     for operation in ("read", "write"):
@@ -32,7 +32,7 @@ def turn_goals(context):
             "host turn",
             f"CPU time of a {operation} of 128 KiB ÷ the same in a bare loop",
             ratios("cpu_ns", mine, bare),
-            context.at_most(2),
+            2,
             beside=" and ".join(f"{median('cpu_ns', which) / 1e6:.1f} ms" for which in (mine, bare)),
         )
     lost = times["transaction_with_a_lost_response"]
@@ -40,7 +40,7 @@ def turn_goals(context):
         "lost response",
         "time of a transaction that loses one ÷ the 300 ms of the wait",
         [real_ns / LOST_RESPONSE_WAIT_NS for real_ns in each("real_ns", lost)],
-        context.at_most(1.05),
+        1.05,
         beside=f"{median('real_ns', lost) / 1e6:.1f} ms",
     )
 
@@ -58,7 +58,7 @@ def start_goals(context):
         "start",
         "a refused command line ÷ an empty Qt Core program",
         ratios("seconds", times["refused"], times["empty"]),
-        context.at_most(2),
+        2,
         beside=" and ".join(
             f"{median('seconds', times[which]) * 1e3:.1f} ms" for which in ("refused", "empty")
         ),
@@ -76,7 +76,7 @@ def waiting_goals(context):
         "silent device",
         "processor time of a run that nobody answers ÷ its time",
         [run.processor_seconds / run.seconds for run in runs],
-        context.at_most(0.05),
+        0.05,
         beside=f"{median('processor_seconds', runs) * 1e3:.0f} ms"
         f" and {median('seconds', runs):.1f} s",
     )
@@ -93,7 +93,7 @@ def log_goals(context):
         "frame log",
         "a logged frame of 265 bytes beyond the write of its text",
         [(a - b) / 1e3 for a, b in zip(each("real_ns", logged), each("real_ns", written))],
-        context.at_most(5),
+        5,
         unit=" µs",
         beside=" and ".join(
             f"{median('real_ns', which) / 1e3:.1f} µs" for which in (logged, written)

@@ -77,7 +77,7 @@ def ratio_goals(context, name, times):
                 "HEX",
                 f"{name}, {mine} ÷ {titles.get(other, other)}",
                 ratios("seconds", times[mine], times[other]),
-                context.at_most(bound),
+                bound,
                 beside=" and ".join(
                     f"{median('seconds', times[which]) * 1e3:.0f} ms" for which in (mine, other)
                 ),
@@ -101,26 +101,26 @@ def growth_goals(context):
         ("islands", counts, "islands"),
     ):
         for job in ("load", "assemble_rows", "save"):
-            yield growth_goal(context, times, f"{job}_of_{subject}", numbers, unit)
-    yield growth_goal(context, times, "load_of_descending_islands", counts, "islands")
+            yield growth_goal(times, f"{job}_of_{subject}", numbers, unit)
+    yield growth_goal(times, "load_of_descending_islands", counts, "islands")
     for count in counts:
         assembly, load = (times[f"{job}_of_islands/{count}"] for job in ("assemble_rows", "load"))
         yield Goal(
             "growth",
             f"{count:,} islands, row assembly ÷ load",
             ratios("cpu_ns", assembly, load),
-            context.at_most(2),
+            2,
         )
 
 
-def growth_goal(context, times, benchmark_name, numbers, unit):
+def growth_goal(times, benchmark_name, numbers, unit):
     series = [times[f"{benchmark_name}/{number}"] for number in numbers]
     step = math.log(numbers[-1] / numbers[-2])
     return Goal(
         "growth",
         f"{benchmark_name.replace('_', ' ')}, up to {numbers[-1]:,} {unit}: last exponent",
         [math.log(ratio) / step for ratio in ratios("cpu_ns", series[-1], series[-2])],
-        1.2 if not context.short else 1.8,
+        1.2,
         beside=", ".join(
             f"{median('cpu_ns', timings) / number:.3g}" for timings, number in zip(series, numbers)
         )

@@ -61,7 +61,7 @@ def goals(context):
                 "wire",
                 f"{operation}, {baud} baud",
                 uses,
-                context.at_least(bound),
+                bound,
                 at_least=True,
                 beside=late,
             )
