@@ -3,6 +3,7 @@
 #include "tests/support/ProfileTable.h"
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -21,7 +22,8 @@ class Thief : public QObject
 {
 public:
     explicit Thief(const QString& port)
-        : m_port(::open(port.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK))
+        : m_name(port),
+          m_port(::open(port.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK))
     {
         QCoreApplication::instance()->installEventFilter(this);
     }
@@ -31,10 +33,10 @@ public:
     Thief(const Thief&) = delete;
     Thief& operator=(const Thief&) = delete;
 
-    bool eventFilter(QObject*, QEvent* event) override
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
         std::array<char, 4096> loot{};
-        if (event->type() == QEvent::SockAct && m_stolen == 0) {
+        if (event->type() == QEvent::SockAct && m_stolen == 0 && is_user_of_port(watched)) {
             m_stolen = qMax<ssize_t>(0, ::read(m_port, loot.data(), loot.size()));
         }
         return false;
@@ -43,6 +45,16 @@ public:
     ssize_t stolen() const { return m_stolen; }
 
 private:
+    bool is_user_of_port(QObject* watched) const
+    {
+        std::array<char, 64> name{};
+        const auto* notifier = qobject_cast<QSocketNotifier*>(watched);
+        return notifier != nullptr && notifier->type() == QSocketNotifier::Read &&
+               ::ttyname_r(static_cast<int>(notifier->socket()), name.data(), name.size()) == 0 &&
+               m_name == QString::fromLocal8Bit(name.data());
+    }
+
+    QString m_name;
     int m_port;
     ssize_t m_stolen = 0;
 };
@@ -83,6 +95,7 @@ TEST(StolenBytes, CostNoMoreThanTheAttempt)
         QByteArray response;
         EXPECT_TRUE(device.send_and_receive(bytes("00 02"), response, 2, 3, 300));
     }
+
     EXPECT_GT(thief.stolen(), 0);
 }
 
