@@ -61,7 +61,7 @@ std::string frame_of(const std::string& payload)
     return frame + terminator;
 }
 
-/// Takes a frame apart as it comes.
+/// Decodes a frame as it arrives.
 class Listener
 {
 public:

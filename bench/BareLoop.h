@@ -2,9 +2,9 @@
 
 #include <string>
 
-/// A host that does what no host can do without, on nothing but system calls: it writes a request
-/// frame, polls, and reads until an answer frame is complete. What an uploader needs beside it is
-/// the uploader's own cost. It shares no code with the uploader.
+/// The minimal host, on system calls alone: it writes a command's frame, polls, and reads until an
+/// answer frame is complete. Whatever an uploader needs beyond that is the uploader's own cost. The
+/// two share no code.
 class BareLoop
 {
 public:
@@ -15,12 +15,12 @@ public:
     BareLoop& operator=(const BareLoop&) = delete;
 
     /// Sends `payload` in a frame; returns the answer's payload. Throws std::runtime_error when no
-    /// sound answer comes within 300 ms.
+    /// valid answer arrives within 300 ms.
     std::string exchange(const std::string& payload);
 
     /// Reads `size` bytes of flash from `address` on, in rows of 256 bytes with words of 4 bytes.
     std::string read_flash(unsigned int address, unsigned int size);
-    /// Writes them, row by row.
+    /// Writes `data` in the same rows.
     void write_flash(unsigned int address, const std::string& data);
 
 private:

@@ -8,7 +8,7 @@
 #include <thread>
 
 /// The far end of a pseudo-terminal that answers every frame at once, from a thread of its own, so
-/// that what is left to measure is the host.
+/// that only the host's time is measured.
 class InstantPeer
 {
 public:
@@ -21,7 +21,7 @@ public:
     InstantPeer(const InstantPeer&) = delete;
     InstantPeer& operator=(const InstantPeer&) = delete;
 
-    /// What the host opens.
+    /// The path that the host opens.
     QString port_path() const;
 
 private:
@@ -30,7 +30,7 @@ private:
 
     Answers m_answers;
     int m_master = -1;
-    int m_slave = -1; ///< kept open, so that a host that closes its port is no hang-up
+    int m_slave = -1; ///< kept open, so that a host closing its port is not a hang-up
     std::atomic<bool> m_stop{false};
     std::thread m_thread;
 };

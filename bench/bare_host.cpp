@@ -4,7 +4,7 @@
 #include <exception>
 #include <iostream>
 
-// Reads the 128 KiB of flash of a device of bench/device.txt and throws them away, or writes them:
+// Reads and discards, or writes, the 128 KiB of flash of a device of bench/device.txt:
 // bare_host PORT BAUD read|write
 
 namespace

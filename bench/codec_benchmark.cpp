@@ -5,7 +5,7 @@
 namespace
 {
 
-/// As many special values as random data has: 3 in 256.
+/// Has as many special values as random data: 3 in 256.
 QByteArray payload_of(int size)
 {
     QByteArray payload;

@@ -1,6 +1,6 @@
 #include <QCoreApplication>
 
-// The least that a program on Qt Core does.
+// The minimal program on Qt Core.
 
 int main(int argc, char** argv)
 {

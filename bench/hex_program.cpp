@@ -8,7 +8,7 @@
 #include <cstring>
 #include <iostream>
 
-// The tool's own loading and saving of images as a program, to be timed beside other programs:
+// The tool's own loading and saving of images as a program, to be timed against other programs:
 //
 //   hex_program load FILE               loads and prints the number of bytes
 //   hex_program convert FILE RESULT     loads and saves

@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
-// What the frame log costs beside the write of its text to the file.
+// The cost of the frame log, compared with writing its text to the file.
 
 namespace
 {

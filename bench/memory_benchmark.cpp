@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-// Images of the sizes that devices have, through the same calls that the tool makes.
+// Images of the sizes found in devices, through the same calls that the tool makes.
 
 namespace
 {
@@ -29,7 +29,7 @@ QByteArray random_bytes(unsigned int count)
     return bytes;
 }
 
-/// An image in a HEX file, put together from pieces of at most `piece_size`.
+/// An image in a HEX file, built from pieces of at most `piece_size` bytes.
 class HexFile
 {
 public:
@@ -53,7 +53,7 @@ private:
     std::int64_t m_bytes = 0;
 };
 
-/// Makes an image of as many bytes or islands as the benchmark is asked for.
+/// Makes an image of the benchmark's number of bytes or islands.
 using Fill = void (*)(HexFile& file, unsigned int amount);
 
 void fill_dense(HexFile& file, unsigned int size)
@@ -140,7 +140,7 @@ void save(benchmark::State& state, Fill fill)
     subject.count_bytes();
 }
 
-/// Every row from the first byte of the image to the last, as a write to a device takes them.
+/// Every row from the first byte of the image to the last, as in a write to a device.
 void assemble_rows(benchmark::State& state, Fill fill)
 {
     Subject subject(state, fill);

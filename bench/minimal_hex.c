@@ -1,6 +1,6 @@
-/* What loading an Intel HEX file costs at the least: the file in one read, a digit table, the
- * checksum of every record, data appended to the island that it continues or to a new one. Nothing
- * is sorted and no overlap is looked for. Prints the number of data bytes: minimal_hex FILE */
+/* The least work that loads an Intel HEX file: the file in one read, a digit table, the checksum of
+ * every record, data appended to the island that it continues or to a new one. Nothing is sorted
+ * and overlaps are not detected. Prints the number of data bytes: minimal_hex FILE */
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>

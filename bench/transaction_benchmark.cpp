@@ -11,9 +11,9 @@
 
 #include <string>
 
-// Whole exchanges with a peer that answers at once: what the uploader's device object needs for
-// them beside the barest loop of system calls that does the same. To be run in this folder, where
-// the device table is.
+// Whole exchanges with a peer that answers at once, by the uploader's device object and by a
+// minimal loop of system calls that does the same. To be run in this folder, where the device table
+// is.
 
 namespace
 {
@@ -31,7 +31,7 @@ QByteArray row_read_command()
     return QByteArray("\x01\x40\x00\x20\x00", echo_size);
 }
 
-/// Reads get a row back, everything else its acknowledgement.
+/// Answers reads with a row and everything else with its acknowledgement.
 QByteArray answer_to(const QByteArray& frame)
 {
     static const QByteArray row(row_size, '\x37');

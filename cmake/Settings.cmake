@@ -1,4 +1,4 @@
-# What every target of this tree is compiled with.
+# The compiler settings of every target in this tree.
 function(zserial_settings target)
     target_compile_features(${target} PUBLIC cxx_std_17)
     set_target_properties(${target} PROPERTIES AUTOMOC ON CXX_EXTENSIONS OFF)

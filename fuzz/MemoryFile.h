@@ -7,7 +7,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-/// A file in memory, reached through a path as the loader wants it.
+/// A file in memory with a path, as the loader needs it.
 class MemoryFile
 {
 public:

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-/// The one function of a fuzz target: does with `data` what a stranger's file or device would.
+/// The one function of a fuzz target: processes `data` as input from an untrusted file or device.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 inline QByteArray bytes_of(const std::uint8_t* data, std::size_t size)
@@ -15,7 +15,7 @@ inline QByteArray bytes_of(const std::uint8_t* data, std::size_t size)
     return QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size));
 }
 
-/// A rule that must hold whatever the input; ends the program where it does not.
+/// A condition that must hold for every input; ends the program if it does not.
 inline void must_hold(bool rule)
 {
     if (!rule) {
@@ -23,7 +23,7 @@ inline void must_hold(bool rule)
     }
 }
 
-/// Debug messages are expected in heaps and would only slow the search down.
+/// Debug messages are expected in large numbers and would only slow the search down.
 inline bool silence_debug_messages()
 {
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});

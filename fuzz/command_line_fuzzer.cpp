@@ -1,7 +1,7 @@
 #include "app/CommandLine.h"
 #include "fuzz/Target.h"
 
-// The input is the argument vector, its elements parted by NUL bytes as in /proc/self/cmdline.
+// The input is the argument vector, its elements separated by NUL bytes as in /proc/self/cmdline.
 
 namespace
 {

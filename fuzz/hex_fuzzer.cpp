@@ -4,7 +4,7 @@
 namespace
 {
 
-/// Every byte of `image` stands in `other`, too.
+/// Whether `other` holds every byte of `image`.
 bool holds_all_of(const MemoryMap& other, const MemoryMap& image)
 {
     for (const auto& blob : image.blobs()) {

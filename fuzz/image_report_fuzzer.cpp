@@ -19,7 +19,7 @@ const Profile& device()
     return profile;
 }
 
-/// A place is in the file, or right after its end.
+/// Checks that a place is in the file or directly after its end.
 void check_place(const inspect::Place& place, const QByteArray& text)
 {
     const QList<QByteArray> lines = text.split('\n');

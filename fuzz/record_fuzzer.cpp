@@ -5,7 +5,7 @@
 namespace
 {
 
-/// A complete record is the one that is written of what it holds.
+/// Checks that writing a complete record's content gives its digits in upper case.
 void must_be_written_alike(const intel_hex::Record& record, const QByteArray& text)
 {
     QByteArray written;
@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (parsed.outcome == RecordOutcome::Complete) {
         must_be_written_alike(record, taken);
     }
-    // What has been taken comes to the same without the rest, unless more could have followed.
+    // Parsing only the characters that were taken gives the same outcome.
     intel_hex::Record again;
     const auto repeated = intel_hex::parse_record(taken.begin(), taken.end(), again);
     must_hold(repeated.outcome == parsed.outcome && repeated.consumed == parsed.consumed);

@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-// Feeds a fuzz target with files, or with all files of a folder.
+// Runs a fuzz target on files, or on all files of a folder.
 
 namespace
 {

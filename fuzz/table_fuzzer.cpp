@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         try {
             ask_everything(Profile(line->fields));
         } catch (const QException&) {
-            // A field that is no number: told, and the table is refused.
+            // A field that is not a number is reported, and the table is refused.
         }
     }
     return 0;

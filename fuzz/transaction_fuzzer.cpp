@@ -11,13 +11,13 @@
 #include <termios.h>
 #include <unistd.h>
 
-// The input is what a device puts on the line: its first byte picks the command, then each piece up
-// to an 0xFF is the answer to one attempt.
+// The input is what a device puts on the line: its first byte selects the command; after that, the
+// bytes up to each 0xFF are the answer to one attempt.
 
 namespace
 {
 
-/// The far end of a line: answers whatever comes with the next piece of the script.
+/// The far end of a line: answers whatever arrives with the next answer of the script.
 class ScriptedPeer
 {
 public:
@@ -47,7 +47,7 @@ private:
         while (::read(m_master, heard.data(), heard.size()) > 0) {
         }
         const QByteArray piece = m_pieces.isEmpty() ? QByteArray() : m_pieces.takeFirst();
-        // A piece that the line does not take whole is an answer cut short.
+        // If the line does not accept all of it, the answer is truncated.
         const auto taken =
             ::write(m_master, piece.constData(), static_cast<std::size_t>(piece.size()));
         must_hold(taken <= piece.size());
@@ -59,7 +59,7 @@ private:
     QList<QByteArray> m_pieces;
 };
 
-/// Made once: opening a port for every input would be most of the work.
+/// Created once: opening a port for every input would take most of the time.
 struct Line {
     ScriptedPeer peer;
     ZarnSerialDevice device{peer.port(), nullptr, 115200, false, 0};

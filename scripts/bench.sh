@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures the uploader's speed beside other programs and prints a line for every goal; about 20
-# minutes on an idle machine. The figures go into docs/performance.md. With --short: less than a
-# minute, fewer figures, no error for a goal that is not met, and the page stays as it is.
+# Measures the uploader's speed against other programs and prints a line for every goal; takes about
+# 20 minutes on an idle machine. The figures are written to docs/performance.md. With --short: less
+# than a minute, fewer figures, no error for a goal that is not met, and the page is not changed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

@@ -1,30 +1,31 @@
 #!/usr/bin/env bash
-# Checks that each folder of the simulator includes only what lies below it, and nothing of the tool.
+# Checks that each folder of the simulator includes only headers of the folders below it and of the
+# shared libraries.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-floors=(line device faults rig program)
+layers=(line device faults rig program)
 status=0
 
-# Prints the includes of a folder that lead to anything but what is allowed, an extended expression.
+# Prints the includes in a folder that are not allowed; allowed is an extended regular expression.
 refuse_all_but() {
     local folder=$1 allowed=$2
     if grep -rnE '^#include "' "$folder" | grep -vE "#include \"($allowed)/"; then
-        echo "$folder must not include these." >&2
+        echo "$folder must not include the headers above." >&2
         status=1
     fi
 }
 
 allowed='util|profile|memory'
-for floor in "${floors[@]}"; do
-    [ -d "sim/$floor" ]
-    allowed+="|sim/$floor"
-    refuse_all_but "sim/$floor" "$allowed"
+for layer in "${layers[@]}"; do
+    [ -d "sim/$layer" ]
+    allowed+="|sim/$layer"
+    refuse_all_but "sim/$layer" "$allowed"
 done
 
-# Nothing lies beside the folders, where it would be checked by nobody.
-if find sim -name '*.cpp' -o -name '*.h' | grep -vE "^sim/($(IFS='|' && echo "${floors[*]}"))/[^/]+$"; then
-    echo "These belong into one of the simulator's folders." >&2
+# Files outside these folders would not be checked.
+if find sim -name '*.cpp' -o -name '*.h' | grep -vE "^sim/($(IFS='|' && echo "${layers[*]}"))/[^/]+$"; then
+    echo "The files above belong in one of the simulator's folders." >&2
     status=1
 fi
 exit $status

@@ -12,14 +12,14 @@ cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -G Ninja
 cmake --build build
 
 echo
-echo "A look at the table and the image before anything is programmed:"
+echo "Checking the table and the image before anything is programmed:"
 echo
 echo "  zserial-inspect image $image --table device.txt --device $device"
 echo
 (cd examples && ../build/zserial-inspect table >/dev/null &&
     ../build/zserial-inspect image "$image" --table device.txt --device "$device")
 
-# The simulator prints its port first and a summary when it is stopped.
+# The simulator prints its port at the start and a summary when it is stopped.
 exec 3< <(exec build/zserial-sim --table examples/device.txt --device "$device" \
     --check "examples/$image")
 simulator=$!
@@ -34,6 +34,6 @@ echo
 
 kill -TERM "$simulator"
 echo
-echo "The device's own account:"
+echo "The simulated device's summary:"
 cat <&3
 wait "$simulator"

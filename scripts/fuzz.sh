@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Searches with every fuzz target for SECONDS (300 unless given), two at a time; what is found is
-# kept as a file in build/fuzz/fuzz and ends the run with an error. Give it to a target to replay it.
+# Runs every fuzz target for SECONDS (300 unless given), two at a time. A finding is kept as a file in
+# build/fuzz/fuzz and makes the script fail. To replay it, pass the file to its target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Gives damaged and unusual Intel HEX files to zserial and to other tools, and prints as a table
-# what each makes of them.
+# Loads damaged and unusual Intel HEX files with zserial and with other tools, and prints the
+# outcomes as a table.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

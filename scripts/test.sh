@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds and runs all tests: optimised, then under AddressSanitizer and UndefinedBehaviorSanitizer,
-# then every fuzz target for a moment. With arguments, only the presets named.
+# then every fuzz target for a few seconds. With arguments, only the presets named.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
