@@ -1,4 +1,4 @@
-"""The circumstances that figures belong to."""
+"""The conditions under which figures were measured."""
 
 import datetime
 import os
@@ -24,7 +24,7 @@ def processor():
 
 
 def system():
-    """Without what the builder of a kernel has added to its version."""
+    """Without the distribution's suffix to the kernel version."""
     return f"{platform.system()} {platform.release().split('-')[0]}"
 
 

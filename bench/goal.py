@@ -1,4 +1,4 @@
-"""A figure beside what it should be."""
+"""A figure and its goal."""
 
 import statistics
 from dataclasses import dataclass
@@ -9,12 +9,12 @@ from typing import Callable, List, Optional
 class Goal:
     group: str
     what: str
-    rounds: List[float]  # what was measured, a figure a round
-    bound: Optional[float]  # None: a remark, which has nothing to meet
+    rounds: List[float]  # the measured figure of each round
+    bound: Optional[float]  # None: a remark, which has no goal
     at_least: bool = False  # otherwise at most
     unit: str = ""
     beside: str = ""
-    figure_of: Callable = statistics.median  # which figure of the rounds is held to the bound
+    figure_of: Callable = statistics.median  # the figure compared with the bound
 
     @staticmethod
     def remark(group, what, rounds, beside):

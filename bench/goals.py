@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures what the uploader promises of its speed and prints a line for every promise."""
+"""Measures the uploader's speed and prints a line for every goal."""
 
 import argparse
 import re
@@ -18,7 +18,7 @@ FIGURES = re.compile(r"(<!-- figures -->\n).*(<!-- end of figures -->)", re.DOTA
 
 
 class Context:
-    """Where things are and how thoroughly to measure."""
+    """The folders, and how thoroughly to measure."""
 
     def __init__(self, options, scratch):
         self.bench = Path(__file__).resolve().parent
@@ -35,7 +35,10 @@ class Context:
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("build", type=Path, help="folder of a release build with benchmarks")
-    parser.add_argument("--short", action="store_true", help="less than a minute; goals that are not met are no error")
+    parser.add_argument(
+        "--short", action="store_true",
+        help="less than a minute; a goal that is not met is not an error",
+    )
     parser.add_argument("--rounds", type=int, default=5, help="of which medians are taken")
     parser.add_argument(
         "--slow-rounds", type=int, default=3, help="at the low rates, where one takes minutes"

@@ -1,4 +1,4 @@
-"""What the uploader itself costs when the line costs nothing."""
+"""The uploader's own cost, on a line that takes no time."""
 
 import os
 
@@ -66,7 +66,7 @@ def start_goals(context):
 
 
 def waiting_goals(context):
-    """A run that looks for a device and finds none does nothing but wait."""
+    """A run that looks for a device and finds none only waits."""
     device_end, port = os.openpty()
     command = [context.build / "zserial", "-s", os.ttyname(port)]
     runs = usages({"entry": command}, context.rounds, expected_status={"entry": 1})["entry"]
@@ -84,7 +84,7 @@ def waiting_goals(context):
 
 def log_goals(context):
     if context.short:
-        return  # the goal is a time, which a busy machine is not held to
+        return  # the goal is a time, which a busy machine need not meet
     times = benchmark(
         context.build / "bench/log_benchmark", "", context.repetitions, context.min_seconds
     )

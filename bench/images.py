@@ -1,4 +1,4 @@
-"""Loading and saving of images, beside other programs and as they grow."""
+"""Loading and saving of images, compared with other programs and as the images grow."""
 
 import filecmp
 import math
@@ -10,7 +10,7 @@ from measuring import benchmark, each, median, ratios, usages
 MIB = 1024 * 1024
 ISLAND_BYTES = 200
 
-# What each image is made of: hex_program's words, and its number of bytes.
+# Each image: the arguments of hex_program that make it, and its number of bytes.
 FULL_IMAGES = {
     "dense 16 MiB": (["dense", str(16 * MIB)], 16 * MIB),
     "dense 64 MiB": (["dense", str(64 * MIB)], 64 * MIB),
@@ -53,7 +53,7 @@ def hex_goals(context):
 
 
 def require_same_bytes(context, image, result):
-    """What was measured must have been the work that it is taken for."""
+    """Checks that the measured programs did the work that they were measured for."""
     program = context.build / "bench/hex_program"
     subprocess.run([program, "convert", image, result], check=True)
     if not filecmp.cmp(image, result, shallow=False):
@@ -85,9 +85,9 @@ def ratio_goals(context, name, times):
 
 
 def growth_goals(context):
-    """From one size to the next, time grows like a power of the size: to the power of 1 where it is
-    linear, of 1.1 where it is n·log n, of 2 where it is a square. What small images gain from
-    fitting into the processor's caches is left out by looking at the two largest."""
+    """From one size to the next, time grows like a power of the size: the exponent is 1 for linear
+    growth, about 1.1 for n·log n and 2 for quadratic growth. Only the two largest sizes count,
+    because small images benefit from the processor's caches."""
     sizes = (1, 4) if context.short else (1, 4, 16, 64)
     counts = (1000, 10000) if context.short else (1000, 10000, 100000)
     times = benchmark(

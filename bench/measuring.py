@@ -1,4 +1,4 @@
-"""Runs programs and reports what they needed."""
+"""Runs programs and reports the time and memory that they needed."""
 
 import json
 import os
@@ -16,7 +16,7 @@ class Usage:
 
 
 def usage_of(command, expected_status=0):
-    """Runs a command to its end and throws away what it prints."""
+    """Runs a command to its end and discards its output."""
     nothing = os.open(os.devnull, os.O_RDWR)
     redirections = [(os.POSIX_SPAWN_DUP2, nothing, number) for number in (0, 1, 2)]
     begin = time.perf_counter()
@@ -32,8 +32,8 @@ def usage_of(command, expected_status=0):
 
 
 def usages(commands, rounds, expected_status=None):
-    """Runs each of the named commands once a round, so that a busy moment falls on all alike. Usages
-    by name, one a round."""
+    """Runs each of the named commands once a round, so that a busy moment affects all alike. Returns
+    usages by name, one per round."""
     found = {name: [] for name in commands}
     for _ in range(rounds):
         for name, command in commands.items():
@@ -51,7 +51,7 @@ UNIT_NS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def benchmark(program, pattern, rounds, min_seconds, folder="."):
-    """A benchmark program's timings by name, one a round."""
+    """A benchmark program's timings by name, one per round."""
     output = subprocess.run(
         [
             program,
@@ -80,7 +80,7 @@ def benchmark(program, pattern, rounds, min_seconds, folder="."):
 
 
 def each(attribute, measured):
-    """That attribute of what was measured in every round."""
+    """That attribute of the measurements of all rounds."""
     return [getattr(one, attribute) for one in measured]
 
 
@@ -89,5 +89,5 @@ def median(attribute, measured):
 
 
 def ratios(attribute, mine, other):
-    """What one needed of what the other did, round by round."""
+    """The ratio of one to the other, round by round."""
     return [a / b for a, b in zip(each(attribute, mine), each(attribute, other))]

@@ -1,4 +1,4 @@
-"""How well the uploader uses a line that takes its time."""
+"""How well the uploader uses a paced line."""
 
 import json
 import statistics
@@ -21,9 +21,10 @@ def uploader(context, version, operation):
 
 
 def pace_of(context, version, operation, command):
-    """Runs a command on a paced device; how long its line was busy, of how long, and how late."""
+    """Runs a command on a paced device; returns how long its line was busy, of what time, and how
+    late the simulator was."""
     image = ["--check" if operation.startswith("write") else "--memory", context.image]
-    # Into a file: a reader of its own would be woken for every progress line and be in the way.
+    # Into a file: a process reading a pipe would wake for every progress line and disturb the run.
     with open(context.scratch / "output", "w+b") as output:
         subprocess.run(
             [

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Changes one token of the product at a time, in a copy of the tree, and lists the changes that no
-test notices. The same seed chooses the same changes of the same sources. Results are kept: a call
-that is made again goes on where the last one ended."""
+test notices. The same seed chooses the same changes of the same sources. Results are kept: a
+repeated call continues where the last one ended."""
 
 import argparse
 import json
@@ -38,7 +38,7 @@ def parse_arguments():
 
 
 def chosen(arguments):
-    """In an order of chance, so that every beginning of the list is a sample, too."""
+    """In random order, so that the first part of the list is also a sample."""
     patterns = ["*.cpp", "*.h"] if arguments.headers else ["*.cpp"]
     paths = [SOURCE / file for file in arguments.file or []] or sorted(
         path for folder in arguments.folder or TESTS for pattern in patterns
@@ -50,7 +50,7 @@ def chosen(arguments):
 
 
 class Results:
-    """What became of each change, a line of JSON each."""
+    """The outcome of each change, one line of JSON each."""
 
     def __init__(self, path):
         self.path = path

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs zserial against simulated devices on lines that damage, lose, delay and double what they
-carry, and compares what it claims with what the devices hold. scripts/reliability.sh builds the
+"""Runs zserial against simulated devices on lines that damage, lose, delay and duplicate data, and
+compares what it claims with what the devices hold. scripts/reliability.sh builds the
 programs and calls this."""
 
 import argparse
@@ -21,7 +21,7 @@ from campaign.sections import SECTIONS
 from campaign.verdict import Cause, End
 
 ALL = [*SECTIONS, "cases", "load"]
-MARKER = ".files-of-reliability"  # in a folder whose content may be removed
+MARKER = ".files-of-reliability"  # marks a folder whose content may be removed
 
 
 def parse_arguments():
@@ -31,9 +31,9 @@ def parse_arguments():
     parser.add_argument("--folder", type=pathlib.Path, default=SOURCE / "build/reliability",
                         help="where runs leave their files; emptied at the start if an earlier"
                         " campaign left it, refused if it holds anything else")
-    parser.add_argument("--runs", type=int, default=50, help="of every row of the tables at least")
+    parser.add_argument("--runs", type=int, default=50, help="at least, for every row of the tables")
     parser.add_argument("--faults", type=int, default=250,
-                        help="that the runs of a row should meet, about; adds runs where needed")
+                        help="that the runs of a row should meet; adds runs as needed")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=32,
                         help="runs on the small device at once, and half as many on larger ones")
@@ -60,7 +60,7 @@ class Campaign:
         self.unharmed = []  # verdicts on runs that met no fault
         self.tables = {}  # in Markdown, by the name of the section
         self.pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
-        # Runs on larger devices keep processors busy, where small ones wait most of the time.
+        # Runs on larger devices keep the processors busy; those on small ones mostly wait.
         self.busy_pool = concurrent.futures.ThreadPoolExecutor(max(1, arguments.jobs // 2))
 
     def carry_out(self, run, slow=False):
@@ -68,20 +68,20 @@ class Campaign:
         return self.finish(verdict.judge(run, outcome, slow))
 
     def carry_out_case(self, case):
-        """Ends with the verdict, and whether the tool gave up waiting for an answer that was given."""
+        """Returns the verdict, and whether the tool gave up waiting for an answer that was sent."""
         run = case.run(self.arguments.seed)
         outcome = runs.execute(run, self.programs, self.folder / run.key)
         gave_up = outcome.gave_up_waiting()
         return self.finish(verdict.judge(run, outcome)), gave_up
 
     def finish(self, result):
-        """Removes the files of what went right."""
+        """Removes the files of a run that ended right or with an error."""
         if result.end in (End.RIGHT, End.ERROR) and not self.arguments.only:
             shutil.rmtree(self.folder / result.key)
         return result
 
     def start(self, name):
-        """Lets the runs of a section begin as soon as there is room for them."""
+        """Submits the runs of a section; they begin as soon as there is room for them."""
         return [(row, self.start_row(row)) for row in SECTIONS[name].rows(self.arguments.smoke)]
 
     def start_row(self, row):
@@ -126,8 +126,8 @@ class Campaign:
             self.complaints.append("cases: none could be judged")
 
     def judge(self, case, result, gave_up):
-        """Whether the case could be judged: a late answer leaves its faults to other commands. Where
-        answers are late on purpose it always can, given a machine that is quick enough."""
+        """Whether the case could be judged. It cannot when an unintended late answer has moved its
+        faults to other commands. Cases with intended late answers need a quick machine and always can."""
         judged = case.needs_quick_machine or not gave_up
         self.add("cases", tables.CASES_HEAD, tables.case_line(case, result, judged))
         if judged and (result.end, result.cause) != (case.end, case.cause):
@@ -167,7 +167,7 @@ class Campaign:
 
 
 def report(strays):
-    """Where to look at what ended neither right nor with an error."""
+    """Lists the runs that ended neither right nor with an error."""
     if strays:
         print()
     for each in strays:
@@ -175,8 +175,8 @@ def report(strays):
 
 
 def empty(folder):
-    """Leaves an empty folder that is marked as the campaign's; ends the program at one that holds
-    files of somebody else. The mark stays, so that an interrupted call can be made again."""
+    """Leaves an empty folder with the campaign's marker; ends the program if the folder holds other
+    files. The marker stays, so that an interrupted call can be repeated."""
     marker = folder / MARKER
     if folder.exists() and not marker.is_file() and (not folder.is_dir() or any(folder.iterdir())):
         sys.exit(f"{folder} is not a folder of an earlier campaign and not empty: remove it or name"
@@ -191,8 +191,8 @@ def empty(folder):
 
 
 def ending_of(campaign, seconds):
-    """The conditions, and whether the machine was quick enough: nobody has reason to repeat a
-    command where the line is free of faults."""
+    """The conditions, and whether the machine was quick enough: on a line without faults there is no
+    other reason to repeat a command."""
     arguments = campaign.arguments
     unharmed = campaign.unharmed
     repeating = sum(each.repeated > 0 for each in unharmed)
@@ -230,7 +230,7 @@ def main():
     if arguments.write:
         write_page(arguments.write, {**campaign.tables, "conditions": ending})
     for complaint in campaign.complaints:
-        print(f"NOT AS IT SHOULD BE: {complaint}", file=sys.stderr)
+        print(f"UNEXPECTED: {complaint}", file=sys.stderr)
     return 1 if campaign.complaints else 0
 
 

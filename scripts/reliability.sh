@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures what zserial makes of bad lines, on simulated devices, and prints the tables of
-# docs/reliability.md; --write docs/reliability.md puts them there. Options go to reliability.py;
-# --help lists them.
+# Measures how zserial behaves on bad lines, with simulated devices, and prints the tables of
+# docs/reliability.md; --write docs/reliability.md puts them there. Options are passed to
+# reliability.py; --help lists them.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

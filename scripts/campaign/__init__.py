@@ -1,1 +1,1 @@
-"""What scripts/reliability.py is made of."""
+"""The modules of scripts/reliability.py."""

@@ -1,4 +1,4 @@
-"""One case of everything that the tool cannot notice, at a named command, and what brings it out."""
+"""One case of each error that the tool cannot detect, at a given command, and how to detect it."""
 
 import dataclasses
 
@@ -33,8 +33,8 @@ class Case:
 
 
 def _whole_pages(draws):
-    """Three pages and two rows of EEPROM: what a command does follows from its number. The last
-    page lies where the device with the other version has no flash."""
+    """Three pages and two rows of EEPROM, so that the number of a command determines what it does.
+    The last page lies where the device with the other version has no flash."""
     pages = [(SMALL.flash.start, 2 * SMALL.page), (SMALL.flash.stop - SMALL.page, SMALL.page),
              (SMALL.eeprom.start, 2 * SMALL.eeprom_row)]
     return memory.Image((start, memory.random_bytes(draws, size)) for start, size in pages)
@@ -45,9 +45,9 @@ def _case(name, what, faults, procedure, end, cause=None, extra=(), quick=False)
     return Case(name, what, (*RUNNING, *extra, *words), procedure, end, cause, quick)
 
 
-# In "-e -w" command 1 erases, 2 to 13 write rows and 14 and 15 EEPROM. In "-wv" each page takes ten:
-# a read that finds it different, an erase, and for each of four rows a write and a read; then come
-# 31 and 32 for EEPROM.
+# In "-e -w", command 1 erases, 2 to 13 write flash rows and 14 and 15 EEPROM rows. In "-wv", each
+# page takes ten commands: a read that finds it different, an erase, and a write and a read for each
+# of four rows; 31 and 32 write EEPROM rows.
 LATE = "the answer to a row comes 450 ms late, a later row is lost on the way"
 SHIFT = "the same with a device that takes 200 ms a row; the fourth row after it is lost"
 ROW = "two bytes of a row damaged, the checksum fits"

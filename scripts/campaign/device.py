@@ -23,7 +23,7 @@ class Device:
 
     @property
     def smaller_flash_end(self):
-        """Of the other device in the table, which a damaged version selects."""
+        """The flash end of the other device in the table, which a damaged version selects."""
         return (self.flash.start + self.flash.stop) // 2
 
     @property
@@ -41,7 +41,7 @@ class Device:
         return "\t".join([f"v{version}:", "115200", name, *flash, *eeprom, *plain]) + "\n"
 
 
-# The rarer the faults, the more bytes a run has to move to meet one.
+# The rarer the faults, the more bytes a run has to transfer to meet one.
 SMALL = Device("small", range(0x400, 0xC00), page=0x100, row=0x40, stretch_rows=(7, 5))
 MEDIUM = Device("medium", range(0x800, 0x20800), page=0x800, row=0x100, stretch_rows=(248, 240),
                 images=8)

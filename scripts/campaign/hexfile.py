@@ -1,5 +1,5 @@
-"""Intel HEX. The runs of a campaign read and write the same megabytes again and again with hardly a
-byte changed, so the text of each piece and the bytes of a whole text are remembered."""
+"""Intel HEX. The runs of a campaign read and write the same megabytes over and over with hardly a
+byte changed, so the text of each piece and the bytes of a whole text are cached."""
 
 import functools
 
@@ -40,7 +40,7 @@ def _record(kind, offset, data):
 
 
 def read(path):
-    """Pairs of a start address and bytes; what follows on is in one piece."""
+    """Pairs of a start address and bytes; adjacent bytes are in one piece."""
     return list(_stretches(path.read_text(encoding="ascii")))
 
 

@@ -9,8 +9,8 @@ import time
 from . import hexfile
 from .memory import ERASED
 
-# LARK-32 of the examples: 30 KiB of flash behind the bootloader. Where so many want to run at once
-# answers can be late, which only costs time where all acknowledgements are the same: so flash alone,
+# LARK-32 of the examples: 30 KiB of flash after the bootloader. With so many runs at once, answers
+# can be late, which only costs time as long as all acknowledgements are the same: hence flash alone,
 # and no erase.
 VERSION = "0110"
 FLASH = range(0x800, 0x8000)

@@ -1,4 +1,4 @@
-"""What devices hold: images, memories, and how they differ."""
+"""The contents of devices: images, memories, and how they differ."""
 
 import functools
 import itertools
@@ -6,7 +6,7 @@ import random
 
 ERASED = 0xFF
 
-# Special on the line: terminator, escape and sync. Images hold more of them than chance would give.
+# Special on the line: terminator, escape and sync. Images hold more of them than random data would.
 SPECIAL = (0x04, 0x05, 0x55)
 
 
@@ -51,7 +51,7 @@ class Memory:
         return Image((area.start, bytes(bytes_)) for area, bytes_ in self.areas.items())
 
     def differences(self, image, whole=False):
-        """The addresses where the image has another byte, and with `whole` those that it lacks."""
+        """The addresses where the image has a different byte or, with `whole`, none."""
         wrong = set()
         for start, data in image.stretches:
             held = self._slice(start, len(data))

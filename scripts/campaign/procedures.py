@@ -1,4 +1,4 @@
-"""What users do with a device, and how its end is judged against what the tool claims."""
+"""What users do with a device, and how the outcome is compared with what the tool claims."""
 
 import dataclasses
 import re
@@ -19,14 +19,14 @@ class Procedure:
     # Commands of the shell, one after the other until one fails. Status 0 is a claim that all is
     # well, 1 that it is not.
     steps: tuple
-    # The addresses at which the claim that goes with status 0 is not true, given image and outcome.
+    # The addresses at which the claim made by status 0 is not true, given image and outcome.
     wrong: typing.Callable
     # The device that it starts with, given random numbers, the image and some memory.
     before: typing.Callable
-    # How often the bytes of an image pass the line in a run, about.
+    # How often the bytes of an image cross the line in a run, approximately.
     passes: float
     may_change_device: bool = True
-    failure: re.Pattern = FAILURE  # what has to be printed where the status is 1
+    failure: re.Pattern = FAILURE  # must be printed when the status is 1
 
 
 def _anything(_draws, _image, memory):
@@ -82,7 +82,7 @@ READ_TWICE = Procedure(
     "read twice and compare",
     (TOOL + "-r read.hex", TOOL + "-r again.hex", "cmp read.hex again.hex"), _not_read, _anything,
     passes=2, may_change_device=False)
-# The version is not taken from the command line: the device is asked, or caught as it starts.
+# The version is not given on the command line: the device is asked, or caught as it starts.
 ASK = "{zserial} -x frames.log "
 ASK_WRITE_VERIFY = Procedure("write, verify without -B", (ASK + "-e -w image.hex -v image.hex",),
                              _not_written, _anything, passes=2)

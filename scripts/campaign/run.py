@@ -1,4 +1,4 @@
-"""One run: a simulated device with faults, and the tool at work on it."""
+"""One run: a simulated device with faults, and the tool that works on it."""
 
 import dataclasses
 import json
@@ -40,9 +40,9 @@ class Run:
 
 @dataclasses.dataclass
 class Outcome:
-    """How it went, and everything by which that is judged."""
+    """The outcome of a run, and everything needed to judge it."""
 
-    status: typing.Optional[int]  # of the procedure; None where there is none to be believed
+    status: typing.Optional[int]  # of the procedure; None if there is none that can be relied on
     seconds: float
     out: str
     before: Memory
@@ -57,7 +57,7 @@ class Outcome:
 
     @property
     def repeated(self):
-        """Commands that came again because there was no good answer in time."""
+        """Commands that were repeated because there was no valid answer in time."""
         return self.summary.get("repeated", 0)
 
     @property
@@ -66,7 +66,7 @@ class Outcome:
         return self.summary.get("flash", {}).get("rows_programmed", 0)
 
     def gave_up_waiting(self):
-        """For an answer that was given."""
+        """Whether the tool gave up waiting for an answer that was sent."""
         trace = self.folder / "trace.txt"
         return trace.exists() and frames.gave_up_waiting(self.folder / "frames.log", trace)
 
@@ -89,7 +89,7 @@ def prepare(run, folder):
 
 
 def execute(run, programs, folder):
-    """Leaves images, trace, frame log and output in the folder, which must not be there yet."""
+    """Leaves images, trace, frame log and output in the folder, which must not exist yet."""
     prepare(run, folder)
     command = arguments_of(run, programs)
     line = shlex.join(command) + "\n"
@@ -106,7 +106,7 @@ def execute(run, programs, folder):
 
 
 def _run(command, folder):
-    """The simulator's status, or None where it had to be killed."""
+    """The simulator's status, or None if it had to be killed."""
     with open(folder / "out.txt", "wb") as out, open(folder / "err.txt", "wb") as err:
         process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=out,
                                    stderr=err, start_new_session=True)

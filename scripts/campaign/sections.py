@@ -24,12 +24,12 @@ class Row:
     device: Device = SMALL
     entry: tuple = ("--entry", "version")
     eeprom: bool = True  # the image holds some
-    # About how many faults a run meets. None: none, it is there for comparison.
+    # The approximate number of faults that a run meets. None: no faults, the row is for comparison.
     faults_per_run: typing.Optional[float] = None
     slow: bool = False  # the device acknowledges every row late, which is a fault each time
 
     def count(self, least, faults):
-        """How many runs it takes to meet so many faults, about."""
+        """The approximate number of runs needed to meet so many faults."""
         if self.faults_per_run is None:
             return least
         return max(least, math.ceil(faults / self.faults_per_run))
@@ -56,7 +56,7 @@ def _faults(*faults):
 
 
 def _row(section, circumstances, procedure, options, chance, per_pass, device=SMALL, **more):
-    """A row whose faults happen with that chance to each of what passes the line."""
+    """A row whose faults happen with probability `chance` to each of `per_pass` bytes or commands."""
     expected = chance * per_pass * procedure.passes or None
     return Row(section, circumstances, procedure, options, device, faults_per_run=expected, **more)
 
@@ -88,7 +88,7 @@ def _lost_responses(losses):
             for loss in losses for procedure in OPERATIONS]
 
 
-# What the simulator is given, and how many faults that is for a command, about.
+# The simulator's options, and approximately how many faults they cause per command.
 LATE = {
     "answers late": (_faults("delay-response:350=0.05"), 0.05),
     "answers late, requests lost": (_faults("delay-response:350=0.05", "lose-request=0.05"), 0.1),
@@ -134,7 +134,7 @@ def _damaged_entries(procedures_of_entry):
 @dataclasses.dataclass(frozen=True)
 class Section:
     title: str
-    make_rows: typing.Callable  # from the values that a table goes through
+    make_rows: typing.Callable  # from the values of a table
     values: typing.Iterable
     smoke_values: typing.Iterable  # those that take little time
 

@@ -19,7 +19,7 @@ LOAD_HEAD = """\
 
 
 def line_of(row, verdicts):
-    """Of runs that met no fault only their number is shown: they had nothing to survive."""
+    """Runs that met no fault are only counted: they had nothing to survive."""
     hit = [each for each in verdicts if each.faults]
     seconds = [each.seconds for each in hit or verdicts]
     cells = [row.circumstances, row.procedure.name, row.device.name, len(verdicts),
@@ -30,7 +30,7 @@ def line_of(row, verdicts):
 
 
 def faults_text(verdicts):
-    """How many faults there were, and of which kinds where there are several."""
+    """The number of faults, and their kinds if there are several."""
     counts = {}
     for each in verdicts:
         for kind, count in each.faults.items():
@@ -42,7 +42,7 @@ def faults_text(verdicts):
 
 
 def _ends(verdicts, end):
-    """How many ended so and why. Broken runs, which there should not be, stand with the errors."""
+    """How many ended this way, and why. Broken runs, which should not occur, are shown with the errors."""
     if end is End.ERROR and any(each.end is End.BROKEN for each in verdicts):
         ends = [each.end for each in verdicts]
         return f"{ends.count(End.ERROR)}, and {ends.count(End.BROKEN)} BROKEN"
@@ -58,7 +58,7 @@ def case_line(case, result, judged):
 
 
 def put_into(page, name, text):
-    """Replaces what stands between two comments that name it."""
+    """Replaces the text between two comments that name it."""
     pattern = re.compile(rf"(<!-- {name} -->\n).*?(<!-- end of {name} -->)", re.DOTALL)
     page, count = pattern.subn(lambda found: f"{found[1]}\n{text}\n\n{found[2]}", page)
     if count != 1:

@@ -1,4 +1,4 @@
-"""How a run ended, and where it went wrong without a word, why."""
+"""How a run ended, and why when it went wrong without a report."""
 
 import dataclasses
 import enum
@@ -11,13 +11,13 @@ from . import frames
 class End(enum.Enum):
     RIGHT = "right"
     ERROR = "error reported"
-    FALSE_SUCCESS = "false success"  # the tool said that all is well, and it is not
-    FALSE_ALARM = "false alarm"  # of a difference that is not there, or one that looking has made
-    BROKEN = "broken"  # killed, crashed, or failed without a word
+    FALSE_SUCCESS = "false success"  # the tool reported success, wrongly
+    FALSE_ALARM = "false alarm"  # of a difference that does not exist, or that reading caused
+    BROKEN = "broken"  # killed, crashed, or failed without a message
 
 
 class Cause(enum.Enum):
-    """Why the tool could not notice."""
+    """Why the tool could not detect it."""
 
     REQUEST = "damaged request, its checksum fits"
     RESPONSE = "damaged answer, its checksum fits"
@@ -28,14 +28,14 @@ class Cause(enum.Enum):
 
 @dataclasses.dataclass
 class Verdict:
-    """What is kept of a run."""
+    """What is kept about a run."""
 
     key: str
     end: End
     cause: typing.Optional[Cause]
     seconds: float
     faults: dict  # how many of each kind happened
-    repeated: int  # commands, because there was no good answer in time
+    repeated: int  # commands, because there was no valid answer in time
     damage: str = ""  # in words, where the end is neither right nor an error
 
     @property
@@ -45,7 +45,7 @@ class Verdict:
 
 READ_FLASH, WRITE_FLASH, ERASE_FLASH, READ_EEPROM, WRITE_EEPROM = range(1, 6)
 
-LATE_ROW = "late row"  # a fault that the simulator does not count, as that device is just so slow
+LATE_ROW = "late row"  # a fault that the simulator does not count, because the device is merely slow
 
 ACCUSATION = re.compile(r"data mismatch starting at address 0x([0-9A-Fa-f]+)\s+"
                         r"device data size \d+: ([0-9A-F ]+)\s+expected data \d+: ([0-9A-F ]+)")
@@ -74,7 +74,7 @@ def end_of(run, outcome):
 
 
 def damage_of(run, outcome):
-    """What of it is not as claimed, in words."""
+    """What is not as claimed, in words."""
     wrong = run.procedure.wrong(run.image, outcome)
     if not run.procedure.may_change_device:
         changed = outcome.after.differences(outcome.before.image())
@@ -84,18 +84,18 @@ def damage_of(run, outcome):
 
 
 def _accuses_wrongly(run, outcome):
-    """A difference is reported that is not there."""
+    """Whether a difference is reported that does not exist."""
     return "data mismatch" in outcome.out and not outcome.after.differences(run.image)
 
 
 def _is_error(run, outcome):
-    """A verification that finds a difference ends right."""
+    """Whether it is an error: a verification that finds a difference ends right."""
     return run.procedure.may_change_device or "data mismatch" not in outcome.out
 
 
 def cause_of(run, outcome):
-    """One of Cause, from what was sent and what arrived. What went wrong on the line only counts for
-    the addresses that it concerned: every one that is not as claimed must be among them."""
+    """One of Cause, from what was sent and what arrived. An error on the line explains only the
+    addresses that it affected: every address that is not as claimed must be among them."""
     wrong = _not_as_claimed(run, outcome)
     if "entry procedure: 0x" in outcome.out and "entry procedure: 0x0110" not in outcome.out:
         beyond = range(run.device.smaller_flash_end, run.device.flash.stop)
@@ -107,7 +107,7 @@ def cause_of(run, outcome):
     lied = set().union(*(_lies(payload, outcome) for payload in received))
     if not wrong <= strayed | lost | lied:
         return Cause.NONE
-    # A request that strayed is also one that did not get to its place.
+    # A request that strayed also did not reach its place.
     causes = {Cause.REQUEST: strayed and strayed | lost, Cause.RESPONSE: lied,
               Cause.ACKNOWLEDGEMENT: lost}
     return next((cause for cause, addresses in causes.items() if wrong & addresses), Cause.NONE)

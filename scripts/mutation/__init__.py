@@ -1,1 +1,1 @@
-"""What scripts/mutate.py is made of."""
+"""The modules of scripts/mutate.py."""

@@ -53,11 +53,11 @@ class Token:
 class Mutant:
     path: str
     kind: str
-    start: int  # what is replaced, and by what
+    start: int  # the text that is replaced, and its replacement
     end: int
     replacement: str
     line: int
-    before: str  # the first line concerned, without its indentation
+    before: str  # the first affected line, without its indentation
     after: str
 
     @property
@@ -69,7 +69,7 @@ class Mutant:
 
 
 def tokens_of(text):
-    """Without spaces, comments, preprocessor lines and literals of text; those are separate."""
+    """Without spaces, comments, preprocessor lines and text literals; those are separate."""
     return [Token(found.lastgroup if found.lastgroup != "mark" else "skip", found[0], found.start())
             for found in TOKEN.finditer(text) if found.lastgroup != "space"]
 
@@ -186,7 +186,7 @@ def _closing(tokens, i):
 
 
 def _without_code(tokens):
-    """Stretches that only the compiler looks at, or where values are names."""
+    """Code that only the compiler evaluates, or where values are names."""
     stretches = []
     for i, token in enumerate(tokens):
         if token.kind == "word" and token.text in NO_CODE:

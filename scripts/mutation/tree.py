@@ -7,7 +7,7 @@ import resource
 import signal
 import subprocess
 
-# The folder of a source, and the test programs that look at it closely.
+# The folder of a source, and the test programs that test it directly.
 TESTS = {
     "util": ["util_tests"],
     "profile": ["profile_tests"],
@@ -17,12 +17,12 @@ TESTS = {
     "app": ["app_test", "tool_test"],
 }
 NOT_OF_THE_PRODUCT = r"^(bench|docs|scripts)\."
-# No single test of these takes as long, on a busy machine either.
+# No single one of these tests takes this long, even on a busy machine.
 LONGEST_TEST_S = {"util": 20, "profile": 20, "memory": 20}
 LONGEST_TEST_OTHERWISE_S = 90
 LONGEST_BUILD_S = 1800
 LONGEST_RUN_S = 3600
-MOST_MEMORY = 8 << 30  # a mutant may ask for more and more
+MOST_MEMORY = 8 << 30  # a mutant may allocate without end
 MOST_OF_A_FILE = 5 << 30  # or write without end; a test has one of a little more than 4 GiB
 
 
@@ -41,7 +41,7 @@ class Tree:
         self.log = folder / "log.txt"
 
     def bring_up_to_date(self):
-        """Copies what differs, so that a second campaign builds little."""
+        """Copies only files that differ, so that a second campaign builds little."""
         names = subprocess.run(["git", "-C", str(self.source), "ls-files", "-z"], check=True,
                                capture_output=True, text=True).stdout.split("\0")
         for name in filter(None, names):
@@ -50,7 +50,7 @@ class Tree:
                 there.parent.mkdir(parents=True, exist_ok=True)
                 there.write_bytes(here.read_bytes())
                 there.chmod(here.stat().st_mode)
-        # Warnings are no errors: a mutant may leave a variable unused.
+        # Warnings are not errors: a mutant may leave a variable unused.
         self._run(["cmake", "-S", str(self.tree), "-B", str(self.build_folder), "-G", "Ninja",
                    "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w",
                    "-DZSERIAL_BUILD_TESTS=ON"], LONGEST_BUILD_S, check=True)
@@ -61,7 +61,7 @@ class Tree:
             raise SystemExit(f"The tests of {folder} fail without any change; see {self.log}")
 
     def try_out(self, mutant, thorough=True):
-        """One of End. The close tests come first, and all others if they notice nothing."""
+        """One of End. The direct tests run first, and all others if those notice nothing."""
         path = self.tree / mutant.path
         original = path.read_bytes()
         path.write_text(mutant.applied_to(original.decode()), encoding="utf-8")
@@ -94,7 +94,7 @@ class Tree:
                           "--output-on-failure", *words], LONGEST_RUN_S)
 
     def _run(self, command, longest_s, check=False):
-        """Whether it ended well. What hangs is killed with all that it has started."""
+        """Whether it succeeded. A command that hangs is killed with everything that it started."""
         with open(self.log, "wb") as log:
             process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=log,
                                        stderr=subprocess.STDOUT, start_new_session=True,
