@@ -14,8 +14,8 @@ namespace command_line
 /// The file check that the tool uses.
 bool can_open_for_reading_and_writing(const QString& name);
 
-/// Takes the arguments after the program's name from left to right. Arguments that are no option
-/// are passed over. Each file that an option names is checked when its option is met.
+/// Takes the arguments after the program's name from left to right. Arguments that are not
+/// options are ignored. Each file that an option names is checked when its option is met.
 std::optional<Failure> scan(const QStringList& arguments, FileCheck can_open, Settings& settings);
 
 /// Operations that exclude each other; checked before the frame log is opened.

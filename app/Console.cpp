@@ -44,8 +44,8 @@ void end_application()
     a = nullptr;
 }
 
-/// Without a text stream of its own: making one opens the standard output anew, and the device
-/// waits for its next row meanwhile.
+/// Without a text stream of its own: creating one reopens standard output, and the device waits for
+/// its next row meanwhile.
 void slot_progress(unsigned int processed, unsigned int total)
 {
     const unsigned int percentage = total == 0 ? 0 : processed * 100U / total;

@@ -7,13 +7,13 @@
 #include <QTextStream>
 
 // The output channels of the tool and the functions that the device's signals end in. They are
-// process-wide because they have to be there before main() and until the very end of the process,
-// whichever way it ends.
+// process-wide because they must exist before main() and until the very end of the process, however
+// it ends.
 
-/// The application object, made first thing in main().
+/// The application object, created first in main().
 extern QCoreApplication* a;
-/// Standard output, buffered: what is written shows when it is flushed, when 16 KiB have gathered,
-/// or when the process exits.
+/// Standard output, buffered: what is written appears when it is flushed, when 16 KiB have
+/// accumulated, or when the process exits.
 extern QTextStream out;
 /// The frame log; closed, and then not written, unless the command line names one.
 extern QFile serial_record;
@@ -32,8 +32,7 @@ void slot_command_received(QByteArray frame);
 void slot_command_transmitted(QByteArray frame);
 /// Processes the application's pending events once; the device calls it while it polls.
 void process_events_handler();
-/// Processes events for a second, never less: what is still on its way leaves before the port is
-/// closed.
+/// Processes events for at least a second, so that bytes in flight leave before the port is closed.
 void let_pending_events_pass();
 
 /// Writes the usage text to the console.

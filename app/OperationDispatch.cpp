@@ -42,7 +42,7 @@ std::optional<Failure> OperationDispatch::run()
     return std::nullopt;
 }
 
-/// Erases by itself, page by page; "-e" makes it erase and write pages that already match, too.
+/// Erases page by page as needed; with "-e", pages that already match are also erased and written.
 std::optional<Failure> OperationDispatch::write_and_verify()
 {
     if (auto failure = load(m_settings.write_and_verify_file, QStringLiteral("write-and-verify"))) {
@@ -66,8 +66,8 @@ std::optional<Failure> OperationDispatch::erase()
                     "Erase all flash failed? Aborting...\n");
     }
     if (m_settings.limited_erase_wanted) {
-        // The area flags travel as addresses and the addresses as area flags. Deliberately kept:
-        // a limited erase erases what it always has.
+        // The two addresses are passed as the area flags and the area flags as the addresses.
+        // docs/user-guide.md explains the effect.
         return tell(m_device.erase_range(m_settings.erase_range.lower != 0,
                                          m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
                                          unencrypted ? 1 : 0),
@@ -96,8 +96,8 @@ std::optional<Failure> OperationDispatch::write()
                 "Memory range written!\n", "Failed to write memory range, aborting...\n");
 }
 
-/// A file that cannot be opened any more does not stop the read: the device is asked all the same,
-/// and saving reports what is wrong with the file.
+/// A file that can no longer be opened does not stop the read: the device is read anyway, and
+/// saving reports what is wrong with the file.
 std::optional<Failure> OperationDispatch::read()
 {
     if (!m_settings.read_wanted && !m_settings.limited_read_wanted) {

@@ -266,7 +266,7 @@ std::optional<Failure> on_log(Scan& scan)
     if (!scan.settings.log_file.isEmpty()) {
         return Failure{QStringLiteral("Please specify only one serial debug file.\n")};
     }
-    // Without a name the option is passed over.
+    // Without a name the option is ignored.
     scan.settings.log_file = scan.following.value(0);
     return std::nullopt;
 }

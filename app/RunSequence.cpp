@@ -193,8 +193,8 @@ int run_sequence(int& argc, char** argv)
             return EXIT_FAILURE;
         }
     } catch (...) {
-        // Nobody catches it further out, and so it ends the process abnormally. But the device has
-        // been destroyed on the way here: its port is closed, and no lock keeps others out of it.
+        // Nothing further out catches it, so it ends the process abnormally. But the device has
+        // been destroyed on the way here: its port is closed, and no lock keeps other runs out.
         throw;
     }
     return EXIT_SUCCESS;

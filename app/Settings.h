@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// A pair of addresses as typed, handed on unchanged.
+/// A pair of addresses as typed, passed on unchanged.
 struct TypedRange {
     unsigned int lower = 0;
     unsigned int upper = 0;

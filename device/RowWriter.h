@@ -21,8 +21,8 @@ public:
 
     /// Reports that nothing has been done yet and opens the port.
     bool begin();
-    /// A row that the image does not touch counts as done but is not sent: what the device holds
-    /// there is none of the image's business.
+    /// A row that the image does not touch counts as done but is not sent, so that the device keeps
+    /// what it holds there.
     bool write_flash_row(unsigned int address);
     /// Rows are written whether the image touches them or not, with filler where it does not.
     bool write_eeprom_rows(AddressRange rows);

@@ -30,8 +30,8 @@ Reason check_range(const Profile& profile, AddressRange range, const QString& ou
 /// Reports that the user asked to stop, if so; true if not.
 bool goes_on(ZarnSerialDevice& device, const bool& abort_requested);
 
-/// Calls `row` with the address of each row for as long as it returns true and nobody asks to stop.
-/// `step` must not be 0.
+/// Calls `row` with the address of each row for as long as it returns true and no stop is
+/// requested. `step` must not be 0.
 bool walk(ZarnSerialDevice& device, AddressRange rows, unsigned int step,
           const bool& abort_requested, const std::function<bool(unsigned int)>& row);
 

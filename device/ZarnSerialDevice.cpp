@@ -15,7 +15,7 @@ ZarnSerialDevice::ZarnSerialDevice(QString port, void (*events)(), unsigned int 
       m_baud(baud)
 {
     m_timer.setSingleShot(true);
-    // A coarse timer may fire early by a twentieth of the wait and cut an answer off.
+    // A coarse timer may fire early by a twentieth of the wait and cut off an answer.
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, &m_event_loop, &QEventLoop::quit);
     connect(&m_port, &QSerialPort::readyRead, this, &ZarnSerialDevice::rxdata);
@@ -56,12 +56,12 @@ void ZarnSerialDevice::process_events()
     }
 }
 
-/// The notifier of a port that is gone fires without end and would keep a core busy through every
-/// wait that follows. A closed port is silent, so what is left of the run sees a device that does
-/// not answer. It counts as open: whatever has its name by now may be another device.
+/// The notifier of a port that is gone fires endlessly and would keep a core busy through every
+/// wait that follows. A closed port is silent, so the rest of the run sees a device that does not
+/// answer. The port counts as open: whatever has its name by now may be another device.
 ///
-/// A port that is still there may report an error, too, such as when another process takes a byte
-/// from under it. Some errors stop its notifications until it is read from.
+/// A port that is still there may also report an error, such as when another process reads a byte
+/// from it. Some errors stop its notifications until it is read.
 ///
 /// The error itself says nothing of this, and may belong to an earlier opening of the port.
 void ZarnSerialDevice::look_after_port(QSerialPort::SerialPortError error)

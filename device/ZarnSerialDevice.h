@@ -23,9 +23,9 @@ class QFile;
 /// the calling thread, and only one operation may run at a time.
 ///
 /// While an operation waits for the device, events are handled. A command or an entry procedure
-/// that is begun then fails at once, with a message, and leaves the one that waits alone. Nobody
-/// may end the event loops then, as QCoreApplication::quit() does: the command that waits fails
-/// with a message and is not repeated, and so does each that follows until the application's event
+/// that is started then fails at once, with a message, and does not disturb the one that waits. The
+/// event loops must not be ended then, as QCoreApplication::quit() does: the waiting command fails
+/// with a message and is not repeated, and so does each one after it until the application's event
 /// loop runs again.
 ///
 /// Addresses are byte addresses of the image unless said otherwise; the commands on the line carry
@@ -46,7 +46,7 @@ public:
     // ---- the line -------------------------------------------------------------------------
 
     /// True at once when the port is open. One that has vanished since it was opened counts as open
-    /// and silent until the entry procedure opens it anew.
+    /// and silent until the entry procedure opens it again.
     bool open_port();
     /// Reports a message (debug channel and sig_error); always false.
     bool error(QString message);
@@ -142,9 +142,9 @@ Q_SIGNALS:
 private:
     Q_SLOT void rxdata();
 
-    /// How a wait for the device went. `Ended`: somebody ended the event loops.
+    /// The outcome of a wait for the device. `Ended`: the event loops were ended.
     enum class Wait { FrameComplete, TimedOut, Ended };
-    /// How an attempt at a command went. `Ended`: nobody waits for an answer any more.
+    /// The outcome of an attempt at a command. `Ended`: the wait for an answer has been ended.
     enum class Attempt { Succeeded, Failed, Ended };
 
     // The line.

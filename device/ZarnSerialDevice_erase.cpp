@@ -1,6 +1,6 @@
 // Erasing flash. Pages are gathered into runs as long as the one-byte count of a command allows;
-// pages that are left out split the runs. The first run is deliberately addressed at the lowest
-// page of flash, wherever the pages begin. The command: Protocol.h.
+// pages that are left out split the runs. The first run is always addressed at the lowest page of
+// flash, wherever the pages begin. The command: Protocol.h.
 
 #include "device/GeometryChecks.h"
 #include "device/Rows.h"

@@ -1,6 +1,6 @@
 // Which device it is: the version selects a profile, and the profile the rate of the line. The
 // entry procedure catches a bootloader that is starting, or finds one that runs already; it polls,
-// and handles no events itself. The probe and its reply are no frames: docs/protocol.md, "Entry".
+// and handles no events itself. The probe and its reply are not frames: docs/protocol.md, "Entry".
 
 #include "device/Protocol.h"
 #include "device/ZarnSerialDevice.h"

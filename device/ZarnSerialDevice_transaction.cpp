@@ -1,6 +1,6 @@
 // One command and its answer: the frame goes out, the event loop runs until an answer is complete
-// or the time is up, and what was wrong is collected until the attempts are used up. A wait never
-// looks at what is in the buffer already, so an echo and an answer that come together cost the
+// or the timeout expires, and errors are collected until the attempts are used up. A wait never
+// looks at what is already in the buffer, so an echo and an answer that arrive together cost the
 // whole wait. The rules: docs/protocol.md.
 
 #include "device/Protocol.h"
@@ -13,7 +13,7 @@
 namespace
 {
 
-/// A command that nobody answers is sent once and not waited for.
+/// A command without an answer is sent once and not waited for.
 Reason check_arguments(unsigned short expected_response_length, unsigned char max_attempts,
                        int timeout)
 {
@@ -46,7 +46,7 @@ bool ZarnSerialDevice::read_until_terminated_or_timed_out(int timeout)
            (!refuse_within_a_wait() && wait_for_frame(timeout) == Wait::FrameComplete);
 }
 
-/// A second command would take the first one's response away from it.
+/// A second command would take the response of the first one.
 bool ZarnSerialDevice::refuse_within_a_wait()
 {
     if (m_is_waiting) {
@@ -60,7 +60,7 @@ bool ZarnSerialDevice::fail_for_ended_wait()
     return error(QStringLiteral("the wait for the device was ended from outside"));
 }
 
-/// Handles events until data completes a frame, the time is up or somebody ends the event loops,
+/// Handles events until data completes a frame, the timeout expires or the event loops are ended,
 /// which leaves the timer running.
 ZarnSerialDevice::Wait ZarnSerialDevice::run_event_loop(int timeout)
 {
@@ -90,8 +90,8 @@ void ZarnSerialDevice::discard_pending()
     m_receive_buffer.clear();
 }
 
-/// Gives the frame to the system now instead of at the next turn of the event loop. A line that has
-/// no room at the moment is not a port in trouble: the rest goes out when there is room.
+/// Writes the frame to the system now instead of at the next turn of the event loop. A line that
+/// has no room at the moment is not an error: the rest is sent when there is room.
 void ZarnSerialDevice::hand_over()
 {
     const QSignalBlocker no_error_signal(m_port);
@@ -99,7 +99,7 @@ void ZarnSerialDevice::hand_over()
 }
 
 /// A frame that the port did not take whole is not a failure by itself: the device will not answer
-/// it, and the wait that follows finds out.
+/// it, and the wait that follows times out.
 void ZarnSerialDevice::transmit(const QByteArray& frame)
 {
     const auto written = static_cast<unsigned short>(m_port.write(frame));

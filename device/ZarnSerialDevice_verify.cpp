@@ -1,6 +1,6 @@
-// Comparing the device with an image, row by row, as far as the image goes. A row that comes back
-// wrong is read again, because a line may spoil what the checksum does not see. The last row of a
-// memory is read so that it ends where the memory does. The command: Protocol.h.
+// Comparing the device with an image, row by row, as far as the image goes. A row that differs is
+// read again, because the line may cause errors that the checksum does not detect. The last row of
+// a memory is read so that it ends where the memory does. The command: Protocol.h.
 
 #include "device/GeometryChecks.h"
 #include "device/Rows.h"

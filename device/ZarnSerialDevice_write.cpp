@@ -1,5 +1,5 @@
-// Writing an image, row by row. Flash rows that the image does not touch are passed over, EEPROM
-// rows within reach are always written. Nothing is erased and nothing is read back. The command:
+// Writing an image, row by row. Flash rows that the image does not touch are skipped, EEPROM rows
+// within its range are always written. Nothing is erased and nothing is read back. The command:
 // Protocol.h.
 
 #include "device/GeometryChecks.h"

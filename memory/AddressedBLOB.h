@@ -32,6 +32,6 @@ public:
     /// The whole blob in records of 16 bytes; `upper` is the upper address half in force before it.
     bool write_content_to_file(QFile& file, unsigned short upper) const;
 
-    /// Byte address of byte 0; whoever makes a blob sets it.
+    /// Byte address of byte 0; set by the creator of the blob.
     unsigned int address = 0;
 };

@@ -117,7 +117,7 @@ bool MemoryMap::store_records(intel_hex::RecordReader& reader, const QSet<unsign
         case IntelHexFileRecordType::StartSegmentAddress:
             return report("MemoryMap::load_from_hex_file(): encountered StartSegmentAddress in hex "
                           "file");
-        default: // types without a meaning of their own are passed over
+        default: // other types are skipped
             upper = intel_hex::upper_address_after(record, upper);
             break;
         }

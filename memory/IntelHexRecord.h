@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-/// Intel HEX records: what stands in one, and how it is taken apart. Pure functions over
+/// Intel HEX records: their content, and how they are parsed. Pure functions over
 /// characters, without files or messages.
 namespace intel_hex
 {
@@ -36,7 +36,7 @@ const char* message_of(RecordOutcome outcome);
 
 struct ParsedRecord {
     RecordOutcome outcome;
-    /// How many characters after the colon fit. If the record is neither complete nor spoiled by
+    /// How many characters after the colon fit. If the record is neither complete nor damaged by
     /// its checksum alone, the next one is no digit, or there is none.
     std::ptrdiff_t consumed;
 };

@@ -80,11 +80,11 @@ std::optional<char> RecordReader::peek() const
     return m_at != m_end ? std::optional<char>(*m_at) : std::nullopt;
 }
 
-/// Looks at whole blocks at once: of a large file that is no HEX file, all is gone through.
+/// Searches whole blocks at once: a large file that is not a HEX file is searched to its end.
 bool RecordReader::find_colon()
 {
     while (m_at != m_end || refill()) {
-        if (*m_at == ':') { // nearly always: nothing stands between the records
+        if (*m_at == ':') { // nearly always: there is nothing between the records
             return true;
         }
         const char* const colon = find(m_at, m_end, ':');

@@ -19,8 +19,8 @@ struct TextPosition {
 };
 
 /// Goes through the records of a file from its current position on. The file is read in blocks,
-/// past QFile's own buffer and position, and never waited on for more than the record at hand
-/// needs: whoever types or pipes an image may stop after its end record.
+/// past QFile's own buffer and position, and never waited on for more than the current record
+/// needs: a terminal or pipe may stop after the end record of its image.
 class RecordReader
 {
 public:

@@ -10,7 +10,7 @@
 namespace
 {
 
-/// Text is handed to the file in blocks of about this many bytes.
+/// Text is written to the file in blocks of about this many bytes.
 constexpr int block_size = 64 * 1024;
 /// Content is turned into text in pieces of this many bytes, a multiple of a record's: about a
 /// third of a block.
@@ -21,7 +21,7 @@ bool put(QFile& file, const QByteArray& text)
     return file.write(text) == text.size();
 }
 
-/// Gathers records, also those of many small blobs, and hands them to the file in blocks.
+/// Collects records, also those of many small blobs, and writes them to the file in blocks.
 class RecordBlocks
 {
 public:

@@ -53,7 +53,7 @@ public:
 
     /// Builds a profile from the fields of one table row, field n giving attribute n. Needs at
     /// least `_enum_size` fields. A field that does not convert, or words-per-address of 0 for a
-    /// memory that has words, is told on the debug channel and ends in a thrown QException.
+    /// memory that has words, is reported on the debug channel and ends in a thrown QException.
     explicit Profile(QStringList fields);
 
     /// The attribute whose key name is exactly `key`, or -1.

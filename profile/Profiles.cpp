@@ -14,7 +14,7 @@
 namespace
 {
 
-/// The exception goes out as a pointer: nobody is meant to catch it, the table has to be mended.
+/// The exception is thrown as a pointer and not meant to be caught: the table has to be corrected.
 [[noreturn]] void fail(const QString& message)
 {
     qDebug() << message;

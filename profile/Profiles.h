@@ -9,7 +9,7 @@
 #include <memory>
 
 /// The one registry of device profiles, from 16-bit bootloader version to Profile. The first
-/// question to it reads ./device.txt; whatever is wrong with that file is told on the debug
+/// question to it reads ./device.txt; any error in that file is reported on the debug
 /// channel and leaves that first call as a thrown `QException*`.
 class Profiles : public QObject
 {
@@ -22,7 +22,7 @@ public:
     static QStringList dump();
     static bool has_profile(unsigned short version);
     /// The profile of `version`, owned by the registry. Asking for an unknown version returns null
-    /// and leaves a null entry behind: ask has_profile() first.
+    /// and leaves a null entry: ask has_profile() first.
     static Profile* get_profile(unsigned short version);
     /// The smallest max_baud of all profiles; 4294967295 when there is none.
     static unsigned int get_lowest_baud();

@@ -4,22 +4,22 @@
 
 class QFile;
 
-/// What only the operating system can answer or do. The product's other sources do without its
+/// Questions and requests to the operating system. The tool's other sources do not include its
 /// headers.
 namespace Platform
 {
 
 /// Opens those of standard input, output and error that the process was started without on a device
-/// that swallows everything, so that no file or port that is opened later gets their descriptors
-/// and with them what is printed. To be called before anything is opened.
+/// that discards everything, so that no file or port that is opened later gets their descriptors
+/// and receives what is printed. To be called before anything is opened.
 void occupy_standard_descriptors();
 
 /// From here on, writing to a pipe whose reader has gone away, or to a file that must not grow any
 /// further, fails; by itself it would end the process.
 void let_impossible_writes_fail();
 
-/// Reads up to `size` bytes from where the open file stands, past its buffer. Waits while there is
-/// nothing to read, and no longer. 0 at the end of the file, -1 for an error.
+/// Reads up to `size` bytes from the open file's current position, past its buffer. Waits while
+/// there is nothing to read, and no longer. 0 at the end of the file, -1 for an error.
 qint64 read_available(QFile& file, char* data, qint64 size);
 
 /// Whether the device that the open `descriptor` (QSerialPort::handle()) stands for has gone away.
