@@ -38,10 +38,10 @@ struct Exchange {
 /// While starting it answers the probe, heard at 9600 baud, and then runs. Frames are understood at
 /// the profile's rate; one that comes while starting makes the device run just as a probe does. A
 /// running device also hears the version command at 460800 baud. Bytes at any other rate are noise
-/// that also spoils a frame begun before.
+/// that also damages a frame begun before.
 ///
-/// Where the profile's rate is 9600 too, a starting device can't tell a probe from the sync symbol
-/// of a frame. It answers as for a probe and still follows the frame.
+/// Where the profile's rate is 9600 too, a starting device can't distinguish a probe from the sync
+/// symbol of a frame. It answers as for a probe and still follows the frame.
 class Bootloader
 {
 public:

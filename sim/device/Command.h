@@ -31,7 +31,7 @@ struct Command {
     /// A command of its kind that the device did not carry out: its address, count or length is
     /// none that this device has, or it would touch the bootloader.
     bool refused = false;
-    /// It never got through to the device: lost or spoiled on the way, or the device has no power.
+    /// It did not reach the device: lost or damaged on the way, or the device has no power.
     bool ignored = false;
 
     /// The command is about flash or EEPROM: a read, a write or an erase.

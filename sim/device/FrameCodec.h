@@ -10,7 +10,7 @@ namespace sim
 /// The frame that carries `payload` on the line.
 QByteArray make_frame(const QByteArray& payload);
 
-/// Finds frames in a stream of bytes. A device has nobody to complain to: whatever is not a sound
+/// Finds frames in a stream of bytes. A device cannot report errors: whatever is not a valid
 /// frame is dropped, and the next pair of sync symbols starts anew.
 class FrameReceiver
 {

@@ -1,9 +1,9 @@
 #pragma once
 
-// This folder is a healthy device: frames, commands, flash and EEPROM with their rules, and the state
-// that decides what is heard. It was written from the device's side and shares nothing with the tool's
-// own codec, or both could make the same mistake. Faults have no place in it: they come in through its
-// filters, gate and store. docs/protocol.md has the format of frames and commands.
+// This folder is a healthy device: frames, commands, flash and EEPROM with their rules, and the
+// state that decides what is heard. It was written from the device's side and shares nothing with
+// the tool's own codec, or both could make the same mistake. Faults have no place in it: they come
+// in through its filters, gate and store. docs/protocol.md has the format of frames and commands.
 
 #include "sim/device/Bootloader.h"
 #include "sim/device/Command.h"
@@ -42,8 +42,8 @@ struct Options {
     int latency_ms = 0;    ///< see LineOptions
     int erase_page_ms = 0; ///< what the device needs to erase a page
     int write_row_ms = 0;  ///< and to write a row
-    /// Keeps every command and byte for whoever looks at them later. A device that serves for long
-    /// had better only count.
+    /// Keeps every command and byte for later inspection. A device that runs for long should only
+    /// count them.
     bool keeps_record = true;
 };
 
@@ -98,20 +98,20 @@ public:
     /// The line with its figures.
     const Line& line() const { return m_line; }
 
-    /// Asked for every command what to put on the line instead of its answer. The answer handed in
-    /// is complete: a whole frame, the raw reply for a probe, empty where the device stays silent.
-    /// No delivery drops it; the bytes of each of several deliveries can be read apart. An empty
-    /// filter lets answers pass as they are.
+    /// Called for every command; returns what to put on the line instead of its answer. The answer
+    /// passed in is complete: a whole frame, the raw reply for a probe, empty if the device stays
+    /// silent. No delivery drops it; the bytes of several deliveries can be read separately. An
+    /// empty filter lets answers pass as they are.
     void set_reply_filter(ReplyFilter filter) { m_filter = std::move(filter); }
 
-    /// Asked for what comes from the host before the device hears it, to spoil it on the way. Of no
-    /// consequence for the echo.
+    /// Called with the bytes from the host before the device receives them, to damage them on the
+    /// way. Does not affect the echo.
     void set_request_filter(RequestFilter filter) { m_request_filter = std::move(filter); }
 
-    /// Asked for every command what of it gets to the device.
+    /// Called for every command; returns what of it reaches the device.
     void set_gate(Bootloader::Gate gate) { m_bootloader.set_gate(std::move(gate)); }
 
-    /// Asked for every write what of its data gets into the cells.
+    /// Called for every write; returns what of its data reaches the cells.
     void set_store(Bootloader::Store store) { m_bootloader.set_store(std::move(store)); }
 
     /// Closes the line at both ends, as when the adapter is pulled out; drops what was still due.

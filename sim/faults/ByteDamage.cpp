@@ -6,7 +6,7 @@ namespace sim
 namespace
 {
 
-/// The low bits of the draw, which take no part in the chance, choose the bit.
+/// The low bits of the draw, which do not affect the probability, choose the bit.
 char turn_bit(char byte, std::uint64_t draw)
 {
     return static_cast<char>(static_cast<unsigned char>(byte) ^ (1U << (draw & 7U)));

@@ -147,7 +147,7 @@ void Line::set_alarm()
     if (!next) {
         return;
     }
-    // Somebody waits for the end of a piece; being exact about every slice would keep a core busy.
+    // A receiver waits for the end of a piece; exact timing of every slice would keep a core busy.
     if (m_to_device.next_is_ending() || m_to_host.next_is_ending()) {
         m_alarm.set_exactly(*next);
     } else {

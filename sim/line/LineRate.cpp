@@ -1,4 +1,4 @@
-// On its own because the kernel's terminal structures, which alone tell custom rates, clash with
+// On its own because the kernel's terminal structures, which alone report custom rates, clash with
 // those of <termios.h>.
 #include "sim/line/LineRate.h"
 

@@ -11,7 +11,7 @@ namespace
 constexpr qint64 bits_per_byte = 10;
 constexpr qint64 ns_per_second = 1000000000;
 
-/// Short enough that no host can tell, long enough that fast lines don't wake the machine for
+/// Short enough that no host notices, long enough that fast lines don't wake the machine for
 /// every byte.
 constexpr qint64 slice_ns = 1000000;
 /// Longer than a host on a system that is not busy takes to wake: it is awake when the end comes.

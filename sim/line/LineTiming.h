@@ -7,12 +7,12 @@
 namespace sim
 {
 
-/// Bytes that pass on the line together, as far as anybody can tell.
+/// Bytes that pass on the line together, as far as the host can observe.
 struct Slice {
     int offset = 0; ///< of its first byte in the bytes it was cut from
     int count = 0;
     qint64 due_ns = 0;   ///< when its last byte has passed
-    bool ending = false; ///< among the last, which somebody waits for
+    bool ending = false; ///< among the last, which a receiver waits for
 
     bool operator==(const Slice& other) const
     {

@@ -13,8 +13,8 @@ namespace
 /// Bytes just written need a moment to get through the terminal before they count as waiting for
 /// the host; until then "nothing waiting" does not mean that they have been read.
 constexpr qint64 settle_ns = 2000000;
-/// A host that has not read after so many looks, as far apart as this or more, is not going to tell
-/// pieces apart. Looks are counted and not time, for a machine that stands still for a while is not
+/// A host that has not read after so many looks, at least this far apart, will not read pieces
+/// separately. Looks are counted instead of time, because a machine that stalls for a while is not
 /// a host that doesn't read.
 constexpr int patience = 50;
 constexpr qint64 look_ns = 1000000;

@@ -38,7 +38,7 @@ public:
     std::optional<Due> take(qint64 now_ns);
     /// When there will be something to take.
     std::optional<qint64> next_due_ns() const;
-    /// That will be among the last bytes of its piece, for which somebody waits.
+    /// That will be among the last bytes of its piece, for which a receiver waits.
     bool next_is_ending() const;
 
     bool is_empty() const { return m_waiting.empty(); }

@@ -11,7 +11,7 @@ namespace sim
 namespace
 {
 
-/// A number of a pseudo-terminal may be somebody else's by now, so that it exists says nothing.
+/// The number of a pseudo-terminal may have been reused, so its existence proves nothing.
 bool is_left_behind(const QFileInfo& file)
 {
     return file.isSymLink() &&

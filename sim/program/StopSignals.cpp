@@ -12,7 +12,7 @@ namespace sim
 namespace
 {
 
-/// Somebody else has seen to it that the signal is ignored, as nohup does.
+/// Whether the signal is ignored, as under nohup.
 bool is_ignored(int signal)
 {
     struct sigaction action {

@@ -20,7 +20,7 @@
 namespace sim
 {
 
-/// What is told of a device's run when it is over.
+/// What is reported about a device's run when it is over.
 struct Summary {
     struct Pace {
         Lateness lateness;
