@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Checks that every test which docs/traceability.md names exists.
+# Checks that every test which docs/traceability.md names exists, and that a "—", which stands where no
+# test holds a behaviour, is followed by the reason.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -8,6 +9,11 @@ rows=$(grep '^| ' docs/traceability.md)
 names=$(grep -oE '`[A-Z][A-Za-z0-9]*\.[A-Za-z][A-Za-z0-9_]*`' <<<"$rows" | sed 's/`//g')
 suites=$(grep -oE 'the suites? `[A-Za-z0-9]+`(, `[A-Za-z0-9]+`)*' <<<"$rows" |
     grep -oE '`[A-Za-z0-9]+`' | sed 's/`//g')
+
+if grep -E '\|[[:space:]]*(—[[:space:]]*)?\|$' <<<"$rows"; then
+    echo "docs/traceability.md gives neither a test nor a reason here." >&2
+    exit 1
+fi
 
 # Joined into one line, because a long name may stand on a line of its own.
 tests=$(find tests -name '*.cpp' -exec cat {} + | tr '\n' ' ' |

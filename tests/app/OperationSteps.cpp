@@ -37,18 +37,18 @@ Step erase_step(unsigned int page)
     return {erase_page(page), {}, erase_failure(page), {page, QByteArray(0x40, '\xFF')}};
 }
 
-Step flash_step(unsigned int address, const QByteArray& row, const QByteArray& told)
+Step flash_step(unsigned int address, const QByteArray& row, const QByteArray& printed)
 {
     return {write_flash(address, row),
-            told,
+            printed,
             "unable to write flash row at address 0x" + digits(address).toUpper() + "\n",
             {address, row}};
 }
 
-Step eeprom_step(unsigned int address, const QByteArray& row, const QByteArray& told)
+Step eeprom_step(unsigned int address, const QByteArray& row, const QByteArray& printed)
 {
     return {write_eeprom(address, row),
-            told,
+            printed,
             "unable to write EEPROM row at address 0x" + digits(address).toUpper() + "\n",
             {address, row}};
 }
@@ -60,9 +60,9 @@ Step compare_step(unsigned int page, unsigned int row)
         read_flash(row), {}, given_up_on_silence() + erase_failure(page), {}, {erase_page(page)}};
 }
 
-Step read_back_step(unsigned int row, const QByteArray& told)
+Step read_back_step(unsigned int row, const QByteArray& printed)
 {
-    return {read_flash(row), told,
+    return {read_flash(row), printed,
             "unable to verify read flash row at address 0x" + digits(row).toUpper() + "\n"};
 }
 

@@ -14,7 +14,7 @@ struct Step {
     Commands aftermath{};
 };
 
-/// An operation of the tool on a device that does as it is told.
+/// An operation of the tool on a device that does what it is asked to.
 struct Operation {
     const char* name;
     const char* arguments;
@@ -25,7 +25,7 @@ struct Operation {
     QByteArray failed;
     QByteArray done;
     /// Whether what is printed at the start appears before the progress.
-    bool tells_begin_at_once = false;
+    bool shows_begin_at_once = false;
     std::vector<Piece> saved{}; ///< to out.hex
 };
 

@@ -45,7 +45,7 @@ extern const char* const reset;
 /// The progress line at each of these percentages.
 QByteArray progress(std::initializer_list<int> percentages);
 
-/// What is told of a command that is answered as no such command is, every time.
+/// The console text after a command whose every answer is that of no command.
 QByteArray given_up_on_wrong_answers();
 /// How often a command is sent before it is given up.
 constexpr std::size_t attempts = 40;
@@ -71,7 +71,7 @@ protected:
     static ToolResult failed(const QByteArray& text);
 
     /// Gives every command from the one of this sequence on this reply, empty for none; `count`
-    /// commands only, if told.
+    /// commands only, if given.
     void reply_from(unsigned int sequence, const QByteArray& reply, std::size_t count = SIZE_MAX);
 
 private:

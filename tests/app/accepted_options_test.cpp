@@ -342,7 +342,7 @@ TEST(Scan, ChecksEveryNamedFileButTheLogWhenItsOptionIsMet)
     EXPECT_EQ(checked_files(), words("a.hex b.hex c.hex d.hex e.hex f.hex"));
 }
 
-TEST(Scan, ChecksNoFileBehindARefusal)
+TEST(Scan, ChecksNoFileAfterARefusal)
 {
     checked_files().clear();
     Settings settings;

@@ -22,7 +22,7 @@ std::string name_of(const testing::TestParamInfo<RefusedLine>& info)
 
 } // namespace
 
-TEST_P(RefusedOptions, AreToldWithoutTheUsageText)
+TEST_P(RefusedOptions, AreReportedWithoutTheUsageText)
 {
     Settings settings;
     const std::optional<Failure> outcome =

@@ -181,7 +181,7 @@ class RequestCheck : public testing::TestWithParam<CheckCase>
 
 } // namespace
 
-TEST_P(ConflictCheck, TellsTheFirstConflictWithoutTheUsageText)
+TEST_P(ConflictCheck, ReportsTheFirstConflictWithoutTheUsageText)
 {
     const std::optional<Failure> outcome = command_line::check_conflicts(changed(GetParam()));
     EXPECT_EQ(message_of(outcome), GetParam().message);
@@ -190,7 +190,7 @@ TEST_P(ConflictCheck, TellsTheFirstConflictWithoutTheUsageText)
 
 INSTANTIATE_TEST_SUITE_P(Settings, ConflictCheck, testing::ValuesIn(conflicts), name_of);
 
-TEST_P(RequestCheck, TellsTheFirstFaultWithTheUsageText)
+TEST_P(RequestCheck, ReportsTheFirstFaultWithTheUsageText)
 {
     const std::optional<Failure> outcome = command_line::check_request(changed(GetParam()));
     EXPECT_EQ(message_of(outcome), GetParam().message);

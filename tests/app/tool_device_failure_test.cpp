@@ -175,7 +175,7 @@ TEST_F(ToolDeviceFailure, ByASingleWrongReadBackEndsAWriteAndVerify)
     EXPECT_EQ(commands_of(m_device), m_lower_written);
 }
 
-TEST_F(ToolDeviceFailure, ByASingleWrongReadHasAGoodPageWrittenAnew)
+TEST_F(ToolDeviceFailure, ByASingleWrongReadHasAGoodPageRewritten)
 {
     load_device();
     reply_from(1, frame(read_flash(0xA0).c_str(), m_lower), 1);
@@ -185,7 +185,7 @@ TEST_F(ToolDeviceFailure, ByASingleWrongReadHasAGoodPageWrittenAnew)
                                       m_page_written + Commands{m_write_eeprom}));
 }
 
-TEST_F(ToolDeviceFailure, OfAComparisonIsToldAndHasThePageWrittenAnew)
+TEST_F(ToolDeviceFailure, OfAComparisonIsReportedAndHasThePageRewritten)
 {
     load_device();
     reply_from(0, frame("02"), attempts);

@@ -71,7 +71,7 @@ TEST_F(ToolEntry, GivesUpOnADeviceThatNeverAnswers)
     EXPECT_EQ(heard_by(device), hex(("UUUUU" + version_frame.repeated(3)).repeated(5)));
 }
 
-TEST_F(ToolEntry, TakesAReplyInPiecesBehindOtherBytes)
+TEST_F(ToolEntry, TakesAReplyInPiecesAfterOtherBytes)
 {
     sim::SimulatedDevice device(twin());
     answer_probes(device,
@@ -79,7 +79,7 @@ TEST_F(ToolEntry, TakesAReplyInPiecesBehindOtherBytes)
     EXPECT_EQ(run(device, ""), exited(0, retrieved("0102") + success));
 }
 
-TEST_F(ToolEntry, TakesTheVersionBehindTheMarkerOnly)
+TEST_F(ToolEntry, TakesTheVersionAfterTheMarkerOnly)
 {
     sim::SimulatedDevice device(twin());
     answer_probes(device, {{QByteArray("\x02\x03QV\x01\x02\x03\x04"), 0}});

@@ -5,7 +5,7 @@ namespace
 
 struct EraseCase {
     const char* name;
-    const char* arguments; ///< behind the version
+    const char* arguments; ///< after the version
     std::vector<std::string> commands;
 };
 

@@ -30,7 +30,7 @@ protected:
 
 } // namespace
 
-TEST_F(ToolLink, HealsLostAnswersInSilence)
+TEST_F(ToolLink, RetriesLostAnswersInSilence)
 {
     sim::SimulatedDevice device(solo());
     script_replies(device, {{}, {}, {{acknowledgement}}, {}});
@@ -39,7 +39,7 @@ TEST_F(ToolLink, HealsLostAnswersInSilence)
     expect_written(device);
 }
 
-TEST_F(ToolLink, HealsDamagedAnswersAndTellsEachAtOnce)
+TEST_F(ToolLink, RetriesDamagedAnswersAndReportsEachAtOnce)
 {
     sim::SimulatedDevice device(solo());
     script_replies(device, {{{QByteArray::fromHex("555502FD04")}},
@@ -60,7 +60,7 @@ TEST_F(ToolLink, HealsDamagedAnswersAndTellsEachAtOnce)
     expect_written(device);
 }
 
-TEST_F(ToolLink, HealsAnswersCutShort)
+TEST_F(ToolLink, RetriesAnswersCutShort)
 {
     sim::SimulatedDevice device(solo());
     script_replies(device, {{{QByteArray::fromHex("555502FE")}}});
@@ -96,7 +96,7 @@ TEST_F(ToolLink, StripsAnEchoThatComesWithTheAnswer)
     expect_written(device);
 }
 
-TEST_F(ToolLink, FindsTheEntryReplyBehindTheProbesEcho)
+TEST_F(ToolLink, FindsTheEntryReplyAfterTheEchoOfTheProbe)
 {
     sim::SimulatedDevice device(solo(), {sim::Entry::Probe, sim::Options::Echo::Apart});
     EXPECT_EQ(run(device, "-h -e"),
@@ -106,7 +106,7 @@ TEST_F(ToolLink, FindsTheEntryReplyBehindTheProbesEcho)
     EXPECT_EQ(commands_of(device), std::vector<std::string>{"0307400000"});
 }
 
-TEST_F(ToolLink, WithoutAnEchoThoughOneIsToldOfFails)
+TEST_F(ToolLink, WithoutTheEchoOfAHalfDuplexLineFails)
 {
     sim::SimulatedDevice device(solo());
     EXPECT_EQ(run(device, "-h -B 0203 -e"),

@@ -86,7 +86,7 @@ TEST_F(ToolLog, IsCompleteWhenTheRunFails)
     EXPECT_EQ(log(), "\nTX:55550307400000b604\nRX:555502fe04");
 }
 
-TEST_F(ToolLog, IsNotMadeUnasked)
+TEST_F(ToolLog, IsNotMadeWithoutItsOption)
 {
     sim::SimulatedDevice device(solo());
     run(device, "-B 0203 -e");

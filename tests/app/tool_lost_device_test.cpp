@@ -123,7 +123,7 @@ private:
 
     bool is_lost_at_probe() const { return m_begin == Begin::Entry && m_loss.command == 1; }
 
-    /// Of the command at which the device is lost; behind the last one for the reset.
+    /// Of the command at which the device is lost; after the last one for the reset.
     std::size_t step_lost() const { return m_loss.command - (m_begin == Begin::Entry ? 2 : 1); }
 
     bool is_lost_at_reset() const
@@ -169,14 +169,14 @@ private:
         return text;
     }
 
-    /// What is printed during the operation comes at once, the rest where it is told to or at the
+    /// What is printed during the operation comes at once, the rest where it is flushed or at the
     /// end.
     QByteArray output(const QByteArray& during, const QByteArray& end) const
     {
         const QByteArray version =
             m_begin == Begin::Entry ? "Retrieved version number during QV entry procedure: 0x0708\n"
                                     : "Version set to 0x0708 successfully!";
-        if (m_operation.tells_begin_at_once) {
+        if (m_operation.shows_begin_at_once) {
             return version + m_operation.begun + during + "\n" + end;
         }
         return m_begin == Begin::Entry ? during + version + m_operation.begun + end
@@ -292,7 +292,7 @@ TEST_F(ToolLostDevice, WithItsLineAtAnyCommandEndsTheRunAndTheNextOneRecovers)
     run();
 }
 
-TEST_F(ToolLostDevice, ByLossOfPowerBehindOrWithinAnAnswerEndsTheRunAndTheNextOneRecovers)
+TEST_F(ToolLostDevice, ByLossOfPowerAfterOrWithinAnAnswerEndsTheRunAndTheNextOneRecovers)
 {
     for (const auto moment : {Loss::Moment::Unanswered, Loss::Moment::HalfAnswered}) {
         add(write_and_verify(), Begin::VersionGiven, {Loss::Of::Power, moment});

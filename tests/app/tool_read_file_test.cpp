@@ -130,7 +130,7 @@ TEST_F(ToolReadFile, ThatHasGoneAwayStopsNoRangedReadEither)
     EXPECT_EQ(commands_of(m_device), (Commands{"0304400000", read_flash(0x80)}));
 }
 
-TEST_F(ToolReadFile, ThatHasGoneAwayIsToldBeforeAReadFails)
+TEST_F(ToolReadFile, ThatHasGoneAwayIsReportedBeforeAReadFails)
 {
     make_folder("folder");
     at_command(0, [this] { rename("folder", "gone"); });

@@ -27,7 +27,7 @@ class ToolReadOfAnother : public ToolTest
 {
 };
 
-/// What a range that lies outside is told.
+/// The message for a range that lies outside.
 QByteArray outside(const char* lower)
 {
     return QByteArray("Cannot read to address range 0xA 0xA outside of flash addresses 0xA 0xA or "

@@ -135,7 +135,7 @@ TEST_P(ToolWithBadTable, LeavesNoLockOnThePortOfADeviceThatRuns)
 INSTANTIATE_TEST_SUITE_P(Tables, ToolWithBadTable, testing::ValuesIn(bad_tables),
                          name_of<BadTable>);
 
-TEST_P(ToolWithBadFigure, TellsWhichAndSendsNothing)
+TEST_P(ToolWithBadFigure, ReportsWhichAndSendsNothing)
 {
     give_file("flash_at_zero.hex");
     give_file("eeprom.hex");

@@ -83,7 +83,7 @@ TEST_F(ToolVerify, OfEepromAloneReadsNoFlash)
     EXPECT_EQ(commands_of(m_device), (Commands{read_eeprom(0x1000), reset}));
 }
 
-TEST_F(ToolVerify, ReportsAFlippedByteBehindTheProgress)
+TEST_F(ToolVerify, ReportsAFlippedByteAfterTheProgress)
 {
     m_device.memory().preset(0xA1, QByteArray(1, '\x08'));
     EXPECT_EQ(operate("-v image.hex -R"),

@@ -40,14 +40,14 @@ TEST_F(ToolVersion, GivenIsTakenOnTrust)
     EXPECT_EQ(heard_by(m_device), "");
 }
 
-TEST_F(ToolVersion, GivenMakesTheEntryProcedureNeedless)
+TEST_F(ToolVersion, GivenMakesTheEntryProcedureUnnecessary)
 {
     EXPECT_EQ(run("-b -B 0x0102"),
               exited(0, QByteArray("Version set to 0x0102 successfully!") + success));
     EXPECT_EQ(heard_by(m_device), "");
 }
 
-TEST_F(ToolVersion, GivenMakesTheRequestNeedless)
+TEST_F(ToolVersion, GivenMakesTheRequestUnnecessary)
 {
     EXPECT_EQ(run("-B 0102 -V"),
               exited(0, QByteArray("Version set to 0x0102 successfully!") + success));

@@ -88,7 +88,7 @@ TEST_F(ToolWriteAndVerify, WritesEepromWithoutReadingItBack)
                         write_eeprom(0x1010, eeprom.mid(8) + QByteArray(8, '\xFF'))}));
 }
 
-TEST_F(ToolWriteAndVerify, TellsDevelopersOfBytesOutsideTheDevice)
+TEST_F(ToolWriteAndVerify, WarnsDevelopersOfBytesOutsideTheDevice)
 {
     put_image("image.hex", {{0x2000, counting(0, 8)}});
     const ToolResult result = operate("-wv image.hex");

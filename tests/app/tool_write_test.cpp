@@ -229,7 +229,7 @@ TEST_F(ToolWrite, RunsBetweenEraseAndReset)
                                                     counting(0x40, 32) + QByteArray(0x20, '\xFF'));
 }
 
-TEST_F(ToolWrite, WithEntryProcedureShowsTheVersionBehindTheProgress)
+TEST_F(ToolWrite, WithEntryProcedureShowsTheVersionAfterTheProgress)
 {
     give_file("solo_two_rows.hex");
     sim::SimulatedDevice device(solo());

@@ -21,7 +21,7 @@ inline Host newcomer()
     return host;
 }
 
-/// A device object that knows no device and one of the table that is entered as told.
+/// A device object that knows no device and one of the table that is entered as given.
 class EntryLine : public DeviceOnLine
 {
 public:

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 
 /// A device on a port that does not exist. (One that has vanished may come back at any time with
-/// another device behind it.)
+/// another device under that name.)
 struct MissingPort {
     explicit MissingPort(const char* name)
         : device(QStringLiteral("/dev/no such port"), nullptr, 9600, false, version_named(name)),

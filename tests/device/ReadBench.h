@@ -5,7 +5,7 @@
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/ProfileTable.h"
 
-/// A device full of bytes that tell where they belong, and a file to read them into.
+/// A device full of bytes that show where they belong, and a file to read them into.
 class ReadBench
 {
 public:

@@ -36,7 +36,7 @@ public:
         return written.readAll();
     }
 
-    /// What a firmware loader makes of it.
+    /// The map that a firmware loader reads from it.
     Content content() const
     {
         MemoryMap image(MemoryMap::default_chunk_size);

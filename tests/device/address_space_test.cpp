@@ -119,13 +119,13 @@ const Wrapping wrapping[] = {
     {"VerifyOfTheLastEepromRow", "eeprom-to-the-top", verify(0xFFFFFFF0), "eeprom_row_size 16"},
 };
 
-class WrappingSums : public testing::TestWithParam<Wrapping>
+class AddressSpaceWraps : public testing::TestWithParam<Wrapping>
 {
 };
 
 } // namespace
 
-TEST_P(WrappingSums, AreRefusedBeforeAnythingIsSent)
+TEST_P(AddressSpaceWraps, AreRefusedBeforeAnythingIsSent)
 {
     DeviceOnLine line(GetParam().device);
     EXPECT_FALSE(GetParam().operation(line.device));
@@ -139,9 +139,9 @@ TEST_P(WrappingSums, AreRefusedBeforeAnythingIsSent)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, WrappingSums, testing::ValuesIn(wrapping), row_name);
+INSTANTIATE_TEST_SUITE_P(, AddressSpaceWraps, testing::ValuesIn(wrapping), row_name);
 
-TEST(TopOfTheAddressSpace, CanBeReachedByWhatDoesNotWrap)
+TEST(AddressSpaceTop, CanBeReachedByWhatDoesNotWrap)
 {
     DeviceOnLine line("flash-to-the-top");
     line.simulated.set_reply_filter(acknowledge_everything());

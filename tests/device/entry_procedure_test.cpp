@@ -68,7 +68,7 @@ TEST(Entry, TakesTheFirstMarkerItFinds)
                 ElementsAre("sig_error no profile for device (bootloader version = 5156)"));
 }
 
-TEST(Entry, OfAnUnlistedVersionFailsAndTellsTheVersion)
+TEST(Entry, OfAnUnlistedVersionFailsAndReportsTheVersion)
 {
     ProbeReplies line({raw("51 56 12 34")});
     EXPECT_FALSE(line.enter());
@@ -79,7 +79,7 @@ TEST(Entry, OfAnUnlistedVersionFailsAndTellsTheVersion)
                 ElementsAre("sig_error no profile for device (bootloader version = 1234)"));
 }
 
-TEST(Entry, NeedsNobodyToTellTheVersionTo)
+TEST(Entry, NeedsNoReceiverForTheVersion)
 {
     EntryLine line("sample", sim::Entry::Probe);
     EXPECT_TRUE(line.device.QV_entry_procedure(nullptr));

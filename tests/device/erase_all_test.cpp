@@ -29,16 +29,16 @@ const EraseAll whole_erases[] = {
     {"EverythingWithDivisor1", "swapped-divisors", true, true, {"03 1C 00 08 00"}},
     {"RunsOf255AndTheRest", "many-pages", true, true, {"03 FF 00 10 00", "03 2D F0 1F 00"}},
     {"AllUnencrypted", "many-pages", true, false, {}},
-    {"NoFlashBehindTheBootloader", "no-flash-range", true, true, {}},
+    {"NoFlashAfterTheBootloader", "no-flash-range", true, true, {}},
 };
 
-class WholeErases : public testing::TestWithParam<EraseAll>
+class EraseAllRuns : public testing::TestWithParam<EraseAll>
 {
 };
 
 } // namespace
 
-TEST_P(WholeErases, SendOneCommandForEachRunOfPages)
+TEST_P(EraseAllRuns, TakeOneCommandEach)
 {
     const EraseAll& row = GetParam();
     DeviceOnLine line(row.device);
@@ -47,7 +47,7 @@ TEST_P(WholeErases, SendOneCommandForEachRunOfPages)
     EXPECT_THAT(line.recorder.operation(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(, WholeErases, testing::ValuesIn(whole_erases), row_name);
+INSTANTIATE_TEST_SUITE_P(, EraseAllRuns, testing::ValuesIn(whole_erases), row_name);
 
 TEST(EraseAll, LogsLimitsAndStep)
 {
@@ -111,7 +111,7 @@ TEST(EraseAll, FailsWithARunBeforeExcludedPages)
                 ElementsAre("sig_error unable to erase 2 flash pages at address 0x00000800"));
 }
 
-TEST(EraseAll, TellsWhyARunCouldNotBeSentAndThatItWasNot)
+TEST(EraseAll, ReportsWhyARunCouldNotBeSentAndThatItWasNot)
 {
     DeviceOnLine line("split-page");
     EXPECT_FALSE(line.device.erase_all(true, true));
@@ -121,7 +121,7 @@ TEST(EraseAll, TellsWhyARunCouldNotBeSentAndThatItWasNot)
     EXPECT_FALSE(line.port.is_open());
 }
 
-TEST(EraseAll, TellsWhyADeviceWasGivenUpAndWhatWasNotErased)
+TEST(EraseAll, ReportsWhyADeviceWasGivenUpAndWhatWasNotErased)
 {
     DeviceOnLine line("sample");
     line.simulated.set_reply_filter(always(frame_of("03 03")));

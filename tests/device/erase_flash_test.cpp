@@ -30,7 +30,7 @@ const Refused refused[] = {
     {"HalfAPageOn", 0x1100, "address must be a multiple of 512"},
 };
 
-class RefusedErases : public testing::TestWithParam<Refused>
+class EraseFlashRefusals : public testing::TestWithParam<Refused>
 {
 };
 
@@ -50,13 +50,13 @@ const Erase erases[] = {
     {"Divisor1", "swapped-divisors", 0x1200, 2, "03 02 00 12 00"},
 };
 
-class Erases : public testing::TestWithParam<Erase>
+class EraseFlashCommands : public testing::TestWithParam<Erase>
 {
 };
 
 } // namespace
 
-TEST_P(RefusedErases, SayWhyAndSendNothing)
+TEST_P(EraseFlashRefusals, SayWhyAndSendNothing)
 {
     DeviceOnLine line("sample");
     EXPECT_FALSE(line.device.erase_flash(GetParam().address, 1));
@@ -64,9 +64,9 @@ TEST_P(RefusedErases, SayWhyAndSendNothing)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, RefusedErases, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, EraseFlashRefusals, testing::ValuesIn(refused), row_name);
 
-TEST_P(Erases, SendCountAndWordAddress)
+TEST_P(EraseFlashCommands, HoldCountAndWordAddress)
 {
     const Erase& row = GetParam();
     DeviceOnLine line(row.device);
@@ -77,7 +77,7 @@ TEST_P(Erases, SendCountAndWordAddress)
     EXPECT_THAT(line.recorder.operation(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Erases, testing::ValuesIn(erases), row_name);
+INSTANTIATE_TEST_SUITE_P(, EraseFlashCommands, testing::ValuesIn(erases), row_name);
 
 TEST(EraseFlash, SendsTheLower24BitsOfTheWordAddress)
 {

@@ -84,7 +84,7 @@ const EraseRange range_erases[] = {
      {"03 FF 00 10 00", "03 2C 00 20 00"}},
 };
 
-class RangeErases : public testing::TestWithParam<EraseRange>
+class EraseRangeRuns : public testing::TestWithParam<EraseRange>
 {
 };
 
@@ -98,7 +98,7 @@ struct OutOfBounds {
 const OutOfBounds out_of_bounds[] = {
     {"StartInTheBootloader", 0x7FF, 0x1000,
      "unable to erase at 000007FF below min flash address 0x000007FF"},
-    {"EndBehindFlash", 0x800, 0x4001,
+    {"EndBeyondFlash", 0x800, 0x4001,
      "unable to erase at 00004001 above max flash address 0x00004001"},
     {"StartIsLookedAtFirst", 0, 0xFFFFFFFF,
      "unable to erase at 00000000 below min flash address 0x00000000"},
@@ -106,13 +106,13 @@ const OutOfBounds out_of_bounds[] = {
      "unable to erase at 00008000 above max flash address 0x00008000"},
 };
 
-class BadEraseRanges : public testing::TestWithParam<OutOfBounds>
+class EraseRangeOutOfBounds : public testing::TestWithParam<OutOfBounds>
 {
 };
 
 } // namespace
 
-TEST_P(RangeErases, SendOneCommandForEachRunOfPages)
+TEST_P(EraseRangeRuns, TakeOneCommandEach)
 {
     const EraseRange& row = GetParam();
     DeviceOnLine line(row.device);
@@ -122,9 +122,9 @@ TEST_P(RangeErases, SendOneCommandForEachRunOfPages)
     EXPECT_THAT(line.recorder.operation(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(, RangeErases, testing::ValuesIn(range_erases), row_name);
+INSTANTIATE_TEST_SUITE_P(, EraseRangeRuns, testing::ValuesIn(range_erases), row_name);
 
-TEST_P(BadEraseRanges, AreReportedWithTheOffendingAddressAtBothPlaces)
+TEST_P(EraseRangeOutOfBounds, IsReportedWithTheOffendingAddressAtBothPlaces)
 {
     const OutOfBounds& row = GetParam();
     DeviceOnLine line("sample");
@@ -133,7 +133,7 @@ TEST_P(BadEraseRanges, AreReportedWithTheOffendingAddressAtBothPlaces)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, BadEraseRanges, testing::ValuesIn(out_of_bounds), row_name);
+INSTANTIATE_TEST_SUITE_P(, EraseRangeOutOfBounds, testing::ValuesIn(out_of_bounds), row_name);
 
 TEST(EraseRange, LogsNothing)
 {

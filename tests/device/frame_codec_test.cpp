@@ -186,7 +186,7 @@ TEST_F(FrameMembers, ReportWhyAFrameIsRefused)
     }
 }
 
-TEST(FrameDecoding, TellsWhyAFrameIsRefused)
+TEST(FrameDecoding, ReportsWhyAFrameIsRefused)
 {
     for (const BadFrame& bad : bad_frames) {
         QByteArray payload;

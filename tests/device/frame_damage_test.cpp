@@ -54,8 +54,8 @@ public:
     {
         QByteArray bytes(length, '\0');
         for (char& byte : bytes) {
-            static constexpr char telling[] = {0x00, 0x04, 0x05, 0x55};
-            byte = below(2) == 0 ? telling[below(4)] : static_cast<char>(below(256));
+            static constexpr char special[] = {0x00, 0x04, 0x05, 0x55};
+            byte = below(2) == 0 ? special[below(4)] : static_cast<char>(below(256));
         }
         return bytes;
     }

@@ -159,7 +159,7 @@ const Usable usable[] = {
     {"WriteOfFlashWithoutEepromRow", "zero-eeprom-row", write(0x1000)},
     {"WriteOfEepromWithoutEepromBlock", "zero-eeprom-block", write(0x8000)},
     {"ReadOfFlashWithoutEepromWords", "no-eeprom-words", read(0x1000)},
-    {"ReadOfMisplacedEepromBehindItsFirstBlock", "misplaced-eeprom", read(0x8008)},
+    {"ReadOfMisplacedEepromAfterItsFirstBlock", "misplaced-eeprom", read(0x8008)},
     {"WriteOfFlashWithFineEeprom", "eeprom-divisor-zero", write(0x1000)},
     {"WriteOfMisplacedEeprom", "misplaced-eeprom", write(0x8010)},
     {"ReadWithRowBeyondAllMemory", "endless-row", read(0x1000)},
@@ -239,7 +239,7 @@ INSTANTIATE_TEST_SUITE_P(, UnusableGeometry, testing::ValuesIn(unusable), row_na
 TEST_P(UsableGeometry, OfTheRestOfTheDeviceStillWorks)
 {
     DeviceOnLine line(GetParam().device);
-    // The simulated device knows the wrong figure too and need not know what to make of it.
+    // The simulated device knows the wrong figure too and need not know how to handle it.
     line.simulated.set_reply_filter([](const sim::Command& command, const QByteArray&) {
         const bool reads = command.kind == sim::Command::Kind::Read;
         const int length = command.payload.at(1) * (command.is_eeprom() ? 1 : 2);
@@ -291,7 +291,7 @@ TEST(WordsOfManyBytes, AreNotReadFromAnAnswerThatLacks65536Bytes)
     EXPECT_FALSE(line.device.read_memory(0x20000, 66 * 1024, data));
 }
 
-TEST(ABlockThatReachesBeyondFlash, IsReadAsFarAsFlashGoes)
+TEST(BlockBeyondFlash, IsReadAsFarAsFlashGoes)
 {
     DeviceOnLine line("endless-block");
     const QByteArray all = counting(0x4000);

@@ -99,7 +99,7 @@ TEST(HalfDuplex, TimesOutInTheFirstWaitWhenNotEvenTheEchoComes)
                 "timed out\n)");
 }
 
-TEST(HalfDuplex, HealsALostAnswer)
+TEST(HalfDuplex, RetriesALostAnswer)
 {
     HalfDuplexLine line(Echo::Apart);
     line.simulated.set_reply_filter(first({no_reply()}));

@@ -101,7 +101,7 @@ TEST(Line, MessagesGoToTheDebugChannelAndToTheSignal)
     EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_error what %1 happened"));
 }
 
-TEST(Line, EventsAreProcessedByWhoeverMadeTheDeviceObject)
+TEST(Line, EventsAreProcessedByTheOwnerOfTheDeviceObject)
 {
     Host host;
     host.events = count_call;

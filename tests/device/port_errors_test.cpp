@@ -85,7 +85,7 @@ private:
 
 } // namespace
 
-TEST(StolenBytes, CostNoMoreThanTheAttempt)
+TEST(LineWithStolenBytes, CostsNoMoreThanTheAttempt)
 {
     sim::SimulatedDevice simulated(profile_named("sample"), {sim::Entry::Version});
     const Thief thief(simulated.port_path());
@@ -99,7 +99,7 @@ TEST(StolenBytes, CostNoMoreThanTheAttempt)
     EXPECT_GT(thief.stolen(), 0);
 }
 
-TEST(ErrorOfAFailedOpening, DoesNotCloseThePortThatWasOpenedAfterIt)
+TEST(PortOpeningError, DoesNotCloseThePortThatWasOpenedAfterIt)
 {
     const LockedPort locked;
     ZarnSerialDevice device(locked.path(), nullptr, 9600, false, 0);

@@ -191,7 +191,7 @@ bool is_refused(const RandomDevice& device, unsigned int start, unsigned int end
 }
 
 /// Of a memory in which the range ends, everything before that end; from where the range starts,
-/// unless it starts behind the memory.
+/// unless it starts beyond the memory.
 bool asks_for(unsigned int start, unsigned int end, const RandomMemory& memory,
               unsigned int address)
 {

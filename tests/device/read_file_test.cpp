@@ -143,10 +143,10 @@ const BadPlace bad_places[] = {
     {"DeviceThatIsFull", "/dev/full"},
 };
 
-class BadPlaces : public testing::TestWithParam<BadPlace>
+class ReadFileInABadPlace : public testing::TestWithParam<BadPlace>
 {
 protected:
-    BadPlaces() { bench.target.file.setFileName(path); }
+    ReadFileInABadPlace() { bench.target.file.setFileName(path); }
 
     ReadBench bench{"small"};
     QTemporaryDir folder;
@@ -155,7 +155,7 @@ protected:
 
 } // namespace
 
-TEST_P(BadPlaces, AreToldOnTheDebugChannelByAReadThatSucceeds)
+TEST_P(ReadFileInABadPlace, IsReportedOnTheDebugChannelByAReadThatSucceeds)
 {
     const DebugMessages messages;
     EXPECT_TRUE(bench.read());
@@ -163,7 +163,7 @@ TEST_P(BadPlaces, AreToldOnTheDebugChannelByAReadThatSucceeds)
     EXPECT_THAT(bench.line.recorder.operation(), IsEmpty());
 }
 
-TEST_P(BadPlaces, AreToldOnTheDebugChannelByAReadOfARangeThatSucceeds)
+TEST_P(ReadFileInABadPlace, IsReportedOnTheDebugChannelByAReadOfARangeThatSucceeds)
 {
     const DebugMessages messages;
     EXPECT_TRUE(bench.read_range(0x1000, 0x1010));
@@ -171,4 +171,4 @@ TEST_P(BadPlaces, AreToldOnTheDebugChannelByAReadOfARangeThatSucceeds)
     EXPECT_THAT(bench.line.recorder.operation(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Read, BadPlaces, testing::ValuesIn(bad_places), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadFileInABadPlace, testing::ValuesIn(bad_places), row_name);

@@ -33,13 +33,13 @@ const Refused refused[] = {
      "unusable geometry in device profile 'sample': flash_end_address_bytes is 0x00004000, and "
      "flash_row_size 64 leads beyond address 0xFFFFFFFF"},
     {"Bootloader", 0x10, 0x10, "unreadable memory area"},
-    {"BehindFlash", 0x4000, 0x10, "unreadable memory area"},
+    {"BeyondFlash", 0x4000, 0x10, "unreadable memory area"},
     {"NothingInTheBootloader", 0x10, 0, "unreadable memory area"},
     {"NothingInFlash", 0x1000, 0, "attempting to read 0 bytes"},
     {"NothingInEeprom", 0x8010, 0, "attempting to read 0 bytes"},
 };
 
-class RefusedReads : public testing::TestWithParam<Refused>
+class ReadMemoryRefusals : public testing::TestWithParam<Refused>
 {
 };
 
@@ -77,13 +77,13 @@ const Read reads[] = {
     {"ABlockThatBeginsInTheBootloader", "shared-block", 0x808, 4, {"01 08 00 04 00"}},
 };
 
-class Reads : public testing::TestWithParam<Read>
+class ReadMemoryRanges : public testing::TestWithParam<Read>
 {
 };
 
 } // namespace
 
-TEST_P(RefusedReads, SayWhyAndSendNothing)
+TEST_P(ReadMemoryRefusals, SayWhyAndSendNothing)
 {
     const Refused& row = GetParam();
     DeviceOnLine line("sample");
@@ -93,9 +93,9 @@ TEST_P(RefusedReads, SayWhyAndSendNothing)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, RefusedReads, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadMemoryRefusals, testing::ValuesIn(refused), row_name);
 
-TEST_P(Reads, WidenToBlocksAndKeepWhatWasAskedFor)
+TEST_P(ReadMemoryRanges, WidenToBlocksAndKeepWhatWasAskedFor)
 {
     const Read& row = GetParam();
     DeviceOnLine line(row.device);
@@ -109,7 +109,7 @@ TEST_P(Reads, WidenToBlocksAndKeepWhatWasAskedFor)
     EXPECT_THAT(line.recorder.operation(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Reads, testing::ValuesIn(reads), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadMemoryRanges, testing::ValuesIn(reads), row_name);
 
 TEST(ReadMemory, SendsTheLower24BitsOfTheWordAddress)
 {

@@ -9,7 +9,7 @@
 namespace
 {
 
-/// A memory of a device that is read byte by byte, so that the commands tell which bytes of it are
+/// A memory of a device that is read byte by byte, so that the commands show which bytes of it are
 /// asked for.
 struct Memory {
     unsigned int start;
@@ -29,7 +29,7 @@ constexpr Memory flash{0x10, 0x14, 0x01, 0x10};
 
 const Device devices[] = {
     {"EepromAboveFlash", "tiny", flash, {0x20, 0x24, 0x04, 0}},
-    {"EepromRightBehindFlash", "tiny-eeprom-behind-flash", flash, {0x14, 0x18, 0x04, 0}},
+    {"EepromRightAfterFlash", "tiny-eeprom-after-flash", flash, {0x14, 0x18, 0x04, 0}},
     {"EepromBelowFlash", "tiny-eeprom-below-flash", flash, {0x04, 0x08, 0x04, 0}},
     {"NoEeprom", "tiny-no-eeprom", flash, {0, 0, 0x04, 0}},
     {"NoFlash", "tiny-no-flash", {0x14, 0x14, 0x01, 0x14}, {0x20, 0x24, 0x04, 0}},
@@ -41,7 +41,7 @@ struct Range {
 };
 
 /// Byte by byte, the rule: of a memory in which the range ends, everything before that end; from
-/// where the range starts, unless it starts behind the memory.
+/// where the range starts, unless it starts beyond the memory.
 bool asks_for(Range range, Memory memory, unsigned int address)
 {
     const bool starts_behind = range.start >= memory.end;

@@ -110,7 +110,7 @@ const GoodRange good_ranges[] = {
     {"NoEeprom", "no-eeprom", 0x0, 0x140, {read_flash_row(0x100)}, {{0x100, 0x40}}},
 };
 
-class GoodRanges : public testing::TestWithParam<GoodRange>
+class ReadRangeRows : public testing::TestWithParam<GoodRange>
 {
 };
 
@@ -167,7 +167,7 @@ const BadRange bad_ranges[] = {
      "0x00000060 or eeprom addresses 0x00000060 0x00000060"},
 };
 
-class BadRanges : public testing::TestWithParam<BadRange>
+class ReadRangeRefusals : public testing::TestWithParam<BadRange>
 {
 };
 
@@ -195,13 +195,13 @@ const EmptyRange empty_ranges[] = {
     {"DeviceWithoutMemory", "no-memory", 0x0, 0x300},
 };
 
-class EmptyRanges : public testing::TestWithParam<EmptyRange>
+class ReadRangeOfNothing : public testing::TestWithParam<EmptyRange>
 {
 };
 
 } // namespace
 
-TEST_P(GoodRanges, AreReadWithoutASignal)
+TEST_P(ReadRangeRows, AreReadWithoutASignal)
 {
     const GoodRange& row = GetParam();
     ReadBench bench(row.device);
@@ -213,9 +213,9 @@ TEST_P(GoodRanges, AreReadWithoutASignal)
     EXPECT_EQ(bench.target.content(), content_of(row.content));
 }
 
-INSTANTIATE_TEST_SUITE_P(ReadRange, GoodRanges, testing::ValuesIn(good_ranges), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadRangeRows, testing::ValuesIn(good_ranges), row_name);
 
-TEST_P(BadRanges, AreRefusedBeforeAnythingIsSent)
+TEST_P(ReadRangeRefusals, ComeBeforeAnythingIsSent)
 {
     const BadRange& row = GetParam();
     ReadBench bench(row.device);
@@ -226,9 +226,9 @@ TEST_P(BadRanges, AreRefusedBeforeAnythingIsSent)
     EXPECT_FALSE(bench.target.exists());
 }
 
-INSTANTIATE_TEST_SUITE_P(ReadRange, BadRanges, testing::ValuesIn(bad_ranges), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadRangeRefusals, testing::ValuesIn(bad_ranges), row_name);
 
-TEST_P(EmptyRanges, FailSilently)
+TEST_P(ReadRangeOfNothing, FailsSilently)
 {
     const EmptyRange& row = GetParam();
     ReadBench bench(row.device);
@@ -241,7 +241,7 @@ TEST_P(EmptyRanges, FailSilently)
     EXPECT_FALSE(bench.target.exists());
 }
 
-INSTANTIATE_TEST_SUITE_P(ReadRange, EmptyRanges, testing::ValuesIn(empty_ranges), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadRangeOfNothing, testing::ValuesIn(empty_ranges), row_name);
 
 TEST(ReadRange, WritesTheFileInPiecesOf16Bytes)
 {

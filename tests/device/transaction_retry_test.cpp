@@ -42,7 +42,7 @@ std::string gave_up(int attempts, const std::string& faults)
 
 } // namespace
 
-TEST_F(Retries, HealALostAnswer)
+TEST_F(Retries, ReplaceALostAnswer)
 {
     line.simulated.set_reply_filter(first({no_reply()}));
     EXPECT_TRUE(ask(3));
@@ -51,7 +51,7 @@ TEST_F(Retries, HealALostAnswer)
                 ElementsAre("sig_unencoded_command 00 02", sent, sent, received, decoded));
 }
 
-TEST_F(Retries, HealADamagedAnswerThatIsReportedAtOnce)
+TEST_F(Retries, ReplaceADamagedAnswerThatIsReportedAtOnce)
 {
     line.simulated.set_reply_filter(first({raw("55 55 00 02 01 03 FB 04")}));
     EXPECT_TRUE(ask(2, patience_ms));
@@ -63,7 +63,7 @@ TEST_F(Retries, HealADamagedAnswerThatIsReportedAtOnce)
                             received, decoded));
 }
 
-TEST_F(Retries, HealAnAnswerToAnotherCommand)
+TEST_F(Retries, ReplaceAnAnswerToAnotherCommand)
 {
     line.simulated.set_reply_filter(first({frame_of("00 03 01 02")}));
     EXPECT_TRUE(ask(2, patience_ms));
@@ -74,7 +74,7 @@ TEST_F(Retries, HealAnAnswerToAnotherCommand)
                             "sig_decoded_response 00 03 01 02", sent, received, decoded));
 }
 
-TEST_F(Retries, HealAnAnswerOfTheWrongLength)
+TEST_F(Retries, ReplaceAnAnswerOfTheWrongLength)
 {
     line.simulated.set_reply_filter(first({frame_of("00 02 01")}));
     EXPECT_TRUE(ask(2, patience_ms));
@@ -128,7 +128,7 @@ TEST_F(Retries, MayBe255)
     EXPECT_EQ(line.sent(), std::vector<std::string>(255, "00 02"));
 }
 
-TEST_F(Retries, DoNotSeeAnAnswerThatCameWhenNobodyWaited)
+TEST_F(Retries, DoNotSeeAnAnswerThatCameBetweenCommands)
 {
     // A whole frame in the receive buffer that would pass for the answer to the next command.
     line.simulated.set_reply_filter(first({frame_of("00 02 0B AD"), no_reply(), no_reply()}));

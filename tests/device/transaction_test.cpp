@@ -149,7 +149,7 @@ TEST_F(Transaction, SendsACommandWithoutAnswerOnceAndAwaitsNothing)
                                                    "sig_encoded_command 55 55 00 00 00 04"));
 }
 
-TEST_F(Transaction, SignalsTellCommandAndAnswerBeforeAndAfterFraming)
+TEST_F(Transaction, SignalsShowCommandAndAnswerBeforeAndAfterFraming)
 {
     line.simulated.set_reply_filter(always(frame_of("00 02 55 04")));
     EXPECT_TRUE(ask("00 02", 2));
@@ -172,7 +172,7 @@ TEST_P(TransactionAnswers, ReachTheCaller)
 
 INSTANTIATE_TEST_SUITE_P(, TransactionAnswers, testing::ValuesIn(good_answers), row_name);
 
-TEST_P(TransactionRefusals, TellWhatIsWrongWithTheAnswer)
+TEST_P(TransactionRefusals, ReportWhatIsWrongWithTheAnswer)
 {
     const Refusal& row = GetParam();
     line.simulated.set_reply_filter(always(frame_of(row.answer)));
@@ -195,7 +195,7 @@ TEST_F(Transaction, CountsAnswersInSixteenBits)
     EXPECT_EQ(response.size(), data.size());
 }
 
-TEST_F(Transaction, LeavesNothingOfItsAnswerBehind)
+TEST_F(Transaction, LeavesNothingOfItsAnswerInTheBuffer)
 {
     EXPECT_TRUE(ask("00 02", 2));
     EXPECT_FALSE(line.device.read_until_terminated_or_timed_out(1));

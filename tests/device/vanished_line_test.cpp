@@ -112,7 +112,7 @@ TEST(VanishedLine, BetweenTwoCommandsIsLikeASilentDeviceToo)
     EXPECT_EQ(line.recorder.lines().back(), given_up(5));
 }
 
-TEST(VanishedLine, WithBytesOnItThatNobodyHasReadIsLikeASilentDeviceToo)
+TEST(VanishedLine, WithUnreadBytesOnItIsLikeASilentDeviceToo)
 {
     DeviceOnLine line("sample");
     ASSERT_TRUE(line.device.open_port());
@@ -128,7 +128,7 @@ TEST(VanishedLine, WithBytesOnItThatNobodyHasReadIsLikeASilentDeviceToo)
     EXPECT_FALSE(line.port.is_open());
 }
 
-TEST(VanishedLine, BehindADeviceThatWasSilentBeforeChangesNothing)
+TEST(VanishedLine, OfADeviceThatWasSilentBeforeChangesNothing)
 {
     DeviceOnLine line("sample");
     ASSERT_TRUE(line.device.open_port());

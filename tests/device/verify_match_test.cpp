@@ -121,7 +121,7 @@ const Match matches[] = {
      12},
 };
 
-class Matches : public testing::TestWithParam<Match>
+class VerifyMatches : public testing::TestWithParam<Match>
 {
 };
 
@@ -142,7 +142,7 @@ const Nothing nothings[] = {
     {"EepromOfADeviceWithoutIt", "no-eeprom", {{0x1000, 4}}},
 };
 
-class NothingToVerify : public testing::TestWithParam<Nothing>
+class VerifyOfNothing : public testing::TestWithParam<Nothing>
 {
 protected:
     static void expect_silent_failure(OperationBench& bench, bool encrypted, bool unencrypted)
@@ -158,7 +158,7 @@ protected:
 
 } // namespace
 
-TEST_P(Matches, AreReadRowByRowAndComplete)
+TEST_P(VerifyMatches, AreReadRowByRowAndComplete)
 {
     const Match& row = GetParam();
     OperationBench bench(row.device, row.image);
@@ -171,18 +171,18 @@ TEST_P(Matches, AreReadRowByRowAndComplete)
     EXPECT_EQ(messages.texts(), QStringList());
 }
 
-INSTANTIATE_TEST_SUITE_P(Verify, Matches, testing::ValuesIn(matches), row_name);
+INSTANTIATE_TEST_SUITE_P(, VerifyMatches, testing::ValuesIn(matches), row_name);
 
-TEST_P(NothingToVerify, FailsSilentlyWithoutOpeningThePort)
+TEST_P(VerifyOfNothing, FailsSilentlyWithoutOpeningThePort)
 {
     const Nothing& row = GetParam();
     OperationBench bench(row.device, row.image);
     expect_silent_failure(bench, row.encrypted, row.unencrypted);
 }
 
-INSTANTIATE_TEST_SUITE_P(Verify, NothingToVerify, testing::ValuesIn(nothings), row_name);
+INSTANTIATE_TEST_SUITE_P(, VerifyOfNothing, testing::ValuesIn(nothings), row_name);
 
-TEST_F(NothingToVerify, InABlobWithoutBytesFailsSilentlyToo)
+TEST_F(VerifyOfNothing, InABlobWithoutBytesFailsSilentlyToo)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("empty_blob.hex")));

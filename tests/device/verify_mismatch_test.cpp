@@ -108,13 +108,13 @@ const Mismatch mismatches[] = {
      {0x1025, 11}},
 };
 
-class Mismatches : public testing::TestWithParam<Mismatch>
+class VerifyMismatches : public testing::TestWithParam<Mismatch>
 {
 };
 
 } // namespace
 
-TEST_P(Mismatches, AreReportedAfterFourTries)
+TEST_P(VerifyMismatches, AreReportedAfterFourTries)
 {
     const Mismatch& row = GetParam();
     OperationBench bench("small", {row.blob});
@@ -138,7 +138,7 @@ TEST_P(Mismatches, AreReportedAfterFourTries)
                             bytes_at(row.expected.address, row.expected.size))));
 }
 
-INSTANTIATE_TEST_SUITE_P(Verify, Mismatches, testing::ValuesIn(mismatches), row_name);
+INSTANTIATE_TEST_SUITE_P(, VerifyMismatches, testing::ValuesIn(mismatches), row_name);
 
 namespace
 {
@@ -194,7 +194,7 @@ const Report reports[] = {
      {"sig_error data mismatch starting at address 0x00001020\n"
       "device data size 16: FF FF FF FF FF FF FF FF FF FF FF FF 00 01 02 03\n"
       "expected data 6: 00 01 02 03 04 05"}},
-    {"OfARowBehindTheMemory",
+    {"OfARowBeyondTheMemory",
      0x1020,
      0x1020,
      counting(18),
@@ -205,13 +205,13 @@ const Report reports[] = {
       "expected data 2: 10 11"}},
 };
 
-class Reports : public testing::TestWithParam<Report>
+class VerifyMismatchReports : public testing::TestWithParam<Report>
 {
 };
 
 } // namespace
 
-TEST_P(Reports, OfAMismatch)
+TEST_P(VerifyMismatchReports, ShowBothRows)
 {
     const Report& row = GetParam();
     OperationBench bench("small");
@@ -221,7 +221,7 @@ TEST_P(Reports, OfAMismatch)
     EXPECT_EQ(bench.line.recorder.operation(), row.signals_seen);
 }
 
-INSTANTIATE_TEST_SUITE_P(Verify, Reports, testing::ValuesIn(reports), row_name);
+INSTANTIATE_TEST_SUITE_P(, VerifyMismatchReports, testing::ValuesIn(reports), row_name);
 
 namespace
 {
@@ -248,7 +248,7 @@ class VerifyRetries : public testing::TestWithParam<Retry>
 
 } // namespace
 
-TEST_P(VerifyRetries, HealRowsThatWereReadWrong)
+TEST_P(VerifyRetries, ReplaceRowsThatWereReadWrong)
 {
     const Retry& row = GetParam();
     OperationBench bench("small", {{0x100, 0x80}});

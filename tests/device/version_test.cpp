@@ -17,7 +17,7 @@ namespace
 constexpr unsigned short unlisted = 0x00AB;
 constexpr unsigned int identification_baud = 460800;
 
-/// A device object that knows no device yet, at a rate at which every running one tells its
+/// A device object that knows no device yet, at a rate at which every running one reports its
 /// version.
 Host newcomer()
 {

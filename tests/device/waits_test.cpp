@@ -40,7 +40,7 @@ const Intruder intruders[] = {
      refusal},
 };
 
-class BegunInsideAWait : public testing::TestWithParam<Intruder>
+class CommandBegunInsideAWait : public testing::TestWithParam<Intruder>
 {
 };
 
@@ -61,7 +61,7 @@ void count_and_process_events()
 
 } // namespace
 
-TEST_P(BegunInsideAWait, IsRefusedAndLeavesTheCommandThatWaitsAlone)
+TEST_P(CommandBegunInsideAWait, IsRefusedAndLeavesTheCommandThatWaitsAlone)
 {
     DeviceOnLine line("sample");
     ASSERT_TRUE(line.device.open_port());
@@ -75,7 +75,7 @@ TEST_P(BegunInsideAWait, IsRefusedAndLeavesTheCommandThatWaitsAlone)
     EXPECT_THAT(line.recorder.operation(), ElementsAre(GetParam().message));
 }
 
-INSTANTIATE_TEST_SUITE_P(, BegunInsideAWait, testing::ValuesIn(intruders), row_name);
+INSTANTIATE_TEST_SUITE_P(, CommandBegunInsideAWait, testing::ValuesIn(intruders), row_name);
 
 TEST(CommandBegunInsideAnEntry, IsRefusedAndLeavesTheEntryAlone)
 {
@@ -87,7 +87,7 @@ TEST(CommandBegunInsideAnEntry, IsRefusedAndLeavesTheEntryAlone)
     EXPECT_THAT(line.recorder.lines(), ElementsAre(refusal));
 }
 
-TEST(EndOfTheEventLoops, EndsTheCommandThatWaits)
+TEST(EventLoopEnd, EndsTheCommandThatWaits)
 {
     DeviceOnLine line("sample");
     ASSERT_TRUE(line.device.open_port());
@@ -100,7 +100,7 @@ TEST(EndOfTheEventLoops, EndsTheCommandThatWaits)
     run_application();
 }
 
-TEST(EndOfTheEventLoops, IsForgottenWhenTheApplicationRunsAgain)
+TEST(EventLoopEnd, IsForgottenWhenTheApplicationRunsAgain)
 {
     DeviceOnLine line("sample");
     ASSERT_TRUE(line.device.open_port());
@@ -111,7 +111,7 @@ TEST(EndOfTheEventLoops, IsForgottenWhenTheApplicationRunsAgain)
     EXPECT_TRUE(line.device.send_and_receive(bytes("00 02"), response, 2, 40, 300));
 }
 
-TEST(EndOfTheEventLoops, EndsTheEntryWhileTheBootloaderSettles)
+TEST(EventLoopEnd, EndsTheEntryWhileTheBootloaderSettles)
 {
     EntryLine line("sample", sim::Entry::Probe);
     QTimer timer;

@@ -46,10 +46,10 @@ const Abort aborts[] = {
      failed_upload({0, 64}, 256, aborted)},
 };
 
-class Aborts : public testing::TestWithParam<Abort>
+class WriteAborts : public testing::TestWithParam<Abort>
 {
 protected:
-    Aborts()
+    WriteAborts()
     {
         QObject::connect(&line.device, &ZarnSerialDevice::sig_upload_progress, &line.device,
                          [this](unsigned int processed, unsigned int) {
@@ -70,13 +70,13 @@ protected:
 
 } // namespace
 
-TEST_P(Aborts, EndAWriteBeforeItsNextRow)
+TEST_P(WriteAborts, EndItBeforeItsNextRow)
 {
     const MemoryMap map = image(GetParam().pieces);
     expect_the_end(line.device.write(&map, abort_requested, true, true));
 }
 
-INSTANTIATE_TEST_SUITE_P(, Aborts, testing::ValuesIn(aborts), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteAborts, testing::ValuesIn(aborts), row_name);
 
 TEST(AbortRequest, BeforeAWriteIsSeenWhenThePortIsOpen)
 {

@@ -27,7 +27,7 @@ const Refused refused[] = {
     {"Bootloader", 0x100, 0x40, "unwritable memory area"},
     {"BootloaderIntoFlash", 0x7C1, 0x40, "unwritable memory area"},
     {"NothingInTheBootloader", 0x100, 0, "unwritable memory area"},
-    {"BehindEeprom", 0x8100, 0x10, "unwritable memory area"},
+    {"BeyondEeprom", 0x8100, 0x10, "unwritable memory area"},
     {"FlashIntoNowhere", 0x3FC1, 0x40, other_type},
     {"FlashIntoEeprom", 0x3FC0, 0x4080, other_type},
     {"EepromIntoNowhere", 0x80F0, 0x20, other_type},
@@ -43,7 +43,7 @@ const Refused refused[] = {
     {"WrongLengthBesideItsRows", 0x1010, 0x41, "num_bytes must be exactly row_size (64)"},
 };
 
-class RefusedWrites : public testing::TestWithParam<Refused>
+class WriteMemoryRefusals : public testing::TestWithParam<Refused>
 {
 };
 
@@ -67,13 +67,13 @@ const Write writes[] = {
     {"FlashRowOfManyWords", "long-rows", 0x900, 0x240, "02 01 00 09 00"},
 };
 
-class Writes : public testing::TestWithParam<Write>
+class WriteMemoryCommands : public testing::TestWithParam<Write>
 {
 };
 
 } // namespace
 
-TEST_P(RefusedWrites, SayWhyAndSendNothing)
+TEST_P(WriteMemoryRefusals, SayWhyAndSendNothing)
 {
     const Refused& row = GetParam();
     DeviceOnLine line("sample");
@@ -82,9 +82,9 @@ TEST_P(RefusedWrites, SayWhyAndSendNothing)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, RefusedWrites, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteMemoryRefusals, testing::ValuesIn(refused), row_name);
 
-TEST_P(Writes, SendTheirBytesBehindCountAndWordAddress)
+TEST_P(WriteMemoryCommands, HoldCountWordAddressAndBytes)
 {
     const Write& row = GetParam();
     DeviceOnLine line(row.device);
@@ -96,7 +96,7 @@ TEST_P(Writes, SendTheirBytesBehindCountAndWordAddress)
     EXPECT_THAT(line.recorder.operation(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Writes, testing::ValuesIn(writes), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteMemoryCommands, testing::ValuesIn(writes), row_name);
 
 TEST(WriteMemory, SendsTheLower24BitsOfTheWordAddress)
 {

@@ -50,7 +50,7 @@ const Refused refused[] = {
     {"EndAboveFlashAboveEeprom", "eeprom-below-flash", 0x100, 0x4010, outside("00000100")},
 };
 
-class RefusedRanges : public testing::TestWithParam<Refused>
+class WriteRangeRefusals : public testing::TestWithParam<Refused>
 {
 };
 
@@ -134,7 +134,7 @@ const Range ranges[] = {
     {"WithoutEeprom", "no-eeprom", 0x100, 0x840, {"02 01 00 04 00"}, completed_upload({0, 64}, 64)},
 };
 
-class Ranges : public testing::TestWithParam<Range>
+class WriteRangeBounds : public testing::TestWithParam<Range>
 {
 };
 
@@ -164,7 +164,7 @@ bool write_range(DeviceOnLine& line, const MemoryMap& map, unsigned int start, u
 
 } // namespace
 
-TEST_P(RefusedRanges, AreReportedWithOneAddressAtEveryPlace)
+TEST_P(WriteRangeRefusals, AreReportedWithOneAddressAtEveryPlace)
 {
     const Refused& row = GetParam();
     DeviceOnLine line(row.device);
@@ -173,9 +173,9 @@ TEST_P(RefusedRanges, AreReportedWithOneAddressAtEveryPlace)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, RefusedRanges, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteRangeRefusals, testing::ValuesIn(refused), row_name);
 
-TEST_P(Ranges, AreCutToFlashAndEeprom)
+TEST_P(WriteRangeBounds, AreCutToFlashAndEeprom)
 {
     const Range& row = GetParam();
     DeviceOnLine line(row.device);
@@ -185,7 +185,7 @@ TEST_P(Ranges, AreCutToFlashAndEeprom)
     EXPECT_TRUE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Ranges, testing::ValuesIn(ranges), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteRangeBounds, testing::ValuesIn(ranges), row_name);
 
 TEST(WriteRange, SendsOnlyRowsThatTheImageTouches)
 {
@@ -260,7 +260,7 @@ TEST(WriteRange, EndsAtTheFirstEepromRowThatFails)
               failed_upload({0}, 32, "unable to write EEPROM row at address 0x00008020"));
 }
 
-TEST(WriteRange, FailsWithThePortBehindTheTotal)
+TEST(WriteRange, FailsWithThePortAfterTheTotal)
 {
     ZarnSerialDevice device(QStringLiteral("/dev/no-such-port"), nullptr, 9600, false,
                             version_named("sample"));

@@ -188,7 +188,7 @@ TEST_F(Write, EndsAtTheFirstEepromRowThatFails)
                             "sig_error unable to write EEPROM row at address 0x00008010"));
 }
 
-TEST_F(Write, TellsWhyADeviceWasGivenUpAndWhichRowWasNotWritten)
+TEST_F(Write, ReportsWhyADeviceWasGivenUpAndWhichRowWasNotWritten)
 {
     line.simulated.set_reply_filter(always(frame_of("02 02")));
     EXPECT_FALSE(write(image({{0x800, counting(64)}})));
@@ -198,7 +198,7 @@ TEST_F(Write, TellsWhyADeviceWasGivenUpAndWhichRowWasNotWritten)
     EXPECT_EQ(lines[2], "sig_error unable to write flash row at address 0x00000800");
 }
 
-TEST(WriteWithoutPort, FailsBehindTheTotal)
+TEST(WriteWithoutPort, FailsAfterTheTotal)
 {
     ZarnSerialDevice device(QStringLiteral("/dev/no-such-port"), nullptr, 9600, false,
                             version_named("sample"));

@@ -95,13 +95,13 @@ const Compare compares[] = {
      {0, 16}},
 };
 
-class Compares : public testing::TestWithParam<Compare>
+class WriteWithVerifyComparisons : public testing::TestWithParam<Compare>
 {
 };
 
 } // namespace
 
-TEST_P(Compares, DecideWhichPagesAreWritten)
+TEST_P(WriteWithVerifyComparisons, DecideWhichPagesAreWritten)
 {
     const Compare& row = GetParam();
     OperationBench bench("small", row.image);
@@ -115,7 +115,7 @@ TEST_P(Compares, DecideWhichPagesAreWritten)
               then_complete(upload_progress(row.processed, row.processed.back())));
 }
 
-INSTANTIATE_TEST_SUITE_P(WriteWithVerify, Compares, testing::ValuesIn(compares), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteWithVerifyComparisons, testing::ValuesIn(compares), row_name);
 
 namespace
 {
@@ -123,10 +123,10 @@ namespace
 const Extents three_pages{{0x100, 0x180}};
 
 /// Writes an image into an erased device once.
-class WrittenOnce : public testing::Test
+class WriteWithVerifyRepeated : public testing::Test
 {
 protected:
-    WrittenOnce()
+    WriteWithVerifyRepeated()
     {
         EXPECT_TRUE(bench.write_with_verify(false));
         bench.line.simulated.clear_commands();
@@ -140,7 +140,7 @@ protected:
 
 } // namespace
 
-TEST_F(WrittenOnce, IsLeftAloneTheSecondTime)
+TEST_F(WriteWithVerifyRepeated, LeavesMatchingPagesAlone)
 {
     EXPECT_TRUE(bench.write_with_verify(false));
     EXPECT_EQ(bench.line.sent(), all_rows);
@@ -148,7 +148,7 @@ TEST_F(WrittenOnce, IsLeftAloneTheSecondTime)
               then_complete(upload_progress({0, 128, 256, 384}, 384)));
 }
 
-TEST_F(WrittenOnce, IsWrittenAgainWhenNothingIsCompared)
+TEST_F(WriteWithVerifyRepeated, WritesEveryPageWhenNothingIsCompared)
 {
     EXPECT_TRUE(bench.write_with_verify(true));
     EXPECT_EQ(bench.line.sent(),
@@ -157,7 +157,7 @@ TEST_F(WrittenOnce, IsWrittenAgainWhenNothingIsCompared)
     EXPECT_EQ(bench.line.simulated.memory().read(0x100, 0x180), bytes_at(0x100, 0x180));
 }
 
-TEST_F(WrittenOnce, IsRepairedInThePageOfAFlippedByteAlone)
+TEST_F(WriteWithVerifyRepeated, RepairsOnlyThePageOfAFlippedByte)
 {
     sim::DeviceMemory& memory = bench.line.simulated.memory();
     memory.preset(0x1D3, QByteArray(1, static_cast<char>(~memory.read(0x1D3, 1).at(0))));

@@ -87,7 +87,7 @@ const Failure failures[] = {
      {"sig_error unable to write EEPROM row at address 0x00001010"}},
 };
 
-class Failures : public testing::TestWithParam<Failure>
+class WriteWithVerifyFailures : public testing::TestWithParam<Failure>
 {
 protected:
     /// Everything up to the command that fails, which is tried again if it is a read.
@@ -102,7 +102,7 @@ protected:
 
 } // namespace
 
-TEST_P(Failures, EndIt)
+TEST_P(WriteWithVerifyFailures, EndTheOperation)
 {
     const Failure& row = GetParam();
     OperationBench bench("small", image);
@@ -114,7 +114,7 @@ TEST_P(Failures, EndIt)
     EXPECT_EQ(bench.line.recorder.operation(), expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(WriteWithVerify, Failures, testing::ValuesIn(failures), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteWithVerifyFailures, testing::ValuesIn(failures), row_name);
 
 namespace
 {
@@ -155,13 +155,13 @@ const Misfit misfits[] = {
       "sig_error unable to write EEPROM row at address 0x00001030"}},
 };
 
-class Misfits : public testing::TestWithParam<Misfit>
+class WriteWithVerifyOverruns : public testing::TestWithParam<Misfit>
 {
 };
 
 } // namespace
 
-TEST_P(Misfits, EndIt)
+TEST_P(WriteWithVerifyOverruns, EndTheOperation)
 {
     const Misfit& row = GetParam();
     OperationBench bench(row.device, row.image);
@@ -170,7 +170,7 @@ TEST_P(Misfits, EndIt)
     EXPECT_EQ(bench.line.recorder.operation(), row.signals_seen);
 }
 
-INSTANTIATE_TEST_SUITE_P(WriteWithVerify, Misfits, testing::ValuesIn(misfits), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteWithVerifyOverruns, testing::ValuesIn(misfits), row_name);
 
 TEST(WriteWithVerifyFailing, LeavesThePageErasedThatItCouldNotWrite)
 {
@@ -183,7 +183,7 @@ TEST(WriteWithVerifyFailing, LeavesThePageErasedThatItCouldNotWrite)
     EXPECT_EQ(memory.read(0x180, 0x180), QByteArray(0x180, '\0'));
 }
 
-TEST(WriteWithVerifyFailing, TellsTheTotalBeforeItSaysThatThePortCannotBeOpened)
+TEST(WriteWithVerifyFailing, ReportsTheTotalBeforeThePortThatCannotBeOpened)
 {
     MissingPort missing("small");
     const MemoryMap map = image_of(image);

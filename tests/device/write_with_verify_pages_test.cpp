@@ -116,7 +116,7 @@ const PageSet page_sets[] = {
     {"EepromAfterFlash", {{0x1010, 1}, {0x200, 1}}, {0x200}, {0x200}, {0x1010}},
 };
 
-class PageSets : public testing::TestWithParam<PageSet>
+class WriteWithVerifyPages : public testing::TestWithParam<PageSet>
 {
 protected:
     static Commands commands()
@@ -153,7 +153,7 @@ protected:
 
 } // namespace
 
-TEST_P(PageSets, AreErasedAndWrittenUnseen)
+TEST_P(WriteWithVerifyPages, AreErasedAndWrittenUncompared)
 {
     const PageSet& set = GetParam();
     OperationBench bench("small", set.image);
@@ -165,7 +165,7 @@ TEST_P(PageSets, AreErasedAndWrittenUnseen)
     EXPECT_TRUE(bench.line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(WriteWithVerify, PageSets, testing::ValuesIn(page_sets), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteWithVerifyPages, testing::ValuesIn(page_sets), row_name);
 
 TEST(WriteWithVerify, LeavesTheRestOfAPageErasedAndAllOtherPagesAsTheyAre)
 {

@@ -136,7 +136,7 @@ TEST_F(ImageFacts, TakeAStartAddressBeforeAnAddressRecordForHarmless)
                 IsEmpty());
 }
 
-TEST_F(ImageFacts, TellALostColonFromARemark)
+TEST_F(ImageFacts, DistinguishALostColonFromARemark)
 {
     const QJsonObject report =
         report_on(record(0, 0, "abc") + record(3, 0, "def").mid(1) + "a remark\r\n" +

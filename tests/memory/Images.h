@@ -61,7 +61,7 @@ inline QByteArray file_content(const QString& path)
     return file.readAll();
 }
 
-/// `count` bytes that tell where each of them belongs: 0, 1, 2, ... plus `first`, modulo 256.
+/// `count` bytes that show where each of them belongs: 0, 1, 2, ... plus `first`, modulo 256.
 inline QByteArray counting_bytes(int count, int first = 0)
 {
     QByteArray bytes(count, '\0');

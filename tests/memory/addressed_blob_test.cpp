@@ -9,14 +9,14 @@
 namespace
 {
 
-TEST(AddressedBlob, takes_its_chunk_size)
+TEST(AddressedBlob, TakesItsChunkSize)
 {
     const AddressedBLOB blob(256);
     EXPECT_EQ(blob.chunk_size(), 256U);
     EXPECT_EQ(blob.size(), 0U);
 }
 
-TEST(AddressedBlob, clear_goes_back_to_address_0)
+TEST(AddressedBlob, ClearGoesBackToAddress0)
 {
     AddressedBLOB blob(16);
     blob.address = 0x1000;
@@ -29,7 +29,7 @@ TEST(AddressedBlob, clear_goes_back_to_address_0)
     EXPECT_EQ(blob.chunk_size(), 16U);
 }
 
-TEST(AddressedBlob, loading_raw_bytes_goes_back_to_address_0)
+TEST(AddressedBlob, LoadingRawBytesGoesBackToAddress0)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("bytes.bin"));
@@ -41,15 +41,15 @@ TEST(AddressedBlob, loading_raw_bytes_goes_back_to_address_0)
     EXPECT_EQ(bytes_of(blob), "bytes");
 }
 
-TEST(AddressedBlob, is_destroyed_through_its_base)
+TEST(AddressedBlob, IsDestroyedThroughItsBase)
 {
     std::unique_ptr<zarnBLOB> blob = std::make_unique<AddressedBLOB>(16);
     blob->write(0, counting_bytes(100));
-    blob.reset(); // the leak checker of a sanitizer build sees what stays behind
+    blob.reset(); // the leak checker of a sanitizer build sees what is not freed
     EXPECT_EQ(blob, nullptr);
 }
 
-TEST(AddressedBlob, order_is_by_unsigned_address_and_strict)
+TEST(AddressedBlob, OrderIsByUnsignedAddressAndStrict)
 {
     AddressedBLOB low(16);
     AddressedBLOB high(16);

@@ -14,7 +14,7 @@ namespace
 
 using Lines = std::vector<std::string>;
 
-TEST(DebugMessages, keeps_messages_in_order_and_shows_quotes_of_strings)
+TEST(DebugMessages, KeepsMessagesInOrderAndShowsQuotesOfStrings)
 {
     const DebugMessages messages;
     qDebug() << "plain";
@@ -22,7 +22,7 @@ TEST(DebugMessages, keeps_messages_in_order_and_shows_quotes_of_strings)
     EXPECT_EQ(lines_of(messages), (Lines{"plain", "\"quoted\""}));
 }
 
-TEST(DebugMessages, inner_catcher_takes_over_while_it_lives)
+TEST(DebugMessages, InnerCatcherTakesOverWhileItLives)
 {
     const DebugMessages outer;
     qDebug() << "before";
@@ -35,7 +35,7 @@ TEST(DebugMessages, inner_catcher_takes_over_while_it_lives)
     EXPECT_EQ(lines_of(outer), (Lines{"before", "after"}));
 }
 
-TEST(DebugMessages, passes_warnings_on_even_when_nested)
+TEST(DebugMessages, PassesWarningsOnEvenWhenNested)
 {
     static std::string warning;
     warning.clear();
@@ -54,7 +54,7 @@ TEST(DebugMessages, passes_warnings_on_even_when_nested)
     EXPECT_EQ(warning, "careful");
 }
 
-TEST(DebugMessages, catches_messages_of_other_threads)
+TEST(DebugMessages, CatchesMessagesOfOtherThreads)
 {
     const DebugMessages messages;
     std::thread([] { qDebug() << "from elsewhere"; }).join();

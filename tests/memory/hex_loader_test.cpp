@@ -41,7 +41,7 @@ class HexFile : public testing::TestWithParam<FileCase>
 {
 };
 
-TEST_P(HexFile, loads_or_tells_why_not)
+TEST_P(HexFile, LoadsOrReportsWhyNot)
 {
     MemoryMap map(16);
     const DebugMessages messages;
@@ -140,7 +140,7 @@ class HexAddressRecord : public HexText, public testing::WithParamInterface<Addr
 {
 };
 
-TEST_P(HexAddressRecord, moves_the_data_that_follow)
+TEST_P(HexAddressRecord, MovesTheDataThatFollow)
 {
     MemoryMap map(16);
     EXPECT_TRUE(
@@ -189,7 +189,7 @@ class HexBoundaries : public testing::TestWithParam<BoundaryCase>
 {
 };
 
-TEST_P(HexBoundaries, cut_between_records)
+TEST_P(HexBoundaries, CutBetweenRecords)
 {
     MemoryMap map(16);
     EXPECT_TRUE(map.load_from_hex_file(data_file("touching_records"), GetParam().boundaries));
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
         BoundaryCase{"everywhere", {0x00, 0x10, 0x20}, {{0, sixteen}, {0x10, sixteen_more}}}),
     [](const auto& row) { return row.param.name; });
 
-TEST_F(HexText, boundary_is_a_full_address)
+TEST_F(HexText, BoundaryIsAFullAddress)
 {
     const QByteArray text = hex_record(4, 0, QByteArray("\x00\x01", 2)) + data_record(0x10, "01") +
                             data_record(0x11, "02");
@@ -220,7 +220,7 @@ TEST_F(HexText, boundary_is_a_full_address)
 
 // ---- Blobs ----
 
-TEST_F(HexText, blobs_have_the_chunk_size_of_the_map)
+TEST_F(HexText, BlobsHaveTheChunkSizeOfTheMap)
 {
     MemoryMap map(32);
     EXPECT_TRUE(load(map, data_record(0, "01") + data_record(0x10, "02")));
@@ -230,7 +230,7 @@ TEST_F(HexText, blobs_have_the_chunk_size_of_the_map)
     EXPECT_EQ(map.blobs()[1]->capacity(), 32U);
 }
 
-TEST_F(HexText, loading_adds_to_what_the_map_holds)
+TEST_F(HexText, LoadingAddsToWhatTheMapHolds)
 {
     MemoryMap map(16);
     map.write(0x10, QByteArray("a"));
@@ -238,7 +238,7 @@ TEST_F(HexText, loading_adds_to_what_the_map_holds)
     EXPECT_EQ(image_of(map), (Image{{0x00, "63"}, {0x10, "61"}, {0x11, "62"}}));
 }
 
-TEST_F(HexText, the_same_file_twice_overlaps_itself)
+TEST_F(HexText, TheSameFileTwiceOverlapsItself)
 {
     MemoryMap map(16);
     const QByteArray text = data_record(0x11, "62");
@@ -249,7 +249,7 @@ TEST_F(HexText, the_same_file_twice_overlaps_itself)
               (Lines{"\"Overlap at 11 with size 1 with 11 size 1\"", blobs_overlap}));
 }
 
-TEST_F(HexText, a_record_continues_only_the_blob_of_the_record_before)
+TEST_F(HexText, ARecordContinuesOnlyTheBlobOfTheRecordBefore)
 {
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0x00, "01") + data_record(0x10, "02") +
@@ -257,7 +257,7 @@ TEST_F(HexText, a_record_continues_only_the_blob_of_the_record_before)
     EXPECT_EQ(image_of(map), (Image{{0x00, "01"}, {0x01, "03"}, {0x10, "02"}, {0x11, "04"}}));
 }
 
-TEST_F(HexText, other_records_in_between_do_not_end_a_blob)
+TEST_F(HexText, OtherRecordsInBetweenDoNotEndABlob)
 {
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0x00, "01") + hex_record(4, 0, "") +
@@ -265,7 +265,7 @@ TEST_F(HexText, other_records_in_between_do_not_end_a_blob)
     EXPECT_EQ(image_of(map), (Image{{0x00, "0102"}}));
 }
 
-TEST_F(HexText, records_longer_than_a_chunk_are_stored_whole)
+TEST_F(HexText, RecordsLongerThanAChunkAreStoredWhole)
 {
     MemoryMap map(16);
     EXPECT_TRUE(load(map, hex_record(0, 0x00, counting_bytes(255)) +
@@ -273,7 +273,7 @@ TEST_F(HexText, records_longer_than_a_chunk_are_stored_whole)
     EXPECT_EQ(image_of(map), (Image{{0, digits_of(counting_bytes(510))}}));
 }
 
-TEST_F(HexText, a_blob_goes_on_across_the_end_of_the_address_space)
+TEST_F(HexText, ABlobGoesOnAcrossTheEndOfTheAddressSpace)
 {
     MemoryMap map(16);
     EXPECT_TRUE(load(map, hex_record(4, 0, "\xFF\xFF") + data_record(0xFFFC, "01020304") +
@@ -285,7 +285,7 @@ TEST_F(HexText, a_blob_goes_on_across_the_end_of_the_address_space)
     EXPECT_FALSE(map.read(0xFFFFFFF0, 16, bytes));
 }
 
-TEST_F(HexText, an_empty_blob_overlaps_only_what_it_lies_inside)
+TEST_F(HexText, AnEmptyBlobOverlapsOnlyWhatItLiesInside)
 {
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0x10, "") + hex_record(9, 0, "") + data_record(0x00, "01") +
@@ -298,7 +298,7 @@ TEST_F(HexText, an_empty_blob_overlaps_only_what_it_lies_inside)
               (Lines{"\"Overlap at 10 with size 2 with 11 size 0\"", blobs_overlap}));
 }
 
-TEST_F(HexText, lines_may_lie_across_the_blocks_in_which_a_file_is_read)
+TEST_F(HexText, LinesMayLieAcrossTheBlocksInWhichAFileIsRead)
 {
     QByteArray text;
     QByteArray bytes;
@@ -313,7 +313,7 @@ TEST_F(HexText, lines_may_lie_across_the_blocks_in_which_a_file_is_read)
     EXPECT_EQ(image_of(map), (Image{{0, digits_of(bytes)}}));
 }
 
-TEST_F(HexText, the_longest_line_may_begin_anywhere_around_the_end_of_a_block)
+TEST_F(HexText, TheLongestLineMayBeginAnywhereAroundTheEndOfABlock)
 {
     const QByteArray bytes = counting_bytes(255, 1);
     const QByteArray lines = hex_record(0, 0, bytes) + data_record(255, "AA");
@@ -331,7 +331,7 @@ TEST_F(HexText, the_longest_line_may_begin_anywhere_around_the_end_of_a_block)
     }
 }
 
-TEST_F(HexText, a_long_run_of_text_between_records_is_skipped)
+TEST_F(HexText, ALongRunOfTextBetweenRecordsIsSkipped)
 {
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0, "01") + QByteArray(200000, '.') + data_record(1, "02") +
@@ -339,7 +339,7 @@ TEST_F(HexText, a_long_run_of_text_between_records_is_skipped)
     EXPECT_EQ(image_of(map), (Image{{0, "0102"}}));
 }
 
-TEST_F(HexText, every_cut_through_a_file_loads_or_fails_in_words)
+TEST_F(HexText, EveryCutThroughAFileLoadsOrFailsInWords)
 {
     const QByteArray text = data_record(0, "0102") + data_record(8, "03") + ":00000001FF\n";
     const int first = data_record(0, "0102").size();
@@ -359,7 +359,7 @@ TEST_F(HexText, every_cut_through_a_file_loads_or_fails_in_words)
 
 // ---- Files that cannot be read ----
 
-TEST_F(HexText, a_file_that_cannot_be_opened_is_told)
+TEST_F(HexText, AFileThatCannotBeOpenedIsReported)
 {
     for (const QString& path : {folder(), folder() + QStringLiteral("/missing.hex")}) {
         SCOPED_TRACE(path.toStdString());
@@ -373,7 +373,7 @@ TEST_F(HexText, a_file_that_cannot_be_opened_is_told)
     }
 }
 
-TEST(HexFileOfTheSystem, a_read_error_is_not_taken_for_the_end_of_the_file)
+TEST(HexFileOfTheSystem, AReadErrorIsNotTakenForTheEndOfTheFile)
 {
     MemoryMap map(16);
     const DebugMessages messages;

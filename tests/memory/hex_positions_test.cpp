@@ -85,7 +85,7 @@ TEST_F(HexPositions, ComeWithTheCharacterThatDoesNotFit)
     EXPECT_EQ(reader.peek(), std::nullopt);
 }
 
-TEST_F(HexPositions, AreThereForWhoeverLooksOnWhileAMapIsLoaded)
+TEST_F(HexPositions, AreKnownWhileAMapIsLoaded)
 {
     auto& reader = reader_of(":0100000041BE\n:0100010042BD\n:0100020043BA\n");
     std::vector<RecordOutcome> outcomes;

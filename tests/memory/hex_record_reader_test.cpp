@@ -46,7 +46,7 @@ private:
     QFile m_file;
 };
 
-TEST_F(HexRecordReader, digits_are_those_of_base_16_in_either_case_and_nothing_else)
+TEST_F(HexRecordReader, DigitsAreThoseOfBase16InEitherCaseAndNothingElse)
 {
     for (int c = 0; c < 256; ++c) {
         SCOPED_TRACE(c);
@@ -59,14 +59,14 @@ TEST_F(HexRecordReader, digits_are_those_of_base_16_in_either_case_and_nothing_e
     }
 }
 
-TEST_F(HexRecordReader, digit_fails_at_the_end_of_the_file)
+TEST_F(HexRecordReader, DigitFailsAtTheEndOfTheFile)
 {
     unsigned char value = 99;
     EXPECT_FALSE(m_map.read_hex_digit_from_file(file_with(""), value));
     EXPECT_EQ(value, 99);
 }
 
-TEST_F(HexRecordReader, byte_is_two_digits_high_first)
+TEST_F(HexRecordReader, ByteIsTwoDigitsHighFirst)
 {
     QFile& file = file_with("A5f00");
     unsigned char value = 0;
@@ -81,7 +81,7 @@ TEST_F(HexRecordReader, byte_is_two_digits_high_first)
     EXPECT_EQ(checksum, 0x96);
 }
 
-TEST_F(HexRecordReader, byte_fails_at_a_bad_digit_in_either_place)
+TEST_F(HexRecordReader, ByteFailsAtABadDigitInEitherPlace)
 {
     for (const char* text : {"", "0", "G0", "0G", " 0", "0 ", "-1", "+1", "0x"}) {
         SCOPED_TRACE(text);
@@ -92,7 +92,7 @@ TEST_F(HexRecordReader, byte_fails_at_a_bad_digit_in_either_place)
     }
 }
 
-TEST_F(HexRecordReader, bytes_replace_what_the_array_held)
+TEST_F(HexRecordReader, BytesReplaceWhatTheArrayHeld)
 {
     QByteArray data = "a longer text";
     unsigned char checksum = 0;
@@ -101,7 +101,7 @@ TEST_F(HexRecordReader, bytes_replace_what_the_array_held)
     EXPECT_EQ(checksum, 0x02);
 }
 
-TEST_F(HexRecordReader, no_bytes_succeed_at_once)
+TEST_F(HexRecordReader, NoBytesSucceedAtOnce)
 {
     QByteArray data = "text";
     unsigned char checksum = 7;
@@ -112,7 +112,7 @@ TEST_F(HexRecordReader, no_bytes_succeed_at_once)
     EXPECT_EQ(file.pos(), 0);
 }
 
-TEST_F(HexRecordReader, bytes_fail_at_the_end_of_the_file_and_keep_what_came_before)
+TEST_F(HexRecordReader, BytesFailAtTheEndOfTheFileAndKeepWhatCameBefore)
 {
     QByteArray data;
     unsigned char checksum = 0;
@@ -120,7 +120,7 @@ TEST_F(HexRecordReader, bytes_fail_at_the_end_of_the_file_and_keep_what_came_bef
     EXPECT_EQ(digits_of(data), "0102");
 }
 
-TEST_F(HexRecordReader, record_is_taken_apart)
+TEST_F(HexRecordReader, RecordIsTakenApart)
 {
     QFile& file = file_with(":03AB4200010203"
                             "0A\n");
@@ -131,7 +131,7 @@ TEST_F(HexRecordReader, record_is_taken_apart)
     EXPECT_EQ(file.pos(), 17); // nothing beyond the checksum is touched
 }
 
-TEST_F(HexRecordReader, record_type_is_not_checked)
+TEST_F(HexRecordReader, RecordTypeIsNotChecked)
 {
     for (const int type : {0, 1, 2, 3, 4, 5, 6, 0x7F, 0x80, 0xFF}) {
         SCOPED_TRACE(type);
@@ -142,7 +142,7 @@ TEST_F(HexRecordReader, record_type_is_not_checked)
     }
 }
 
-TEST_F(HexRecordReader, record_may_be_empty_or_as_long_as_its_count_can_say)
+TEST_F(HexRecordReader, RecordMayBeEmptyOrAsLongAsItsCountCanSay)
 {
     for (const int count : {0, 1, 16, 255}) {
         SCOPED_TRACE(count);
@@ -151,7 +151,7 @@ TEST_F(HexRecordReader, record_may_be_empty_or_as_long_as_its_count_can_say)
     }
 }
 
-TEST_F(HexRecordReader, every_checksum_but_the_right_one_is_a_mismatch)
+TEST_F(HexRecordReader, EveryChecksumButTheRightOneIsAMismatch)
 {
     for (int checksum = 0; checksum < 256; ++checksum) {
         SCOPED_TRACE(checksum);
@@ -164,7 +164,7 @@ TEST_F(HexRecordReader, every_checksum_but_the_right_one_is_a_mismatch)
     }
 }
 
-TEST_F(HexRecordReader, record_with_a_wrong_checksum_is_there_all_the_same)
+TEST_F(HexRecordReader, RecordWithAWrongChecksumIsThereAllTheSame)
 {
     EXPECT_FALSE(read_record(file_with(":03AB4204010203"
                                        "0A\n")));
@@ -173,7 +173,7 @@ TEST_F(HexRecordReader, record_with_a_wrong_checksum_is_there_all_the_same)
     EXPECT_EQ(digits_of(m_data), "010203");
 }
 
-TEST_F(HexRecordReader, record_without_its_checksum_is_there_all_the_same)
+TEST_F(HexRecordReader, RecordWithoutItsChecksumIsThereAllTheSame)
 {
     EXPECT_FALSE(read_record(file_with(":03AB42040102030")));
     EXPECT_EQ(m_type, IntelHexFileRecordType::ExtendedLinearAddress);
@@ -181,7 +181,7 @@ TEST_F(HexRecordReader, record_without_its_checksum_is_there_all_the_same)
     EXPECT_EQ(digits_of(m_data), "010203");
 }
 
-TEST_F(HexRecordReader, record_without_all_its_data_leaves_type_and_address_alone)
+TEST_F(HexRecordReader, RecordWithoutAllItsDataLeavesTypeAndAddressAlone)
 {
     m_type = IntelHexFileRecordType::EndOfFile;
     m_address = 0x1234;
@@ -191,14 +191,14 @@ TEST_F(HexRecordReader, record_without_all_its_data_leaves_type_and_address_alon
     EXPECT_EQ(digits_of(m_data), "0102");
 }
 
-TEST_F(HexRecordReader, character_that_does_not_fit_is_the_last_one_read)
+TEST_F(HexRecordReader, CharacterThatDoesNotFitIsTheLastOneRead)
 {
     QFile& file = file_with(":03AB42x4010203");
     EXPECT_FALSE(read_record(file));
     EXPECT_EQ(file.pos(), 8);
 }
 
-TEST_F(HexRecordReader, all_up_to_the_colon_is_skipped)
+TEST_F(HexRecordReader, AllUpToTheColonIsSkipped)
 {
     QFile& file = file_with("; a comment, 0123\r\n\t \xFF:00000001FFxyz\n\n:0100000041BE");
     EXPECT_TRUE(read_record(file));
@@ -209,7 +209,7 @@ TEST_F(HexRecordReader, all_up_to_the_colon_is_skipped)
     EXPECT_EQ(m_data, "A");
 }
 
-TEST_F(HexRecordReader, blanks_before_the_end_of_the_file_are_no_record)
+TEST_F(HexRecordReader, BlanksBeforeTheEndOfTheFileAreNoRecord)
 {
     for (const char* text : {"", "\n", " \t\r\n", "0400000001020304F2"}) {
         SCOPED_TRACE(text);
@@ -219,7 +219,7 @@ TEST_F(HexRecordReader, blanks_before_the_end_of_the_file_are_no_record)
     }
 }
 
-/// What is told when the character at `position` of the line ":0400000001020304F2" is bad.
+/// The message when the character at `position` of the line ":0400000001020304F2" is bad.
 std::string message_for_position(int position)
 {
     const std::string prefix = "MemoryMap::read_record(): failed to read ";
@@ -241,7 +241,7 @@ std::string message_for_position(int position)
     return prefix + (position < 17 ? "data" : "checksum");
 }
 
-TEST_F(HexRecordReader, a_record_cut_short_tells_the_field_that_is_missing)
+TEST_F(HexRecordReader, ARecordCutShortReportsTheFieldThatIsMissing)
 {
     const QByteArray line = ":0400000001020304F2";
     for (int length = 0; length < line.size(); ++length) {
@@ -252,7 +252,7 @@ TEST_F(HexRecordReader, a_record_cut_short_tells_the_field_that_is_missing)
     }
 }
 
-TEST_F(HexRecordReader, a_character_that_is_no_digit_tells_its_field)
+TEST_F(HexRecordReader, ACharacterThatIsNoDigitReportsItsField)
 {
     const QByteArray line = ":0400000001020304F2";
     for (const char bad : {' ', '\n', '\r', 'G', ':', '-', '\0', '\xFF'}) {

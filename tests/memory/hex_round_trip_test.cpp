@@ -31,7 +31,7 @@ bool save_and_load(const MemoryMap& map, MemoryMap& again)
     return map.save_to_hex_file(path) && again.load_from_hex_file(path, {});
 }
 
-TEST(HexRoundTrip, images_around_and_beyond_the_size_of_a_block_come_back)
+TEST(HexRoundTrip, ImagesAroundAndBeyondTheSizeOfABlockComeBack)
 {
     for (const unsigned int size : {1U, 16U, 23000U, 24000U, 65536U, 300001U}) {
         SCOPED_TRACE(size);
@@ -47,7 +47,7 @@ TEST(HexRoundTrip, images_around_and_beyond_the_size_of_a_block_come_back)
     }
 }
 
-TEST(HexRoundTrip, islands_come_back_at_their_addresses)
+TEST(HexRoundTrip, IslandsComeBackAtTheirAddresses)
 {
     for (unsigned int seed = 1; seed <= 20; ++seed) {
         SCOPED_TRACE(seed);
@@ -84,7 +84,7 @@ Bytes bytes_by_address(const MemoryMap& map)
     return bytes;
 }
 
-TEST(HexRoundTrip, every_byte_comes_back_where_its_record_goes)
+TEST(HexRoundTrip, EveryByteComesBackWhereItsRecordGoes)
 {
     for (unsigned int seed = 1; seed <= 100; ++seed) {
         SCOPED_TRACE(seed);
@@ -114,7 +114,7 @@ TEST(HexRoundTrip, every_byte_comes_back_where_its_record_goes)
     }
 }
 
-TEST(HexRoundTrip, second_address_bytes_from_0x80_on_come_back_at_the_top)
+TEST(HexRoundTrip, SecondAddressBytesFrom0x80OnComeBackAtTheTop)
 {
     MemoryMap map(16);
     map.write(0x00F00010, QByteArray("A"));

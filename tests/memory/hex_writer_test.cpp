@@ -55,7 +55,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-TEST_F(HexWriter, record_is_one_line_of_upper_case_digits)
+TEST_F(HexWriter, RecordIsOneLineOfUpperCaseDigits)
 {
     const AddressedBLOB blob(16);
     EXPECT_EQ(written_by([&](QFile& file) {
@@ -65,7 +65,7 @@ TEST_F(HexWriter, record_is_one_line_of_upper_case_digits)
               ":03ABCD050090EF01\n");
 }
 
-TEST_F(HexWriter, record_without_data_has_a_checksum_too)
+TEST_F(HexWriter, RecordWithoutDataHasAChecksumToo)
 {
     const AddressedBLOB blob(16);
     EXPECT_EQ(written_by([&](QFile& file) {
@@ -75,7 +75,7 @@ TEST_F(HexWriter, record_without_data_has_a_checksum_too)
               ":0000000000\n:00000001FF\n");
 }
 
-TEST_F(HexWriter, count_of_a_record_is_the_low_8_bits_of_its_length)
+TEST_F(HexWriter, CountOfARecordIsTheLow8BitsOfItsLength)
 {
     const AddressedBLOB blob(16);
     EXPECT_EQ(written_by([&](QFile& file) {
@@ -85,7 +85,7 @@ TEST_F(HexWriter, count_of_a_record_is_the_low_8_bits_of_its_length)
               ":01000000" + std::string(2 * 257, '0') + "FF\n");
 }
 
-TEST_F(HexWriter, data_record)
+TEST_F(HexWriter, DataRecord)
 {
     const AddressedBLOB blob(16);
     EXPECT_EQ(written_by([&](QFile& file) {
@@ -94,7 +94,7 @@ TEST_F(HexWriter, data_record)
               ":0400000001020304F2\n");
 }
 
-TEST_F(HexWriter, extended_linear_address_record_holds_the_upper_half)
+TEST_F(HexWriter, ExtendedLinearAddressRecordHoldsTheUpperHalf)
 {
     const AddressedBLOB blob(16);
     EXPECT_EQ(written_by([&](QFile& file) {
@@ -105,32 +105,32 @@ TEST_F(HexWriter, extended_linear_address_record_holds_the_upper_half)
               ":020000040001F9\n:020000041234B4\n:02000004FFFFFC\n");
 }
 
-TEST_F(HexWriter, end_record)
+TEST_F(HexWriter, EndRecord)
 {
     const AddressedBLOB blob(16);
     EXPECT_EQ(written_by([&](QFile& file) { blob.write_eof_to_file(file); }), ":00000001FF\n");
 }
 
-TEST_F(HexWriter, empty_blob_writes_nothing)
+TEST_F(HexWriter, EmptyBlobWritesNothing)
 {
     EXPECT_EQ(content_of(0x1000, {}, 0xFFFF), "");
 }
 
-TEST_F(HexWriter, content_goes_in_records_of_16_bytes)
+TEST_F(HexWriter, ContentGoesInRecordsOf16Bytes)
 {
     EXPECT_EQ(content_of(0, counting_bytes(33), 0), ":10000000000102030405060708090A0B0C0D0E0F78\n"
                                                     ":10001000101112131415161718191A1B1C1D1E1F68\n"
                                                     ":0100200020BF\n");
 }
 
-TEST_F(HexWriter, upper_half_in_force_already_is_not_written_again)
+TEST_F(HexWriter, UpperHalfInForceAlreadyIsNotWrittenAgain)
 {
     EXPECT_EQ(content_of(0x00010000, "A", 0x0001), ":0100000041BE\n");
     EXPECT_EQ(content_of(0x00010000, "A", 0x0000), ":020000040001F9\n:0100000041BE\n");
     EXPECT_EQ(content_of(0xFFFF0000, "A", 0xFFFF), ":0100000041BE\n");
 }
 
-TEST_F(HexWriter, upper_half_is_written_where_it_changes)
+TEST_F(HexWriter, UpperHalfIsWrittenWhereItChanges)
 {
     EXPECT_EQ(content_of(0x0001FFF0, QByteArray(32, '\0'), 0xFFFF),
               ":020000040001F9\n:10FFF00000000000000000000000000000000000"
@@ -138,26 +138,26 @@ TEST_F(HexWriter, upper_half_is_written_where_it_changes)
               ":020000040002F8\n:1000000000000000000000000000000000000000F0\n");
 }
 
-TEST_F(HexWriter, a_record_is_not_split_at_the_end_of_a_segment)
+TEST_F(HexWriter, ARecordIsNotSplitAtTheEndOfASegment)
 {
     EXPECT_EQ(content_of(0x0001FFF8, QByteArray(32, '\0'), 0xFFFF),
               ":020000040001F9\n:10FFF80000000000000000000000000000000000F9\n"
               ":020000040002F8\n:1000080000000000000000000000000000000000E8\n");
 }
 
-TEST_F(HexWriter, content_across_the_end_of_the_address_space_goes_on_at_0)
+TEST_F(HexWriter, ContentAcrossTheEndOfTheAddressSpaceGoesOnAt0)
 {
     EXPECT_EQ(content_of(0xFFFFFFF0, QByteArray(17, '\0'), 0xFFFF),
               ":10FFF0000000000000000000000000000000000001\n"
               ":020000040000FA\n:0100000000FF\n");
 }
 
-TEST_F(HexWriter, saving_an_empty_map_writes_the_end_record)
+TEST_F(HexWriter, SavingAnEmptyMapWritesTheEndRecord)
 {
     EXPECT_EQ(saved(MemoryMap(16)), ":00000001FF\n");
 }
 
-TEST_F(HexWriter, saving_a_blob_that_begins_inside_a_segment)
+TEST_F(HexWriter, SavingABlobThatBeginsInsideASegment)
 {
     MemoryMap map(32);
     map.write(0x00010008, counting_bytes(20));
@@ -169,7 +169,7 @@ TEST_F(HexWriter, saving_a_blob_that_begins_inside_a_segment)
                           ":00000001FF\n");
 }
 
-TEST_F(HexWriter, every_blob_begins_with_its_upper_half)
+TEST_F(HexWriter, EveryBlobBeginsWithItsUpperHalf)
 {
     MemoryMap map(16);
     map.write(0x00010000, QByteArray("A"));
@@ -179,7 +179,7 @@ TEST_F(HexWriter, every_blob_begins_with_its_upper_half)
                           ":00000001FF\n");
 }
 
-TEST_F(HexWriter, blobs_of_the_last_segment_begin_without_it)
+TEST_F(HexWriter, BlobsOfTheLastSegmentBeginWithoutIt)
 {
     MemoryMap map(16);
     map.write(0x00010000, QByteArray("A"));
@@ -187,7 +187,7 @@ TEST_F(HexWriter, blobs_of_the_last_segment_begin_without_it)
     EXPECT_EQ(saved(map), ":020000040001F9\n:0100000041BE\n:0100010042BC\n:00000001FF\n");
 }
 
-TEST_F(HexWriter, blobs_are_saved_in_list_order)
+TEST_F(HexWriter, BlobsAreSavedInListOrder)
 {
     MemoryMap map(16);
     map.write(0x20, QByteArray("B"));
@@ -197,13 +197,13 @@ TEST_F(HexWriter, blobs_are_saved_in_list_order)
                           ":00000001FF\n");
 }
 
-TEST_F(HexWriter, saving_replaces_what_the_file_held)
+TEST_F(HexWriter, SavingReplacesWhatTheFileHeld)
 {
     write_file(path(), QByteArray(1000, '?'));
     EXPECT_EQ(saved(MemoryMap(16)), ":00000001FF\n");
 }
 
-TEST_F(HexWriter, a_file_that_cannot_be_opened_for_writing_is_told_with_its_path)
+TEST_F(HexWriter, AFileThatCannotBeOpenedForWritingIsReportedWithItsPath)
 {
     const QString unwritable = folder() + QStringLiteral("/no such folder/%1 %2.hex");
     const DebugMessages messages;

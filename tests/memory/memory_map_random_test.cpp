@@ -256,17 +256,17 @@ void compare_maps_around(unsigned int middle)
                                      "overlapping", "with an empty blob", "with blobs that touch"));
 }
 
-TEST(RandomMemoryMap, answers_as_a_walk_over_its_list_does)
+TEST(RandomMemoryMap, AnswersAsAWalkOverItsListDoes)
 {
     compare_maps_around(0x10000);
 }
 
-TEST(RandomMemoryMap, answers_as_a_walk_does_where_addresses_wrap)
+TEST(RandomMemoryMap, AnswersAsAWalkDoesWhereAddressesWrap)
 {
     compare_maps_around(0);
 }
 
-TEST(RandomMemoryMap, answers_as_a_walk_does_where_addresses_turn_negative)
+TEST(RandomMemoryMap, AnswersAsAWalkDoesWhereAddressesTurnNegative)
 {
     compare_maps_around(0x80000000);
 }

@@ -25,7 +25,7 @@ MemoryMap three_blobs()
     return map;
 }
 
-/// What read() makes of an array of `count` bytes "?", or nothing when it returns false.
+/// What read() leaves in an array of `count` bytes "?", or nothing when it returns false.
 std::string bytes_at(const MemoryMap& map, unsigned int address, unsigned int count)
 {
     QByteArray bytes(static_cast<int>(count), '?');
@@ -39,7 +39,7 @@ std::string bytes_at(const MemoryMap& map, unsigned int address, unsigned int co
 // Whoever looks at a map's blobs cannot change them.
 static_assert(std::is_const_v<std::remove_reference_t<decltype(*MemoryMap(1).blobs()[0])>>);
 
-TEST(MemoryMap, begins_empty)
+TEST(MemoryMap, BeginsEmpty)
 {
     MemoryMap map(16);
     EXPECT_TRUE(map.blobs().empty());
@@ -49,7 +49,7 @@ TEST(MemoryMap, begins_empty)
     EXPECT_FALSE(map.has_overlaps());
 }
 
-TEST(MemoryMap, write_cuts_data_into_pieces_of_the_chunk_size)
+TEST(MemoryMap, WriteCutsDataIntoPiecesOfTheChunkSize)
 {
     const MemoryMap map = three_blobs();
     EXPECT_EQ(image_of(map), (Image{{0x1000, digits_of(counting_bytes(256, 1))},
@@ -62,7 +62,7 @@ TEST(MemoryMap, write_cuts_data_into_pieces_of_the_chunk_size)
     }
 }
 
-TEST(MemoryMap, write_of_nothing_adds_nothing)
+TEST(MemoryMap, WriteOfNothingAddsNothing)
 {
     MemoryMap map(16);
     map.write(0x1000, 0, nullptr);
@@ -70,7 +70,7 @@ TEST(MemoryMap, write_of_nothing_adds_nothing)
     EXPECT_TRUE(map.blobs().empty());
 }
 
-TEST(MemoryMap, write_appends_in_the_order_of_the_calls)
+TEST(MemoryMap, WriteAppendsInTheOrderOfTheCalls)
 {
     MemoryMap map(16);
     map.write(0x2000, QByteArray("bb"));
@@ -79,7 +79,7 @@ TEST(MemoryMap, write_appends_in_the_order_of_the_calls)
     EXPECT_EQ(image_of(map), (Image{{0x2000, "6262"}, {0x1000, "6161"}, {0x3000, "6363"}}));
 }
 
-TEST(MemoryMap, blob_index_is_that_of_the_blob_which_holds_the_address)
+TEST(MemoryMap, BlobIndexIsThatOfTheBlobWhichHoldsTheAddress)
 {
     const MemoryMap map = three_blobs();
     EXPECT_EQ(map.get_blob_index(0x0FFF), -1);
@@ -90,7 +90,7 @@ TEST(MemoryMap, blob_index_is_that_of_the_blob_which_holds_the_address)
     EXPECT_EQ(map.get_blob_index(0x1258), -1);
 }
 
-TEST(MemoryMap, blob_index_is_the_first_in_list_order)
+TEST(MemoryMap, BlobIndexIsTheFirstInListOrder)
 {
     MemoryMap map(16);
     map.write(0x1008, QByteArray(16, 'a'));
@@ -100,7 +100,7 @@ TEST(MemoryMap, blob_index_is_the_first_in_list_order)
     EXPECT_EQ(map.get_blob_index(0x1017), 0);
 }
 
-TEST(MemoryMap, read_copies_the_covered_part_and_leaves_gaps_alone)
+TEST(MemoryMap, ReadCopiesTheCoveredPartAndLeavesGapsAlone)
 {
     const MemoryMap map = three_blobs();
     EXPECT_EQ(bytes_at(map, 0x0FF8, 16), "????????\x01\x02\x03\x04\x05\x06\x07\x08");
@@ -109,14 +109,14 @@ TEST(MemoryMap, read_copies_the_covered_part_and_leaves_gaps_alone)
     EXPECT_EQ(bytes_at(map, 0x1000, 0), "");
 }
 
-TEST(MemoryMap, read_goes_across_blobs)
+TEST(MemoryMap, ReadGoesAcrossBlobs)
 {
     const MemoryMap map = three_blobs();
     EXPECT_EQ(bytes_at(map, 0x1000, 600), counting_bytes(600, 1).toStdString());
     EXPECT_EQ(bytes_at(map, 0x0FFE, 604), "??" + counting_bytes(600, 1).toStdString() + "??");
 }
 
-TEST(MemoryMap, read_across_a_gap_copies_both_sides)
+TEST(MemoryMap, ReadAcrossAGapCopiesBothSides)
 {
     MemoryMap map(16);
     map.write(0x10, QByteArray("ab"));
@@ -124,7 +124,7 @@ TEST(MemoryMap, read_across_a_gap_copies_both_sides)
     EXPECT_EQ(bytes_at(map, 0x0F, 8), "?ab??cd?");
 }
 
-TEST(MemoryMap, read_into_an_array_gives_it_the_length)
+TEST(MemoryMap, ReadIntoAnArrayGivesItTheLength)
 {
     MemoryMap map(16);
     map.write(0x10, QByteArray("abcd"));
@@ -140,7 +140,7 @@ TEST(MemoryMap, read_into_an_array_gives_it_the_length)
     EXPECT_EQ(bytes, "bc");
 }
 
-TEST(MemoryMap, read_into_a_shared_array_leaves_the_other_copy_alone)
+TEST(MemoryMap, ReadIntoASharedArrayLeavesTheOtherCopyAlone)
 {
     MemoryMap map(16);
     map.write(0x10, QByteArray("abcd"));
@@ -151,7 +151,7 @@ TEST(MemoryMap, read_into_a_shared_array_leaves_the_other_copy_alone)
     EXPECT_EQ(copy, "1234");
 }
 
-TEST(MemoryMap, read_into_an_array_too_long_for_memory_throws)
+TEST(MemoryMap, ReadIntoAnArrayTooLongForMemoryThrows)
 {
     const MemoryMap map = three_blobs();
     QByteArray bytes = "as it was";
@@ -159,7 +159,7 @@ TEST(MemoryMap, read_into_an_array_too_long_for_memory_throws)
     EXPECT_EQ(bytes, "as it was");
 }
 
-TEST(MemoryMap, data_written_later_win)
+TEST(MemoryMap, DataWrittenLaterWin)
 {
     MemoryMap map = three_blobs();
     map.write(0x1010, QByteArray("\xAA\xBB\xCC\xDD"));
@@ -170,7 +170,7 @@ TEST(MemoryMap, data_written_later_win)
     EXPECT_EQ(map.get_blob_index(0x1010), 0);
 }
 
-TEST(MemoryMap, first_overlap_is_told)
+TEST(MemoryMap, FirstOverlapIsReported)
 {
     MemoryMap map = three_blobs();
     map.write(0x1010, QByteArray("\xAA\xBB\xCC\xDD"));
@@ -180,7 +180,7 @@ TEST(MemoryMap, first_overlap_is_told)
     EXPECT_EQ(lines_of(messages), Lines{"\"Overlap at 1000 with size 256 with 1010 size 4\""});
 }
 
-TEST(MemoryMap, overlap_addresses_are_lower_case_without_padding)
+TEST(MemoryMap, OverlapAddressesAreLowerCaseWithoutPadding)
 {
     MemoryMap map(16);
     map.write(0xABC, QByteArray(11, 'x'));
@@ -190,7 +190,7 @@ TEST(MemoryMap, overlap_addresses_are_lower_case_without_padding)
     EXPECT_EQ(lines_of(messages), Lines{"\"Overlap at abc with size 11 with abd size 12\""});
 }
 
-TEST(MemoryMap, overlap_check_sorts_by_address)
+TEST(MemoryMap, OverlapCheckSortsByAddress)
 {
     MemoryMap map(16);
     map.write(0x80000000, QByteArray("d"));
@@ -201,7 +201,7 @@ TEST(MemoryMap, overlap_check_sorts_by_address)
     EXPECT_EQ(image_of(map), (Image{{0x00, "61"}, {0x10, "62"}, {0x20, "63"}, {0x80000000, "64"}}));
 }
 
-TEST(MemoryMap, overlap_check_sorts_a_map_with_overlaps_too)
+TEST(MemoryMap, OverlapCheckSortsAMapWithOverlapsToo)
 {
     MemoryMap map(16);
     map.write(0x20, QByteArray("ccc"));
@@ -214,7 +214,7 @@ TEST(MemoryMap, overlap_check_sorts_a_map_with_overlaps_too)
     EXPECT_EQ(bytes_at(map, 0x20, 3), "cdc");
 }
 
-TEST(MemoryMap, blobs_at_one_address_keep_their_order)
+TEST(MemoryMap, BlobsAtOneAddressKeepTheirOrder)
 {
     MemoryMap map(16);
     for (char byte = 'a'; byte <= 'z'; ++byte) {
@@ -228,7 +228,7 @@ TEST(MemoryMap, blobs_at_one_address_keep_their_order)
     EXPECT_EQ(bytes_of(*map.blobs().at(1)), "a");
 }
 
-TEST(MemoryMap, touching_blobs_do_not_overlap)
+TEST(MemoryMap, TouchingBlobsDoNotOverlap)
 {
     MemoryMap map(16);
     map.write(0x10, counting_bytes(16));
@@ -238,14 +238,14 @@ TEST(MemoryMap, touching_blobs_do_not_overlap)
     EXPECT_EQ(lines_of(messages), Lines{});
 }
 
-TEST(MemoryMap, one_blob_does_not_overlap)
+TEST(MemoryMap, OneBlobDoesNotOverlap)
 {
     MemoryMap map(16);
     map.write(0x10, counting_bytes(16));
     EXPECT_FALSE(map.has_overlaps());
 }
 
-TEST(MemoryMap, writes_after_the_overlap_check_still_win)
+TEST(MemoryMap, WritesAfterTheOverlapCheckStillWin)
 {
     MemoryMap map(16);
     map.write(0x10, QByteArray("abcd"));
@@ -257,7 +257,7 @@ TEST(MemoryMap, writes_after_the_overlap_check_still_win)
     EXPECT_EQ(map.get_blob_index(0x22), 1);
 }
 
-TEST(MemoryMap, clear_keeps_the_chunk_size)
+TEST(MemoryMap, ClearKeepsTheChunkSize)
 {
     MemoryMap map = three_blobs();
     map.write(0x0, QByteArray("out of order"));
@@ -269,7 +269,7 @@ TEST(MemoryMap, clear_keeps_the_chunk_size)
     EXPECT_EQ(map.get_blob_index(0x112B), 1);
 }
 
-TEST(MemoryMap, a_moved_map_takes_its_blobs_along)
+TEST(MemoryMap, AMovedMapTakesItsBlobsAlong)
 {
     MemoryMap map = three_blobs();
     const MemoryMap moved = std::move(map);
@@ -280,7 +280,7 @@ TEST(MemoryMap, a_moved_map_takes_its_blobs_along)
 // Ends of ranges wrap at 2^32: a range that reaches it ends at or below its beginning and holds
 // no address.
 
-TEST(MemoryMap, the_last_address_below_the_wrap_can_be_read)
+TEST(MemoryMap, TheLastAddressBelowTheWrapCanBeRead)
 {
     MemoryMap map(16);
     map.write(max_address - 4, QByteArray("abcd"));
@@ -289,7 +289,7 @@ TEST(MemoryMap, the_last_address_below_the_wrap_can_be_read)
     EXPECT_EQ(map.get_blob_index(max_address), -1);
 }
 
-TEST(MemoryMap, a_blob_that_ends_at_the_wrap_holds_no_address)
+TEST(MemoryMap, ABlobThatEndsAtTheWrapHoldsNoAddress)
 {
     MemoryMap map(16);
     map.write(max_address - 3, QByteArray("abcd"));
@@ -301,7 +301,7 @@ TEST(MemoryMap, a_blob_that_ends_at_the_wrap_holds_no_address)
     EXPECT_FALSE(map.has_overlaps());
 }
 
-TEST(MemoryMap, a_read_across_the_wrap_copies_nothing)
+TEST(MemoryMap, AReadAcrossTheWrapCopiesNothing)
 {
     MemoryMap map(16);
     map.write(max_address - 8, QByteArray("abcd"));
@@ -320,7 +320,7 @@ TEST(MemoryMap, a_read_across_the_wrap_copies_nothing)
     EXPECT_EQ(byte, '?');
 }
 
-TEST(MemoryMap, pieces_of_a_write_go_on_at_0_after_the_wrap)
+TEST(MemoryMap, PiecesOfAWriteGoOnAt0AfterTheWrap)
 {
     MemoryMap map(16);
     map.write(max_address - 19, counting_bytes(40));

@@ -26,7 +26,7 @@ class ZarnBlobOfAnyChunkSize : public testing::TestWithParam<unsigned int>
 INSTANTIATE_TEST_SUITE_P(ChunkSizes, ZarnBlobOfAnyChunkSize, testing::Values(1, 3, 4, 16, 1000),
                          testing::PrintToStringParamName());
 
-TEST(ZarnBlob, begins_empty)
+TEST(ZarnBlob, BeginsEmpty)
 {
     const zarnBLOB blob(16);
     EXPECT_EQ(blob.size(), 0U);
@@ -34,7 +34,7 @@ TEST(ZarnBlob, begins_empty)
     EXPECT_EQ(blob.chunk_size(), 16U);
 }
 
-TEST(ZarnBlob, write_beyond_the_end_fills_the_gap_with_zeros)
+TEST(ZarnBlob, WriteBeyondTheEndFillsTheGapWithZeros)
 {
     zarnBLOB blob(16);
     blob.write(20, 4, "\x01\x02\x03\x04");
@@ -43,7 +43,7 @@ TEST(ZarnBlob, write_beyond_the_end_fills_the_gap_with_zeros)
     EXPECT_EQ(bytes_of(blob), QByteArray(20, '\0') + "\x01\x02\x03\x04");
 }
 
-TEST(ZarnBlob, read_at_the_end_copies_nothing)
+TEST(ZarnBlob, ReadAtTheEndCopiesNothing)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(24));
@@ -52,7 +52,7 @@ TEST(ZarnBlob, read_at_the_end_copies_nothing)
     EXPECT_EQ(bytes, "untouched!");
 }
 
-TEST(ZarnBlob, read_stops_at_the_end)
+TEST(ZarnBlob, ReadStopsAtTheEnd)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(24));
@@ -61,7 +61,7 @@ TEST(ZarnBlob, read_stops_at_the_end)
     EXPECT_EQ(bytes, counting_bytes(16, 8) + QByteArray(84, '?'));
 }
 
-TEST(ZarnBlob, read_beyond_the_end_copies_nothing)
+TEST(ZarnBlob, ReadBeyondTheEndCopiesNothing)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(24));
@@ -71,7 +71,7 @@ TEST(ZarnBlob, read_beyond_the_end_copies_nothing)
     EXPECT_EQ(bytes, "untouched!");
 }
 
-TEST(ZarnBlob, read_into_an_array_leaves_it_as_long_as_what_was_read)
+TEST(ZarnBlob, ReadIntoAnArrayLeavesItAsLongAsWhatWasRead)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(24));
@@ -84,7 +84,7 @@ TEST(ZarnBlob, read_into_an_array_leaves_it_as_long_as_what_was_read)
     EXPECT_EQ(bytes, QByteArray());
 }
 
-TEST(ZarnBlob, read_of_all_there_may_be_takes_no_more_memory_than_there_is)
+TEST(ZarnBlob, ReadOfAllThereMayBeTakesNoMoreMemoryThanThereIs)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(24));
@@ -93,7 +93,7 @@ TEST(ZarnBlob, read_of_all_there_may_be_takes_no_more_memory_than_there_is)
     EXPECT_EQ(bytes, counting_bytes(20, 4));
 }
 
-TEST(ZarnBlob, read_into_a_shared_array_leaves_the_other_copy_alone)
+TEST(ZarnBlob, ReadIntoASharedArrayLeavesTheOtherCopyAlone)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(4));
@@ -103,7 +103,7 @@ TEST(ZarnBlob, read_into_a_shared_array_leaves_the_other_copy_alone)
     EXPECT_EQ(copy, "abcd");
 }
 
-TEST(ZarnBlob, write_inside_the_used_range_overwrites_in_place)
+TEST(ZarnBlob, WriteInsideTheUsedRangeOverwritesInPlace)
 {
     zarnBLOB blob(4);
     blob.write(0, counting_bytes(12));
@@ -113,7 +113,7 @@ TEST(ZarnBlob, write_inside_the_used_range_overwrites_in_place)
     EXPECT_EQ(blob.capacity(), 12U);
 }
 
-TEST(ZarnBlob, write_across_the_end_overwrites_and_appends)
+TEST(ZarnBlob, WriteAcrossTheEndOverwritesAndAppends)
 {
     zarnBLOB blob(4);
     blob.write(0, counting_bytes(6));
@@ -122,7 +122,7 @@ TEST(ZarnBlob, write_across_the_end_overwrites_and_appends)
     EXPECT_EQ(blob.capacity(), 12U);
 }
 
-TEST(ZarnBlob, write_of_nothing_still_reaches_its_offset)
+TEST(ZarnBlob, WriteOfNothingStillReachesItsOffset)
 {
     zarnBLOB blob(16);
     blob.write(0, 0, nullptr);
@@ -136,7 +136,7 @@ TEST(ZarnBlob, write_of_nothing_still_reaches_its_offset)
     EXPECT_EQ(blob.size(), 20U);
 }
 
-TEST(ZarnBlob, write_past_the_last_32_bit_offset_is_not_stored)
+TEST(ZarnBlob, WritePastTheLast32BitOffsetIsNotStored)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(4));
@@ -149,7 +149,7 @@ TEST(ZarnBlob, write_past_the_last_32_bit_offset_is_not_stored)
     EXPECT_EQ(blob.capacity(), 16U);
 }
 
-TEST_P(ZarnBlobOfAnyChunkSize, capacity_is_whole_chunks_and_never_below_the_size)
+TEST_P(ZarnBlobOfAnyChunkSize, CapacityIsWholeChunksAndNeverBelowTheSize)
 {
     zarnBLOB blob(GetParam());
     for (unsigned int size = 1; size < 100; ++size) {
@@ -161,7 +161,7 @@ TEST_P(ZarnBlobOfAnyChunkSize, capacity_is_whole_chunks_and_never_below_the_size
     }
 }
 
-TEST_P(ZarnBlobOfAnyChunkSize, every_range_of_the_content_can_be_read)
+TEST_P(ZarnBlobOfAnyChunkSize, EveryRangeOfTheContentCanBeRead)
 {
     const QByteArray content = counting_bytes(70);
     zarnBLOB blob(GetParam());
@@ -176,7 +176,7 @@ TEST_P(ZarnBlobOfAnyChunkSize, every_range_of_the_content_can_be_read)
     }
 }
 
-TEST_P(ZarnBlobOfAnyChunkSize, every_range_can_be_overwritten)
+TEST_P(ZarnBlobOfAnyChunkSize, EveryRangeCanBeOverwritten)
 {
     const QByteArray content = counting_bytes(40);
     for (int offset = 0; offset <= 45; ++offset) {
@@ -193,7 +193,7 @@ TEST_P(ZarnBlobOfAnyChunkSize, every_range_can_be_overwritten)
     }
 }
 
-TEST(ZarnBlob, clear_frees_the_bytes_and_keeps_the_chunk_size)
+TEST(ZarnBlob, ClearFreesTheBytesAndKeepsTheChunkSize)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(40));
@@ -203,7 +203,7 @@ TEST(ZarnBlob, clear_frees_the_bytes_and_keeps_the_chunk_size)
     EXPECT_EQ(blob.chunk_size(), 16U);
 }
 
-TEST(ZarnBlob, bytes_of_before_a_clear_do_not_come_back)
+TEST(ZarnBlob, BytesOfBeforeAClearDoNotComeBack)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(40, 1));
@@ -212,21 +212,21 @@ TEST(ZarnBlob, bytes_of_before_a_clear_do_not_come_back)
     EXPECT_EQ(bytes_of(blob), QByteArray(39, '\0') + 'x');
 }
 
-TEST(ZarnBlob, hex_listing_has_a_line_per_chunk)
+TEST(ZarnBlob, HexListingHasALinePerChunk)
 {
     zarnBLOB blob(4);
     blob.write(0, counting_bytes(5, 1));
     EXPECT_EQ(blob.to_hex_string().toStdString(), "block 0: 01 02 03 04\nblock 1: 05\n");
 }
 
-TEST(ZarnBlob, hex_listing_of_a_full_last_chunk_shows_it_whole)
+TEST(ZarnBlob, HexListingOfAFullLastChunkShowsItWhole)
 {
     zarnBLOB blob(2);
     blob.write(0, QByteArray("\xFF\x00\xAB\x7F", 4));
     EXPECT_EQ(blob.to_hex_string().toStdString(), "block 0: FF 00\nblock 1: AB 7F\n");
 }
 
-TEST(ZarnBlob, hex_listing_numbers_chunks_in_decimal)
+TEST(ZarnBlob, HexListingNumbersChunksInDecimal)
 {
     zarnBLOB blob(1);
     blob.write(0, counting_bytes(12));
@@ -235,7 +235,7 @@ TEST(ZarnBlob, hex_listing_numbers_chunks_in_decimal)
               "block 6: 06\nblock 7: 07\nblock 8: 08\nblock 9: 09\nblock 10: 0A\nblock 11: 0B\n");
 }
 
-TEST(ZarnBlob, hex_listing_of_an_empty_blob_is_empty)
+TEST(ZarnBlob, HexListingOfAnEmptyBlobIsEmpty)
 {
     EXPECT_EQ(zarnBLOB(4).to_hex_string().toStdString(), "");
 }
@@ -253,7 +253,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-TEST_F(ZarnBlobFiles, saving_leaves_out_a_full_last_chunk)
+TEST_F(ZarnBlobFiles, SavingLeavesOutAFullLastChunk)
 {
     struct Case {
         int size;
@@ -271,7 +271,7 @@ TEST_F(ZarnBlobFiles, saving_leaves_out_a_full_last_chunk)
     }
 }
 
-TEST_F(ZarnBlobFiles, saving_replaces_what_the_file_held)
+TEST_F(ZarnBlobFiles, SavingReplacesWhatTheFileHeld)
 {
     write_file(path(), "a much longer text than what is saved");
     zarnBLOB blob(16);
@@ -280,7 +280,7 @@ TEST_F(ZarnBlobFiles, saving_replaces_what_the_file_held)
     EXPECT_EQ(file_content(path()), "short");
 }
 
-TEST_F(ZarnBlobFiles, saving_to_a_file_that_cannot_be_opened_returns_the_size)
+TEST_F(ZarnBlobFiles, SavingToAFileThatCannotBeOpenedReturnsTheSize)
 {
     zarnBLOB blob(16);
     blob.write(0, QByteArray("12345"));
@@ -288,7 +288,7 @@ TEST_F(ZarnBlobFiles, saving_to_a_file_that_cannot_be_opened_returns_the_size)
     EXPECT_EQ(blob.save_to_file(folder() + QStringLiteral("/no/such/folder")), 5U);
 }
 
-TEST_F(ZarnBlobFiles, loading_takes_the_raw_bytes)
+TEST_F(ZarnBlobFiles, LoadingTakesTheRawBytes)
 {
     for (const int size : {0, 1, 15, 16, 17, 32, 1000, 100000}) {
         SCOPED_TRACE(size);
@@ -302,7 +302,7 @@ TEST_F(ZarnBlobFiles, loading_takes_the_raw_bytes)
     }
 }
 
-TEST_F(ZarnBlobFiles, loading_replaces_the_content)
+TEST_F(ZarnBlobFiles, LoadingReplacesTheContent)
 {
     write_file(path(), "new");
     zarnBLOB blob(16);
@@ -313,7 +313,7 @@ TEST_F(ZarnBlobFiles, loading_replaces_the_content)
     EXPECT_EQ(bytes_of(blob), QByteArray("new\0\0\0\0\0\0\0x", 11));
 }
 
-TEST_F(ZarnBlobFiles, loading_clears_through_the_derived_class)
+TEST_F(ZarnBlobFiles, LoadingClearsThroughTheDerivedClass)
 {
     struct Counting : zarnBLOB {
         using zarnBLOB::zarnBLOB;
@@ -333,7 +333,7 @@ TEST_F(ZarnBlobFiles, loading_clears_through_the_derived_class)
     EXPECT_EQ(blob.clears, 1);
 }
 
-TEST_F(ZarnBlobFiles, loading_a_file_that_cannot_be_opened_empties_the_blob)
+TEST_F(ZarnBlobFiles, LoadingAFileThatCannotBeOpenedEmptiesTheBlob)
 {
     for (const QString& unreadable : {folder(), folder() + QStringLiteral("/missing.bin")}) {
         SCOPED_TRACE(unreadable.toStdString());
@@ -345,7 +345,7 @@ TEST_F(ZarnBlobFiles, loading_a_file_that_cannot_be_opened_empties_the_blob)
     }
 }
 
-TEST_F(ZarnBlobFiles, a_file_too_long_for_32_bit_offsets_reads_as_empty)
+TEST_F(ZarnBlobFiles, AFileTooLongFor32BitOffsetsReadsAsEmpty)
 {
     QFile file(path());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -357,7 +357,7 @@ TEST_F(ZarnBlobFiles, a_file_too_long_for_32_bit_offsets_reads_as_empty)
     EXPECT_EQ(blob.size(), 0U);
 }
 
-TEST_F(ZarnBlobFiles, saved_and_loaded_again_the_bytes_are_the_same)
+TEST_F(ZarnBlobFiles, SavedAndLoadedAgainTheBytesAreTheSame)
 {
     zarnBLOB blob(16);
     blob.write(0, counting_bytes(1001));

@@ -67,16 +67,16 @@ struct WrongKey {
     QString key;
 };
 
-class UnknownKey : public testing::TestWithParam<WrongKey>
+class AttrNameUnknown : public testing::TestWithParam<WrongKey>
 {
 };
 
-TEST_P(UnknownKey, IsMinusOne)
+TEST_P(AttrNameUnknown, IsMinusOne)
 {
     EXPECT_EQ(Profile::string_to_attr(GetParam().key), -1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, UnknownKey,
+INSTANTIATE_TEST_SUITE_P(, AttrNameUnknown,
                          testing::Values(WrongKey{"Blanks", QStringLiteral("max baud")},
                                          WrongKey{"UpperCase", QStringLiteral("MAX_BAUD")},
                                          WrongKey{"Scoped", QStringLiteral("Profile::max_baud")},

@@ -16,11 +16,11 @@ struct GoodNumber {
     unsigned int value;
 };
 
-class GoodField : public testing::TestWithParam<GoodNumber>
+class ProfileNumber : public testing::TestWithParam<GoodNumber>
 {
 };
 
-TEST_P(GoodField, Converts)
+TEST_P(ProfileNumber, Converts)
 {
     const DebugMessages messages;
     const Profile profile(with_field(example_fields(), Profile::max_baud, GetParam().field));
@@ -29,7 +29,7 @@ TEST_P(GoodField, Converts)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, GoodField,
+    , ProfileNumber,
     testing::Values(GoodNumber{"Hexadecimal", "0x1C200", 115200},
                     GoodNumber{"HexadecimalOtherCase", "0X1c200", 115200},
                     GoodNumber{"Decimal", "115200", 115200}, GoodNumber{"Binary", "0b101", 5},
@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
                     GoodNumber{"LongZeros", "0x00000000000000000000001", 1},
                     GoodNumber{"BlanksAround", " 115200 ", 115200},
                     GoodNumber{"Plus", "+115200", 115200},
-                    GoodNumber{"BlanksAndPlusBehindAPrefix", "0x +1C200 ", 115200},
+                    GoodNumber{"BlanksAndPlusAfterAPrefix", "0x +1C200 ", 115200},
                     GoodNumber{"TwoHexadecimalPrefixes", "0x0x12", 0x12},
                     GoodNumber{"LargestDecimal", "4294967295", 4294967295U},
                     GoodNumber{"LargestHexadecimal", "0xFFFFFFFF", 4294967295U}),
@@ -53,11 +53,11 @@ struct BadNumber {
     const char* field;
 };
 
-class BadField : public testing::TestWithParam<BadNumber>
+class ProfileFieldError : public testing::TestWithParam<BadNumber>
 {
 };
 
-TEST_P(BadField, IsToldAndThrown)
+TEST_P(ProfileFieldError, IsReportedAndThrown)
 {
     const DebugMessages messages;
     EXPECT_THROW(Profile(with_field(example_fields(), Profile::flash_row_size, GetParam().field)),
@@ -69,7 +69,7 @@ TEST_P(BadField, IsToldAndThrown)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, BadField,
+    , ProfileFieldError,
     testing::Values(BadNumber{"HexadecimalPrefixOnly", "0x"}, BadNumber{"BinaryPrefixOnly", "0b"},
                     BadNumber{"OctalPrefixOnly", "0o"}, BadNumber{"Empty", ""},
                     BadNumber{"OneBeyond32Bits", "4294967296"},
@@ -106,7 +106,7 @@ TEST(ProfileFields, FailureBeforeTheNameShowsNoName)
     }
 }
 
-TEST(ProfileFields, FirstOfTwoBadFieldsIsTold)
+TEST(ProfileFields, FirstOfTwoBadFieldsIsReported)
 {
     QStringList fields = with_field(example_fields(), Profile::eeprom_max_size, "late");
     fields = with_field(fields, Profile::flash_page_size, "early");
@@ -124,7 +124,7 @@ TEST(ProfileFields, NameIsTakenAsItStands)
     EXPECT_EQ(profile.attributes[Profile::device_name], 0U);
 }
 
-TEST(ProfileFields, NameWithPlaceMarkersIsToldAsItStands)
+TEST(ProfileFields, NameWithPlaceMarkersIsReportedAsItStands)
 {
     QStringList fields = with_field(example_fields(), Profile::device_name, "%1 %2");
     fields = with_field(fields, Profile::eeprom_row_size, "%3");

@@ -15,11 +15,11 @@ struct KindQuery {
     unsigned int eeprom;
 };
 
-class PerKindQuery : public testing::TestWithParam<KindQuery>
+class ProfileKindQuery : public testing::TestWithParam<KindQuery>
 {
 };
 
-TEST_P(PerKindQuery, AnswersForFlashAndEepromAndIsZeroForTheRest)
+TEST_P(ProfileKindQuery, AnswersForFlashAndEepromAndIsZeroForTheRest)
 {
     const Profile profile(example_fields());
     const auto query = GetParam().query;
@@ -30,7 +30,7 @@ TEST_P(PerKindQuery, AnswersForFlashAndEepromAndIsZeroForTheRest)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, PerKindQuery,
+    , ProfileKindQuery,
     testing::Values(KindQuery{"WordSize", &Profile::get_word_size, 2, 1},
                     KindQuery{"WordsPerAddress", &Profile::get_words_per_address, 1, 1},
                     KindQuery{"BlockSize", &Profile::get_block_size, 0x100, 0x20},
@@ -51,11 +51,11 @@ struct AddressCase {
     unsigned int word_address;
 };
 
-class PerAddressQuery : public testing::TestWithParam<AddressCase>
+class ProfileAddressQuery : public testing::TestWithParam<AddressCase>
 {
 };
 
-TEST_P(PerAddressQuery, PlacesTheAddress)
+TEST_P(ProfileAddressQuery, PlacesTheAddress)
 {
     const Profile profile(example_fields());
     const AddressCase& c = GetParam();
@@ -69,7 +69,7 @@ TEST_P(PerAddressQuery, PlacesTheAddress)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, PerAddressQuery,
+    , ProfileAddressQuery,
     testing::Values(AddressCase{"Zero", 0, MEMORY_OTHER, false, 0},
                     AddressCase{"LastOfBootloader", 0x7FF, MEMORY_OTHER, false, 0},
                     AddressCase{"FirstOfFlash", 0x800, MEMORY_FLASH, true, 0x400},

@@ -59,7 +59,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-/// What the debug channel was told when the first question threw; empty when it did not throw.
+/// The message on the debug channel when the first question threw; empty when it did not throw.
 QStringList told_by_failing_question()
 {
     const DebugMessages messages;
@@ -192,11 +192,11 @@ struct EmptyTable {
     QByteArray table;
 };
 
-class EmptyRegistry : public ProfilesTest, public testing::WithParamInterface<EmptyTable>
+class ProfilesOfAnEmptyTable : public ProfilesTest, public testing::WithParamInterface<EmptyTable>
 {
 };
 
-TEST_P(EmptyRegistry, KnowsNothing)
+TEST_P(ProfilesOfAnEmptyTable, KnowNoDevice)
 {
     write_table(GetParam().table);
     in_new_process([] {
@@ -209,7 +209,7 @@ TEST_P(EmptyRegistry, KnowsNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Tables, EmptyRegistry,
+    , ProfilesOfAnEmptyTable,
     testing::Values(EmptyTable{"NoBytes", QByteArray()},
                     EmptyTable{"HeaderOnly", test_data("header_only.txt")},
                     EmptyTable{"NoRowOf25Fields", test_data("no_row_of_25_fields.txt")},
@@ -221,11 +221,11 @@ struct BadTable {
     const char* message;
 };
 
-class BadTableFile : public ProfilesTest, public testing::WithParamInterface<BadTable>
+class ProfileTableError : public ProfilesTest, public testing::WithParamInterface<BadTable>
 {
 };
 
-TEST_P(BadTableFile, IsToldAndThrownByPointer)
+TEST_P(ProfileTableError, IsReportedAndThrownByPointer)
 {
     write_table(test_data((GetParam().name + ".txt").c_str()));
     in_new_process([] {
@@ -235,7 +235,7 @@ TEST_P(BadTableFile, IsToldAndThrownByPointer)
 
 constexpr const char* unparsable = "\"unparsable profile data\"";
 
-INSTANTIATE_TEST_SUITE_P(Files, BadTableFile,
+INSTANTIATE_TEST_SUITE_P(, ProfileTableError,
                          testing::Values(BadTable{"tab_at_start", unparsable},
                                          BadTable{"version_title_in_lower_case", unparsable},
                                          BadTable{"version_title_in_upper_case", unparsable},
@@ -277,11 +277,11 @@ struct BadValue {
     const char* message;
 };
 
-class BadFieldInTable : public ProfilesTest, public testing::WithParamInterface<BadValue>
+class ProfileTableFieldError : public ProfilesTest, public testing::WithParamInterface<BadValue>
 {
 };
 
-TEST_P(BadFieldInTable, IsToldAndThrownByValue)
+TEST_P(ProfileTableFieldError, IsReportedAndThrownByValue)
 {
     write_table(test_data(GetParam().file));
     in_new_process([] {
@@ -292,7 +292,7 @@ TEST_P(BadFieldInTable, IsToldAndThrownByValue)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Files, BadFieldInTable,
+    , ProfileTableFieldError,
     testing::Values(BadValue{"Version", "version_not_hexadecimal.txt",
                              "\"could not parse attr 'bootloader version' (value = '0x12G4') for "
                              "device profile ''\""},

@@ -30,7 +30,7 @@ inline std::vector<std::string> hex(const std::vector<QByteArray>& list)
     return digits;
 }
 
-/// `count` bytes that tell where each of them belongs: `first`, `first` + 1, ... modulo 256.
+/// `count` bytes that show where each of them belongs: `first`, `first` + 1, ... modulo 256.
 inline QByteArray counting(int count, int first = 0)
 {
     QByteArray bytes(count, '\0');

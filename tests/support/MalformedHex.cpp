@@ -91,7 +91,7 @@ std::vector<MalformedHex> make_files()
          unreadable("failed to read checksum"),
          {}},
         {"CutFile", first + ":0400A00005", unreadable("failed to read data"), {at_80}},
-        {"CutFileBehindAColon", first + ":", unreadable("failed to read byte_count"), {at_80}},
+        {"CutFileAfterAColon", first + ":", unreadable("failed to read byte_count"), {at_80}},
         {"TwoLinesRunTogetherInTheirMiddle",
          ":04008000010203:0400A0000506070842\n" + end,
          unreadable("failed to read data"),

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-/// Tells whether this process has opened a port since the watch began.
+/// Knows whether this process has opened a port since the watch began.
 class PortWatch
 {
 public:

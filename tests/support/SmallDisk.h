@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <sys/resource.h>
 
-/// Lets no file of this process grow beyond a size as long as it lives: to who writes it, the disk
+/// Lets no file of this process grow beyond a size as long as it lives: for a writer, the disk
 /// is full.
 class SmallDisk
 {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What a recorder shows of an upload that tells these counts of processed bytes.
+/// What a recorder shows of an upload that reports these counts of processed bytes.
 inline SignalRecorder::Lines upload(const std::vector<unsigned int>& processed, unsigned int total)
 {
     SignalRecorder::Lines lines;

@@ -66,7 +66,7 @@ struct Hearing {
     bool runs_afterwards;
 };
 
-class SimBootloaderHearings : public testing::TestWithParam<Hearing>
+class SimBootloaderStates : public testing::TestWithParam<Hearing>
 {
 };
 
@@ -77,7 +77,7 @@ std::string hearing_name(const testing::TestParamInfo<Hearing>& info)
 
 } // namespace
 
-TEST_P(SimBootloaderHearings, MakesOutAnswersAndGoesOnAsItsStateSays)
+TEST_P(SimBootloaderStates, DecideWhatIsRecognizedAndAnswered)
 {
     Device device(GetParam().entry);
     if (GetParam().probed_before) {
@@ -102,7 +102,7 @@ constexpr Entry silent = Entry::Silent;
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(
-    Starting, SimBootloaderHearings,
+    Starting, SimBootloaderStates,
     testing::Values(
         Hearing{"Probe9600", starting, false, 9600, probe_byte, true, probe_answer, true},
         Hearing{"Probe19200", starting, false, 19200, probe_byte, false, silence, false},
@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
     hearing_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Probed, SimBootloaderHearings,
+    Probed, SimBootloaderStates,
     testing::Values(
         Hearing{"Probe9600", starting, true, 9600, probe_byte, false, silence, true},
         Hearing{"Version9600", starting, true, 9600, version_frame, false, silence, true},
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
     hearing_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Running, SimBootloaderHearings,
+    Running, SimBootloaderStates,
     testing::Values(
         Hearing{"Probe9600", running, false, 9600, probe_byte, false, silence, true},
         Hearing{"Version19200", running, false, 19200, version_frame, false, silence, true},
@@ -145,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(
     hearing_name);
 
 INSTANTIATE_TEST_SUITE_P(
-    Silent, SimBootloaderHearings,
+    Silent, SimBootloaderStates,
     testing::Values(
         Hearing{"Probe9600", silent, false, 9600, probe_byte, true, silence, false},
         Hearing{"Probe19200", silent, false, 19200, probe_byte, false, silence, false},

@@ -91,7 +91,7 @@ TEST_F(SimSimulatedDevice, ReadsWritesAndErasesItsMemory)
     EXPECT_EQ(device->memory().read(0x1000, 0x40), QByteArray(0x40, '\xFF'));
 }
 
-TEST_F(SimSimulatedDevice, KeepsAListOfEverythingItMadeOut)
+TEST_F(SimSimulatedDevice, KeepsAListOfEverythingItRecognized)
 {
     start({});
     QSignalSpy spy(device.get(), &SimulatedDevice::command_received);

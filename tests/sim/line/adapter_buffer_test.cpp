@@ -30,7 +30,7 @@ TEST(SimAdapterBuffer, HoldsAShortPacketForTheLatencyOfItsFirstByte)
     EXPECT_EQ(buffer.expire(1000), "");
 }
 
-TEST(SimAdapterBuffer, PassesFullPacketsOnAtOnceAndBeginsAnewWithTheRest)
+TEST(SimAdapterBuffer, PassesFullPacketsOnAtOnceAndStartsAgainWithTheRest)
 {
     AdapterBuffer buffer(latency);
     EXPECT_EQ(buffer.add(QByteArray(60, 'a'), 100), "");

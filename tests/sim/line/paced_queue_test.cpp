@@ -97,7 +97,7 @@ TEST(SimPacedQueue, AnnouncesTheEndOfAPieceBeforeItsLastBytes)
     EXPECT_TRUE(queue.take(ms)->last);
 }
 
-TEST(SimPacedQueue, TakesAnEchoForAnEndOnlyWithNothingBehindIt)
+TEST(SimPacedQueue, TakesAnEchoForAnEndOnlyWithNothingAfterIt)
 {
     PacedQueue queue;
     queue.add({"echo+a", baud, 5}, 0);

@@ -1,7 +1,6 @@
-#include "sim/program/PortLink.h"
-
 #include "sim/device/Error.h"
 #include "sim/line/PseudoTerminal.h"
+#include "sim/program/PortLink.h"
 #include "tests/sim/HostPort.h"
 
 #include <QFile>
@@ -60,7 +59,7 @@ TEST_F(SimPortLink, IsRemovedEvenWhenThePortIsGone)
     EXPECT_FALSE(QFileInfo(path).isSymLink());
 }
 
-TEST_F(SimPortLink, ReplacesLinksThatWereLeftBehind)
+TEST_F(SimPortLink, ReplacesStaleLinks)
 {
     const PseudoTerminal other;
     for (const QString& old : {QStringLiteral("/dev/nothing-is-here"), other.path()}) {

@@ -70,7 +70,7 @@ protected:
         return environment;
     }
 
-    /// For what no event tells of. Gives the process time between two tries.
+    /// For what no event announces. Gives the process time between two tries.
     template <typename Predicate>
     bool try_until(Predicate predicate)
     {
@@ -123,11 +123,11 @@ protected:
         const char* const words = "--device 0123 --state state --check image.hex --exec";
         start_shell("--fault " + QByteArray(fault) + " " + words, upload);
         EXPECT_EQ(exit_status(), 3);
-        const QByteArray told = output();
-        EXPECT_TRUE(told.contains("\nunable to write flash row at address 0x00001040\n"))
-            << told.constData();
-        EXPECT_TRUE(told.contains("\nNow writingFailed to write memory, aborting...\n"))
-            << told.constData();
+        const QByteArray shown = output();
+        EXPECT_TRUE(shown.contains("\nunable to write flash row at address 0x00001040\n"))
+            << shown.constData();
+        EXPECT_TRUE(shown.contains("\nNow writingFailed to write memory, aborting...\n"))
+            << shown.constData();
         EXPECT_EQ(file_content("state"),
                   "zserial-sim state of device 0123\n00001000 01020304\nend\n");
         start_shell(words, upload);
@@ -541,9 +541,9 @@ TEST_F(SimProgram, GivesItsCommandTheSignalsThatProgramsExpect)
 {
     start_shell("--table one.txt --exec", "grep -E 'Sig(Blk|Ign)' /proc/self/status");
     EXPECT_EQ(exit_status(), 0);
-    const QByteArray told = output();
-    EXPECT_TRUE(told.contains("\nSigBlk:\t0000000000000000\n")) << told.constData();
-    EXPECT_TRUE(told.contains("\nSigIgn:\t0000000000000000\n")) << told.constData();
+    const QByteArray shown = output();
+    EXPECT_TRUE(shown.contains("\nSigBlk:\t0000000000000000\n")) << shown.constData();
+    EXPECT_TRUE(shown.contains("\nSigIgn:\t0000000000000000\n")) << shown.constData();
 }
 
 TEST_F(SimProgram, NoticesTheEndOfItsCommandWhateverItsParentBlocked)

@@ -1,6 +1,5 @@
-#include "sim/rig/Replay.h"
-
 #include "sim/device/FrameCodec.h"
+#include "sim/rig/Replay.h"
 
 #include <gmock/gmock.h>
 
@@ -48,7 +47,7 @@ TEST(SimReplay, DoesNotAnswerWhatIsNotInTheRestOfTheLog)
     EXPECT_EQ(replay.answer_to("x"), "");
     EXPECT_EQ(replay.answer_to("x"), "");
     EXPECT_EQ(replay.answer_to("b"), "two");
-    EXPECT_EQ(replay.answer_to("a"), ""); // it is behind
+    EXPECT_EQ(replay.answer_to("a"), ""); // no longer in step
     ASSERT_EQ(replay.unmatched().size(), 2U);
     EXPECT_EQ(replay.unmatched()[0].payload, "x");
     EXPECT_EQ(replay.unmatched()[0].times, 2);

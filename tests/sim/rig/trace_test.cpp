@@ -1,5 +1,4 @@
 #include "sim/rig/Trace.h"
-
 #include "tests/sim/SampleDevice.h"
 
 #include <gtest/gtest.h>
@@ -49,7 +48,7 @@ Command ignored(Command command)
 
 } // namespace
 
-TEST_P(SimTraceLines, TellEverythingOfACommand)
+TEST_P(SimTraceLines, ShowEverythingAboutACommand)
 {
     const auto profile = sample_profile();
     EXPECT_EQ(trace_line(*profile, GetParam().command, GetParam().outcome).toStdString(),
