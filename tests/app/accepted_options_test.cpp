@@ -1,6 +1,7 @@
 #include "app/CommandLine.h"
 #include "tests/app/SettingsText.h"
 #include "tests/app/Words.h"
+#include "tests/support/RowName.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -279,11 +280,6 @@ class AcceptedOptions : public testing::TestWithParam<AcceptedLine>
 {
 };
 
-std::string name_of(const testing::TestParamInfo<AcceptedLine>& info)
-{
-    return info.param.name;
-}
-
 /// The settings of a line that holds empty arguments; a refusal fails the test.
 Settings scanned(const QStringList& arguments)
 {
@@ -313,7 +309,7 @@ TEST_P(AcceptedOptions, GiveTheseSettings)
     EXPECT_EQ(text_of(scanned(words(GetParam().line))), text_of(expected));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scan, AcceptedOptions, testing::ValuesIn(accepted_lines), name_of);
+INSTANTIATE_TEST_SUITE_P(Scan, AcceptedOptions, testing::ValuesIn(accepted_lines), row_name);
 
 TEST(Scan, TakesAnEmptyPortAsNotGiven)
 {

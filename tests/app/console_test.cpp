@@ -1,4 +1,5 @@
 #include "app/Console.h"
+#include "tests/support/RowName.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -44,11 +45,6 @@ class ProgressLine : public testing::TestWithParam<ProgressCase>
 {
 };
 
-std::string name_of(const testing::TestParamInfo<ProgressCase>& info)
-{
-    return info.param.name;
-}
-
 /// The frame log on a file of its own.
 class FrameLog : public testing::Test
 {
@@ -91,7 +87,7 @@ TEST(Progress, ReachesTheConsoleAtOnce)
     EXPECT_EQ(shown, "\rProgress 50%");
 }
 
-INSTANTIATE_TEST_SUITE_P(Console, ProgressLine, testing::ValuesIn(progress_cases), name_of);
+INSTANTIATE_TEST_SUITE_P(Console, ProgressLine, testing::ValuesIn(progress_cases), row_name);
 
 TEST(ErrorLine, EndsInANewline)
 {

@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 #include "tests/app/Refusals.h"
+#include "tests/support/RowName.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +16,6 @@ class RefusedOptions : public testing::TestWithParam<RefusedLine>
 {
 };
 
-std::string name_of(const testing::TestParamInfo<RefusedLine>& info)
-{
-    return info.param.name;
-}
-
 } // namespace
 
 TEST_P(RefusedOptions, AreReportedWithoutTheUsageText)
@@ -32,4 +28,4 @@ TEST_P(RefusedOptions, AreReportedWithoutTheUsageText)
     EXPECT_FALSE(outcome->with_usage);
 }
 
-INSTANTIATE_TEST_SUITE_P(Scan, RefusedOptions, testing::ValuesIn(refused_lines()), name_of);
+INSTANTIATE_TEST_SUITE_P(Scan, RefusedOptions, testing::ValuesIn(refused_lines()), row_name);

@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "tests/support/RowName.h"
 
 #include <gtest/gtest.h>
 
@@ -30,11 +31,6 @@ struct CheckCase {
 std::ostream& operator<<(std::ostream& stream, const CheckCase& check)
 {
     return stream << check.name;
-}
-
-std::string name_of(const testing::TestParamInfo<CheckCase>& info)
-{
-    return info.param.name;
 }
 
 Settings changed(const CheckCase& check)
@@ -188,7 +184,7 @@ TEST_P(ConflictCheck, ReportsTheFirstConflictWithoutTheUsageText)
     EXPECT_FALSE(outcome && outcome->with_usage);
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, ConflictCheck, testing::ValuesIn(conflicts), name_of);
+INSTANTIATE_TEST_SUITE_P(Settings, ConflictCheck, testing::ValuesIn(conflicts), row_name);
 
 TEST_P(RequestCheck, ReportsTheFirstFaultWithTheUsageText)
 {
@@ -197,4 +193,4 @@ TEST_P(RequestCheck, ReportsTheFirstFaultWithTheUsageText)
     EXPECT_TRUE(!outcome || outcome->with_usage);
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, RequestCheck, testing::ValuesIn(requests), name_of);
+INSTANTIATE_TEST_SUITE_P(Settings, RequestCheck, testing::ValuesIn(requests), row_name);

@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/RowName.h"
 
 namespace
 {
@@ -18,11 +19,6 @@ struct AreaCase {
 std::ostream& operator<<(std::ostream& stream, const AreaCase& row)
 {
     return stream << row.arguments;
-}
-
-std::string name_of(const testing::TestParamInfo<AreaCase>& info)
-{
-    return info.param.name;
 }
 
 /// image.hex has a row on either side of the areas' border and one of EEPROM.
@@ -131,8 +127,8 @@ TEST_P(ToolAreas, LeftOutAreNotTouched)
     EXPECT_EQ(commands_of(m_device), GetParam().commands);
 }
 
-INSTANTIATE_TEST_SUITE_P(Erase, ToolAreas, testing::ValuesIn(erases), name_of);
-INSTANTIATE_TEST_SUITE_P(Write, ToolAreas, testing::ValuesIn(writes), name_of);
-INSTANTIATE_TEST_SUITE_P(Read, ToolAreas, testing::ValuesIn(reads), name_of);
-INSTANTIATE_TEST_SUITE_P(Verify, ToolAreas, testing::ValuesIn(verifications), name_of);
-INSTANTIATE_TEST_SUITE_P(WriteAndVerify, ToolAreas, testing::ValuesIn(uploads), name_of);
+INSTANTIATE_TEST_SUITE_P(Erase, ToolAreas, testing::ValuesIn(erases), row_name);
+INSTANTIATE_TEST_SUITE_P(Write, ToolAreas, testing::ValuesIn(writes), row_name);
+INSTANTIATE_TEST_SUITE_P(Read, ToolAreas, testing::ValuesIn(reads), row_name);
+INSTANTIATE_TEST_SUITE_P(Verify, ToolAreas, testing::ValuesIn(verifications), row_name);
+INSTANTIATE_TEST_SUITE_P(WriteAndVerify, ToolAreas, testing::ValuesIn(uploads), row_name);

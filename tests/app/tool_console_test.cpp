@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/RowName.h"
 
 #include <ostream>
 
@@ -77,8 +78,7 @@ TEST_P(ToolWithoutStreams, WritesNothingElsewhere)
     EXPECT_EQ(commands_of(m_device), run + run);
 }
 
-INSTANTIATE_TEST_SUITE_P(Closed, ToolWithoutStreams, testing::ValuesIn(closed_streams),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(Closed, ToolWithoutStreams, testing::ValuesIn(closed_streams), row_name);
 
 TEST_F(ToolConsole, StaysWholeWhenTheLogMustNotGrow)
 {

@@ -1,4 +1,5 @@
 #include "tests/app/ToolTest.h"
+#include "tests/support/RowName.h"
 
 namespace
 {
@@ -12,11 +13,6 @@ struct EraseCase {
 std::ostream& operator<<(std::ostream& stream, const EraseCase& erase)
 {
     return stream << erase.arguments;
-}
-
-std::string name_of(const testing::TestParamInfo<EraseCase>& info)
-{
-    return info.param.name;
 }
 
 class ToolErase : public ToolTest
@@ -63,7 +59,7 @@ TEST_P(ToolWholeErase, SendsTheseCommands)
     EXPECT_EQ(commands_of(device), GetParam().commands);
 }
 
-INSTANTIATE_TEST_SUITE_P(Areas, ToolWholeErase, testing::ValuesIn(whole_erases), name_of);
+INSTANTIATE_TEST_SUITE_P(Areas, ToolWholeErase, testing::ValuesIn(whole_erases), row_name);
 
 TEST_P(ToolRangeErase, SendsTheseCommands)
 {
@@ -75,7 +71,7 @@ TEST_P(ToolRangeErase, SendsTheseCommands)
     EXPECT_EQ(commands_of(device), GetParam().commands);
 }
 
-INSTANTIATE_TEST_SUITE_P(Crossing, ToolRangeErase, testing::ValuesIn(range_erases), name_of);
+INSTANTIATE_TEST_SUITE_P(Crossing, ToolRangeErase, testing::ValuesIn(range_erases), row_name);
 
 TEST_F(ToolErase, EmptiesAllFlashBeyondTheBootloader)
 {

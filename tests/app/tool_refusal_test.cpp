@@ -1,5 +1,6 @@
 #include "tests/app/Refusals.h"
 #include "tests/app/ToolTest.h"
+#include "tests/support/RowName.h"
 
 namespace
 {
@@ -13,11 +14,6 @@ protected:
     ToolRun m_tool;
 };
 
-std::string name_of(const testing::TestParamInfo<RefusedLine>& info)
-{
-    return info.param.name;
-}
-
 class ToolThatRefuses : public ToolTest
 {
 };
@@ -29,7 +25,7 @@ TEST_P(ToolRefusedLine, PrintsTheMessageAlone)
     EXPECT_EQ(m_tool.run(GetParam().arguments), exited(1, GetParam().message));
 }
 
-INSTANTIATE_TEST_SUITE_P(, ToolRefusedLine, testing::ValuesIn(refused_lines()), name_of);
+INSTANTIATE_TEST_SUITE_P(, ToolRefusedLine, testing::ValuesIn(refused_lines()), row_name);
 
 TEST_F(ToolThatRefuses, ExplainsItselfWithoutArguments)
 {

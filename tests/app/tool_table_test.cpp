@@ -1,4 +1,5 @@
 #include "tests/app/ToolTest.h"
+#include "tests/support/RowName.h"
 
 #include <QFile>
 
@@ -31,12 +32,6 @@ struct BadFigure {
 std::ostream& operator<<(std::ostream& stream, const BadFigure& figure)
 {
     return stream << figure.arguments;
-}
-
-template <typename Case>
-std::string name_of(const testing::TestParamInfo<Case>& info)
-{
-    return info.param.name;
 }
 
 const BadTable bad_tables[] = {
@@ -132,8 +127,7 @@ TEST_P(ToolWithBadTable, LeavesNoLockOnThePortOfADeviceThatRuns)
     EXPECT_EQ(locks_on(device.port_path()), QStringList());
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, ToolWithBadTable, testing::ValuesIn(bad_tables),
-                         name_of<BadTable>);
+INSTANTIATE_TEST_SUITE_P(Tables, ToolWithBadTable, testing::ValuesIn(bad_tables), row_name);
 
 TEST_P(ToolWithBadFigure, ReportsWhichAndSendsNothing)
 {
@@ -148,8 +142,7 @@ TEST_P(ToolWithBadFigure, ReportsWhichAndSendsNothing)
     EXPECT_EQ(heard_by(device), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Figures, ToolWithBadFigure, testing::ValuesIn(bad_figures),
-                         name_of<BadFigure>);
+INSTANTIATE_TEST_SUITE_P(Figures, ToolWithBadFigure, testing::ValuesIn(bad_figures), row_name);
 
 TEST_F(ToolTable, KeepsErrorLinesAndFramesShownBeforeAnAbnormalEnd)
 {

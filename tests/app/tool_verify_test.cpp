@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/RowName.h"
 
 namespace
 {
@@ -36,11 +37,6 @@ struct NothingToCheck {
 std::ostream& operator<<(std::ostream& stream, const NothingToCheck& nothing)
 {
     return stream << nothing.arguments;
-}
-
-std::string name_of(const testing::TestParamInfo<NothingToCheck>& info)
-{
-    return info.param.name;
 }
 
 const NothingToCheck nothing_to_check[] = {
@@ -157,4 +153,5 @@ TEST_P(ToolVerifyOfNothing, FailsWithoutAReasonAndSendsNothing)
     EXPECT_EQ(heard_by(m_device), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Images, ToolVerifyOfNothing, testing::ValuesIn(nothing_to_check), name_of);
+INSTANTIATE_TEST_SUITE_P(Images, ToolVerifyOfNothing, testing::ValuesIn(nothing_to_check),
+                         row_name);

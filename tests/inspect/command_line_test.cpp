@@ -1,5 +1,6 @@
 #include "inspect/Subcommand.h"
 #include "tests/inspect/InspectTest.h"
+#include "tests/support/RowName.h"
 
 using CommandLine = InspectTest;
 
@@ -52,11 +53,6 @@ class WrongCommandLine : public InspectTest, public testing::WithParamInterface<
 {
 };
 
-std::string name_of_line(const testing::TestParamInfo<WrongLine>& info)
-{
-    return info.param.name;
-}
-
 } // namespace
 
 TEST_P(WrongCommandLine, IsRefusedWithAReason)
@@ -96,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "image --svg examples/device.txt examples/blink.hex --table examples/device.txt "
                   "--device 0110",
                   "examples/device.txt is looked into and cannot be written"}),
-    name_of_line);
+    row_name);
 
 TEST_F(CommandLine, TakesAVersionAsTheTableTheSimulatorOrTheUploaderHaveIt)
 {

@@ -1,4 +1,5 @@
 #include "tests/inspect/InspectTest.h"
+#include "tests/support/RowName.h"
 
 #include <ostream>
 
@@ -34,11 +35,6 @@ protected:
         return file.readAll();
     }
 };
-
-std::string name_of_golden(const testing::TestParamInfo<Golden>& info)
-{
-    return info.param.name;
-}
 
 } // namespace
 
@@ -81,4 +77,4 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"empty_image", "image tests/memory/data/empty.hex", 1},
         Golden{"missing_image", "image tests/inspect/data/no_such_image.hex", 2},
         Golden{"folder", "image examples", 2}),
-    name_of_golden);
+    row_name);

@@ -1,4 +1,5 @@
 #include "tests/inspect/InspectTest.h"
+#include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
@@ -33,11 +34,6 @@ struct Slip {
 class TableSlip : public InspectTest, public testing::WithParamInterface<Slip>
 {
 };
-
-std::string name_of_slip(const testing::TestParamInfo<Slip>& info)
-{
-    return info.param.name;
-}
 
 } // namespace
 
@@ -74,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
         Slip{"eeprom_start_moved_by_half_a_row", {{15, "0x10008"}}, {"T017", "T025", "T038"}},
         Slip{"filler_from_the_wrong_end", {{13, "0xFFFF"}}, {"T031"}},
         Slip{"bootloader_end_0", {{7, "0"}}, {"T030"}}),
-    name_of_slip);
+    row_name);
 
 TEST_F(TableSlips, ShowBlanksForTabs)
 {

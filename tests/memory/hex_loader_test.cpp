@@ -1,6 +1,7 @@
 #include "memory/MemoryMap.h"
 #include "tests/memory/Images.h"
 #include "tests/support/DebugMessages.h"
+#include "tests/support/RowName.h"
 
 #include <QSet>
 #include <QTemporaryDir>
@@ -170,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AddressCase{"start_high_second_byte", 5, "00800000", 0xFF800000},
                     AddressCase{"start_high_third_byte", 5, "00008000", 0xFFFF8000},
                     AddressCase{"start_high_last_byte", 5, "00000080", 0xFFFFFF80}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 // ---- Boundaries ----
 
@@ -204,7 +205,7 @@ INSTANTIATE_TEST_SUITE_P(
         BoundaryCase{"inside_second_record", {0x11, 0x1F}, {{0, sixteen + sixteen_more}}},
         BoundaryCase{"at_both_ends", {0x00, 0x20}, {{0, sixteen + sixteen_more}}},
         BoundaryCase{"everywhere", {0x00, 0x10, 0x20}, {{0, sixteen}, {0x10, sixteen_more}}}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 TEST_F(HexText, BoundaryIsAFullAddress)
 {

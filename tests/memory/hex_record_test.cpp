@@ -1,5 +1,6 @@
 #include "memory/IntelHexRecord.h"
 #include "tests/memory/Images.h"
+#include "tests/support/RowName.h"
 
 #include <ostream>
 
@@ -63,8 +64,7 @@ TEST_P(HexRecord, IsTakenApartAsFarAsItGoes)
     EXPECT_EQ(intel_hex::is_cut_short(parsed, text.begin(), text.end()), GetParam().is_cut_short);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, HexRecord, testing::ValuesIn(texts),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(Texts, HexRecord, testing::ValuesIn(texts), row_name);
 
 TEST(HexRecordMessage, IsOneForEachOutcomeThatIsNoRecord)
 {

@@ -1,5 +1,6 @@
 #include "memory/MemoryMap.h"
 #include "tests/memory/Images.h"
+#include "tests/support/RowName.h"
 
 #include <QTemporaryDir>
 
@@ -110,5 +111,4 @@ TEST_P(HexPipeKeptOpen, IsNotAskedForMoreThanIsNeeded)
     EXPECT_EQ(map.size(), GetParam().loads ? 1U : 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, HexPipeKeptOpen, testing::ValuesIn(piped_texts),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(Texts, HexPipeKeptOpen, testing::ValuesIn(piped_texts), row_name);

@@ -1,5 +1,6 @@
 #include "profile/MemoryAttributes.h"
 #include "profile/Profile.h"
+#include "tests/support/RowName.h"
 
 #include <gtest/gtest.h>
 
@@ -87,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(, AttrNameUnknown,
                                          WrongKey{"Longer", QStringLiteral("max_baudx")},
                                          WrongKey{"NulAfter", QString::fromUtf8("max_baud\0x", 10)},
                                          WrongKey{"NotLatin1", QStringLiteral("max_ba\u0433d")}),
-                         [](const auto& row) { return row.param.name; });
+                         row_name);
 
 TEST(AttrNames, AreReadyBeforeMain)
 {

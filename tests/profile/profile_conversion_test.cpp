@@ -1,6 +1,7 @@
 #include "profile/Profile.h"
 #include "tests/profile/ProfileFields.h"
 #include "tests/support/DebugMessages.h"
+#include "tests/support/RowName.h"
 
 #include <QException>
 #include <gtest/gtest.h>
@@ -46,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
                     GoodNumber{"TwoHexadecimalPrefixes", "0x0x12", 0x12},
                     GoodNumber{"LargestDecimal", "4294967295", 4294967295U},
                     GoodNumber{"LargestHexadecimal", "0xFFFFFFFF", 4294967295U}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 struct BadNumber {
     const char* name;
@@ -83,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadNumber{"BlankWithin", "1 2"}, BadNumber{"BlankBeforeAPrefix", " 0x12"},
                     BadNumber{"PlusBeforeAPrefix", "+0x12"}, BadNumber{"Word", "fast"},
                     BadNumber{"PlaceMarker", "%1%2%3"}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 TEST(ProfileFields, NulInAFieldIsNoDigit)
 {
@@ -192,7 +193,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(BadDivisor{"Flash", Profile::flash_words_per_address, "0"},
                     BadDivisor{"FlashInOtherWriting", Profile::flash_words_per_address, "0x00"},
                     BadDivisor{"Eeprom", Profile::eeprom_words_per_address, "0"}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 TEST(ProfileFields, AreRejectedInTheirOrderWhicheverWayTheyAreBad)
 {

@@ -1,5 +1,6 @@
 #include "profile/Profile.h"
 #include "tests/profile/ProfileFields.h"
+#include "tests/support/RowName.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
                     KindQuery{"FillerWord", &Profile::get_filler_word, 0xFFFF, 0xFF},
                     KindQuery{"FillerWordSize", &Profile::get_filler_word_size, 2, 1},
                     KindQuery{"AddressDivisor", &Profile::get_address_divisor, 2, 1}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 struct AddressCase {
     const char* name;
@@ -84,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AddressCase{"LastOfEeprom", 0xF003FF, MEMORY_EEPROM, false, 0x3FF},
                     AddressCase{"EepromEnd", 0xF00400, MEMORY_OTHER, false, 0},
                     AddressCase{"Highest", 0xFFFFFFFF, MEMORY_OTHER, false, 0}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 /// Addresses at which a mistaken comparison would show.
 std::vector<unsigned int> telling_addresses()

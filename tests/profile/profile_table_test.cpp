@@ -1,6 +1,7 @@
 #include "profile/ProfileTable.h"
 #include "tests/profile/ProfileFields.h"
 #include "tests/profile/TestData.h"
+#include "tests/support/RowName.h"
 
 #include <QBuffer>
 #include <gtest/gtest.h>
@@ -81,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TableFile{"version_without_colon", {Kind::Unparsable}},
                     TableFile{"version_not_hexadecimal", {Kind::Row}},
                     TableFile{"bad_row_after_a_good_one", {Kind::Row, Kind::Unparsable}}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 TEST(ProfileTableRow, HoldsItsFieldsWithTheVersionAsANumber)
 {

@@ -1,6 +1,7 @@
 #include "profile/Profiles.h"
 #include "tests/profile/TestData.h"
 #include "tests/support/DebugMessages.h"
+#include "tests/support/RowName.h"
 
 #include <QDir>
 #include <QException>
@@ -214,7 +215,7 @@ INSTANTIATE_TEST_SUITE_P(
                     EmptyTable{"HeaderOnly", test_data("header_only.txt")},
                     EmptyTable{"NoRowOf25Fields", test_data("no_row_of_25_fields.txt")},
                     EmptyTable{"BlanksForTabs", test_data("blanks_between_columns.txt")}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 struct BadTable {
     std::string name;
@@ -242,7 +243,7 @@ INSTANTIATE_TEST_SUITE_P(, ProfileTableError,
                                          BadTable{"version_with_capital_v", unparsable},
                                          BadTable{"version_of_five_characters", unparsable},
                                          BadTable{"bad_row_after_a_good_one", unparsable}),
-                         [](const auto& row) { return row.param.name; });
+                         row_name);
 
 TEST_F(ProfilesTest, FileThatIsMissingIsNotFound)
 {
@@ -299,6 +300,6 @@ INSTANTIATE_TEST_SUITE_P(
                     BadValue{"PageSize", "bad_field_after_a_good_row.txt",
                              "\"could not parse attr 'flash page size' (value = 'wide') for device "
                              "profile 'DEV-B64'\""}),
-    [](const auto& row) { return row.param.name; });
+    row_name);
 
 } // namespace

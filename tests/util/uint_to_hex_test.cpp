@@ -1,3 +1,4 @@
+#include "tests/support/RowName.h"
 #include "util/Util.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +36,7 @@ INSTANTIATE_TEST_SUITE_P(Table, UintToHex,
                                          HexCase{"WiderThanWidth", 0x12345, 2, "12345"},
                                          HexCase{"NoWidth", 0, 0, "0"},
                                          HexCase{"OtherNegativeWidth", 0xAB, -2, "AB"}),
-                         [](const auto& row) { return row.param.name; });
+                         row_name);
 
 TEST(UintToHexTypes, FullWidthFollowsTheType)
 {

@@ -1,6 +1,7 @@
 #include "sim/device/Bootloader.h"
 #include "sim/faults/ByteDamage.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
@@ -70,11 +71,6 @@ class SimBootloaderStates : public testing::TestWithParam<Hearing>
 {
 };
 
-std::string hearing_name(const testing::TestParamInfo<Hearing>& info)
-{
-    return info.param.name;
-}
-
 } // namespace
 
 TEST_P(SimBootloaderStates, DecideWhatIsRecognizedAndAnswered)
@@ -116,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
         Hearing{"ReadFull", starting, false, full_baud, read_frame, true, read_answer, true},
         Hearing{"Read460800", starting, false, 460800, read_frame, false, silence, false},
         Hearing{"ResetFull", starting, false, full_baud, reset_frame, true, silence, false}),
-    hearing_name);
+    row_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Probed, SimBootloaderStates,
@@ -130,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(
         Hearing{"Read460800", starting, true, 460800, read_frame, false, silence, true},
         Hearing{"ResetFull", starting, true, full_baud, reset_frame, true, silence, false},
         Hearing{"Reset460800", starting, true, 460800, reset_frame, false, silence, true}),
-    hearing_name);
+    row_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Running, SimBootloaderStates,
@@ -142,7 +138,7 @@ INSTANTIATE_TEST_SUITE_P(
         Hearing{"Version460800", running, false, 460800, version_frame, true, version_answer, true},
         Hearing{"Read460800", running, false, 460800, read_frame, false, silence, true},
         Hearing{"ResetFull", running, false, full_baud, reset_frame, true, silence, true}),
-    hearing_name);
+    row_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Silent, SimBootloaderStates,
@@ -153,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
         Hearing{"Version460800", silent, false, 460800, version_frame, true, silence, false},
         Hearing{"ReadFull", silent, false, full_baud, read_frame, true, silence, false},
         Hearing{"ResetFull", silent, false, full_baud, reset_frame, true, silence, false}),
-    hearing_name);
+    row_name);
 
 TEST(SimBootloader, AnswersOnlyTheFirstOfSeveralProbes)
 {
@@ -337,11 +333,6 @@ class SimBootloaderRefusals : public testing::TestWithParam<Refusal>
 {
 };
 
-std::string refusal_name(const testing::TestParamInfo<Refusal>& info)
-{
-    return info.param.name;
-}
-
 QByteArray with_data(const char* header, int count)
 {
     return bytes(header) + QByteArray(count, '\0');
@@ -376,7 +367,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Refusal{"WriteWithoutData", bytes("02 01 00 08 00"), Command::Kind::Unknown},
                     Refusal{"EepromWriteWithoutData", bytes("05 10 00 00 00"),
                             Command::Kind::Unknown}),
-    refusal_name);
+    row_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Read, SimBootloaderRefusals,
@@ -403,7 +394,7 @@ INSTANTIATE_TEST_SUITE_P(
                             Command::Kind::Read,
                             {{Profile::flash_word_size, "0xFFFFFFFF"},
                              {Profile::flash_end_address_bytes, "0xFFFFFFFF"}}}),
-    refusal_name);
+    row_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Write, SimBootloaderRefusals,
@@ -433,7 +424,7 @@ INSTANTIATE_TEST_SUITE_P(
                 with_data("05 10 00 00 00", 0x10),
                 Command::Kind::Write,
                 {{Profile::eeprom_row_size, "0"}}}),
-    refusal_name);
+    row_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Erase, SimBootloaderRefusals,
@@ -449,7 +440,7 @@ INSTANTIATE_TEST_SUITE_P(
                             bytes("03 01 00 08 00"),
                             Command::Kind::Erase,
                             {{Profile::flash_word_size, "0"}}}),
-    refusal_name);
+    row_name);
 
 TEST(SimBootloader, DoesNothingAboutACommandThatDoesNotGetThrough)
 {

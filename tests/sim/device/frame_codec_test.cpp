@@ -1,5 +1,6 @@
 #include "sim/device/FrameCodec.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
@@ -21,11 +22,6 @@ struct WorkedFrame {
 class SimFrameCodecWorkedFrames : public testing::TestWithParam<WorkedFrame>
 {
 };
-
-std::string frame_name(const testing::TestParamInfo<WorkedFrame>& info)
-{
-    return info.param.name;
-}
 
 std::vector<QByteArray> receive_cut_at(const QByteArray& frame, int cut)
 {
@@ -74,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WorkedFrame{"EscapedChecksum", "FB", "55 55 FB 05 05 04"},
                     WorkedFrame{"ChecksumTerminator", "FC", "55 55 FC 05 04 04"},
                     WorkedFrame{"ChecksumSync", "AB", "55 55 AB 05 55 04"}),
-    frame_name);
+    row_name);
 
 TEST(SimFrameCodec, BringsEveryByteThroughInEveryPosition)
 {
@@ -115,11 +111,6 @@ class SimFrameCodecDisturbances : public testing::TestWithParam<Disturbance>
 {
 };
 
-std::string disturbance_name(const testing::TestParamInfo<Disturbance>& info)
-{
-    return info.param.name;
-}
-
 } // namespace
 
 TEST_P(SimFrameCodecDisturbances, GiveNothingAndSpoilNoFrameAfterwards)
@@ -144,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Disturbance{"UnescapedChecksum", "55 55 FC 04 04", 1},
                     Disturbance{"CutShortAfterAByte", "55 55 00", 1},
                     Disturbance{"TwoBadFrames", "55 55 01 01 04 55 55 02 02 04", 2}),
-    disturbance_name);
+    row_name);
 
 TEST(SimFrameCodec, TakesTheFrameThatBeginsInTheMiddleOfAnother)
 {

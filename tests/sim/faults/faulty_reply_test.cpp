@@ -1,7 +1,7 @@
-#include "sim/faults/FaultyReply.h"
-
 #include "sim/device/FrameCodec.h"
+#include "sim/faults/FaultyReply.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
@@ -50,11 +50,6 @@ class SimFaultEffects : public testing::TestWithParam<Effect>
 {
 };
 
-std::string effect_name(const testing::TestParamInfo<Effect>& info)
-{
-    return info.param.name;
-}
-
 } // namespace
 
 TEST(SimFaultyReply, IsTheAnswerWithoutFaults)
@@ -88,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         Effect{"Delay", fault(FaultKind::DelayResponse, 0, 350), {{answer, 350}}},
         Effect{"Duplicate", fault(FaultKind::DuplicateResponse), {{answer, 0}, {answer, 0}}},
         Effect{"PutNoiseBefore", fault(FaultKind::Noise, 1), {{bytes("22 22") + answer, 0}}}),
-    effect_name);
+    row_name);
 
 TEST(SimFaultyReply, AcknowledgesWithAnotherByteInASoundFrame)
 {

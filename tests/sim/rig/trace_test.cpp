@@ -1,5 +1,6 @@
 #include "sim/rig/Trace.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/RowName.h"
 
 #include <gtest/gtest.h>
 
@@ -23,11 +24,6 @@ struct Line {
 class SimTraceLines : public testing::TestWithParam<Line>
 {
 };
-
-std::string line_name(const testing::TestParamInfo<Line>& info)
-{
-    return info.param.name;
-}
 
 Command command(Command::Kind kind, const char* payload, unsigned int baud = 57600)
 {
@@ -109,4 +105,4 @@ INSTANTIATE_TEST_SUITE_P(
              command(Kind::Version, "00 02"),
              {"a", true, 3, {}},
              "#7 57600 version request=6 answer=recorded sent=3 faults=none payload=0002"}),
-    line_name);
+    row_name);
