@@ -1,21 +1,23 @@
 #include "tests/app/OperationSteps.h"
 
+#include "tests/support/Bytes.h"
+
 namespace
 {
 
 // The image by rows.
-const QByteArray row_80 = counting(0x10, 0x20);
-const QByteArray row_a0 = counting(0x60, 0x20);
-const QByteArray row_100 = counting(0x80, 0x20);
-const QByteArray eeprom_1000 = counting(0xC0, 0x10);
-const QByteArray eeprom_1010 = counting(0xE0, 0x10);
+const QByteArray row_80 = counting(0x20, 0x10);
+const QByteArray row_a0 = counting(0x20, 0x60);
+const QByteArray row_100 = counting(0x20, 0x80);
+const QByteArray eeprom_1000 = counting(0x10, 0xC0);
+const QByteArray eeprom_1010 = counting(0x10, 0xE0);
 
 const std::vector<Piece> image{
     {0x80, row_80 + row_a0}, {0x100, row_100}, {0x1000, eeprom_1000 + eeprom_1010}};
 
 /// What is in a device that has been used before.
-const Piece old_flash{0x40, counting(0x01, 0x100)};
-const Piece old_eeprom{0x1000, counting(0x31, 0x20)};
+const Piece old_flash{0x40, counting(0x100, 0x01)};
+const Piece old_eeprom{0x1000, counting(0x20, 0x31)};
 
 QByteArray digits(unsigned int address)
 {

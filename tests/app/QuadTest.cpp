@@ -1,5 +1,7 @@
 #include "tests/app/QuadTest.h"
 
+#include "tests/support/Bytes.h"
+
 namespace
 {
 
@@ -41,7 +43,7 @@ std::string command(const char* head, unsigned int word_address)
     for (unsigned int shift = 0; shift < 24; shift += 8) {
         address.append(static_cast<char>(word_address >> shift & 0xFFU));
     }
-    return head + hex(address);
+    return head + small_digits(address);
 }
 
 QByteArray given_up(const char* error, std::size_t after)
@@ -78,7 +80,7 @@ std::string read_flash(unsigned int address)
 
 std::string write_flash(unsigned int address, const QByteArray& row)
 {
-    return command("0201", address) + hex(row);
+    return command("0201", address) + small_digits(row);
 }
 
 std::string erase_page(unsigned int address)
@@ -93,7 +95,7 @@ std::string read_eeprom(unsigned int address)
 
 std::string write_eeprom(unsigned int address, const QByteArray& row)
 {
-    return command("0510", address - eeprom_start) + hex(row);
+    return command("0510", address - eeprom_start) + small_digits(row);
 }
 
 Commands read_everything()

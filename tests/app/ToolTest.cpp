@@ -2,6 +2,7 @@
 
 #include "sim/device/FrameCodec.h"
 #include "sim/line/PortLock.h"
+#include "tests/support/Bytes.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,20 +27,6 @@ QByteArray test_data(const char* file_name)
     return file.isOpen() ? file.readAll() : QByteArray();
 }
 
-QByteArray counting(int first, int count)
-{
-    QByteArray bytes;
-    for (int i = 0; i < count; ++i) {
-        bytes.append(static_cast<char>(first + i));
-    }
-    return bytes;
-}
-
-std::string hex(const QByteArray& bytes)
-{
-    return bytes.toHex().toStdString();
-}
-
 QByteArray frame(const char* header, const QByteArray& data)
 {
     return sim::make_frame(QByteArray::fromHex(header) + data);
@@ -56,14 +43,14 @@ void script_replies(sim::SimulatedDevice& device,
 
 std::string heard_by(const sim::SimulatedDevice& device)
 {
-    return hex(device.heard());
+    return small_digits(device.heard());
 }
 
 std::vector<std::string> commands_of(const sim::SimulatedDevice& device)
 {
     std::vector<std::string> commands;
     for (const QByteArray& payload : device.payloads()) {
-        commands.push_back(hex(payload));
+        commands.push_back(small_digits(payload));
     }
     return commands;
 }

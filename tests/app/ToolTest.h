@@ -15,11 +15,6 @@
 /// The bytes of a file of tests/app/data.
 QByteArray test_data(const char* file_name);
 
-/// `count` bytes that count up from `first`.
-QByteArray counting(int first, int count);
-
-std::string hex(const QByteArray& bytes);
-
 /// The frame of a payload that begins with `header`, given in hexadecimal.
 QByteArray frame(const char* header, const QByteArray& data = {});
 

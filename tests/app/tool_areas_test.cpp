@@ -1,12 +1,13 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 namespace
 {
 
-const QByteArray encrypted_row = counting(0x10, 0x20);
-const QByteArray unencrypted_row = counting(0x60, 0x20);
-const QByteArray eeprom_row = counting(0xE0, 0x10);
+const QByteArray encrypted_row = counting(0x20, 0x10);
+const QByteArray unencrypted_row = counting(0x20, 0x60);
+const QByteArray eeprom_row = counting(0x10, 0xE0);
 
 /// An operation without one of the areas, or without both.
 struct AreaCase {

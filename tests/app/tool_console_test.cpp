@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 #include <ostream>
@@ -20,7 +21,7 @@ protected:
                                        words(arguments));
     }
 
-    const QByteArray m_row = counting(0x30, 0x20);
+    const QByteArray m_row = counting(0x20, 0x30);
 };
 
 /// How a run is started without some of its standard streams.
@@ -56,7 +57,7 @@ TEST_F(ToolConsole, ThatNobodyReadsDoesNotStopAWrite)
                                            "-B 0708 -e -w image.hex");
     EXPECT_EQ(result, exited(0, ""));
     EXPECT_EQ(file("status"), "0\n");
-    EXPECT_EQ(hex(m_device.memory().read(0x80, 0x20)), hex(m_row));
+    EXPECT_EQ(small_digits(m_device.memory().read(0x80, 0x20)), small_digits(m_row));
 }
 
 TEST_F(ToolConsole, ThatNobodyReadsLeavesAFailureItsStatus)
@@ -89,7 +90,7 @@ TEST_F(ToolConsole, StaysWholeWhenTheLogMustNotGrow)
     EXPECT_TRUE(result.out.endsWith(success)) << result;
     EXPECT_EQ(file("status"), "0\n");
     EXPECT_EQ(file("frames.log").size(), 512U);
-    EXPECT_EQ(hex(m_device.memory().read(0x80, 0x20)), hex(m_row));
+    EXPECT_EQ(small_digits(m_device.memory().read(0x80, 0x20)), small_digits(m_row));
 }
 
 TEST_F(ToolConsole, StaysWholeWhenTheLogIsOnAFullDisk)

@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -30,9 +31,9 @@ protected:
         return failed("Uploading firmware\n" + text + "\nWrite-and-verify failure!\n");
     }
 
-    const QByteArray m_lower = counting(0x10, 0x20);
-    const QByteArray m_upper = counting(0x60, 0x20);
-    const QByteArray m_eeprom = counting(0xE0, 0x10);
+    const QByteArray m_lower = counting(0x20, 0x10);
+    const QByteArray m_upper = counting(0x20, 0x60);
+    const QByteArray m_eeprom = counting(0x10, 0xE0);
     const std::string m_write_lower = write_flash(0x80, m_lower);
     const std::string m_write_upper = write_flash(0xA0, m_upper);
     const std::string m_write_eeprom = write_eeprom(0x1000, m_eeprom);

@@ -1,4 +1,5 @@
 #include "tests/app/ToolTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -56,7 +57,7 @@ TEST_F(ToolEntry, FindsARunningDevice)
 {
     sim::SimulatedDevice device(twin(), {sim::Entry::Version});
     EXPECT_EQ(run(device, "-R"), exited(0, retrieved("0102") + "Resetting device\n" + success));
-    EXPECT_EQ(heard_by(device), hex("UUUUU" + version_frame + frame("0000")));
+    EXPECT_EQ(heard_by(device), small_digits("UUUUU" + version_frame + frame("0000")));
     EXPECT_EQ(commands_of(device), (std::vector<std::string>{"0002", "0000"}));
     EXPECT_EQ(device.commands().front().baud, 460800U);
     EXPECT_EQ(device.commands().back().baud, 115200U);
@@ -68,7 +69,7 @@ TEST_F(ToolEntry, GivesUpOnADeviceThatNeverAnswers)
     EXPECT_EQ(run(device, "-e -R"),
               exited(1, gave_up(3).repeated(5) + "Did not succeed in QV entry procedure, "
                                                  "aborting..."));
-    EXPECT_EQ(heard_by(device), hex(("UUUUU" + version_frame.repeated(3)).repeated(5)));
+    EXPECT_EQ(heard_by(device), small_digits(("UUUUU" + version_frame.repeated(3)).repeated(5)));
 }
 
 TEST_F(ToolEntry, TakesAReplyInPiecesAfterOtherBytes)
@@ -128,5 +129,6 @@ TEST_F(ToolEntry, ShowsErrorsOfEarlierPassesAheadOfTheVersion)
     sim::SimulatedDevice device(twin(), {sim::Entry::Version});
     script_replies(device, {{}, {}, {}});
     EXPECT_EQ(run(device, ""), exited(0, gave_up(3) + retrieved("0102") + success));
-    EXPECT_EQ(heard_by(device), hex("UUUUU" + version_frame.repeated(3) + "UUUUU" + version_frame));
+    EXPECT_EQ(heard_by(device),
+              small_digits("UUUUU" + version_frame.repeated(3) + "UUUUU" + version_frame));
 }

@@ -1,4 +1,5 @@
 #include "tests/app/ToolTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -16,12 +17,12 @@ protected:
 
     void expect_written(const sim::SimulatedDevice& device) const
     {
-        EXPECT_EQ(device.memory().read(0x60, 32), counting(0x00, 32));
-        EXPECT_EQ(device.memory().read(0x80, 32), counting(0x40, 32));
+        EXPECT_EQ(device.memory().read(0x60, 32), counting(32));
+        EXPECT_EQ(device.memory().read(0x80, 32), counting(32, 0x40));
     }
 
-    const QByteArray m_first = frame("0201600000", counting(0x00, 32));
-    const QByteArray m_second = frame("0201800000", counting(0x40, 32));
+    const QByteArray m_first = frame("0201600000", counting(32));
+    const QByteArray m_second = frame("0201800000", counting(32, 0x40));
     const ToolResult m_clean = exited(0, QByteArray("Version set to 0x0203 successfully!"
                                                     "\rProgress 0%\rProgress 50%\rProgress 100%"
                                                     "Now writingMemory written!\n") +
@@ -35,7 +36,7 @@ TEST_F(ToolLink, RetriesLostAnswersInSilence)
     sim::SimulatedDevice device(solo());
     script_replies(device, {{}, {}, {{acknowledgement}}, {}});
     EXPECT_EQ(run(device, "-B 0203 -w solo_two_rows.hex"), m_clean);
-    EXPECT_EQ(heard_by(device), hex(m_first.repeated(3) + m_second.repeated(2)));
+    EXPECT_EQ(heard_by(device), small_digits(m_first.repeated(3) + m_second.repeated(2)));
     expect_written(device);
 }
 
@@ -56,7 +57,7 @@ TEST_F(ToolLink, RetriesDamagedAnswersAndReportsEachAtOnce)
                                    "\rProgress 100%"
                                    "Now writingMemory written!\n") +
                             success));
-    EXPECT_EQ(heard_by(device), hex(m_first.repeated(3) + m_second.repeated(2)));
+    EXPECT_EQ(heard_by(device), small_digits(m_first.repeated(3) + m_second.repeated(2)));
     expect_written(device);
 }
 
@@ -65,7 +66,7 @@ TEST_F(ToolLink, RetriesAnswersCutShort)
     sim::SimulatedDevice device(solo());
     script_replies(device, {{{QByteArray::fromHex("555502FE")}}});
     EXPECT_EQ(run(device, "-B 0203 -w solo_two_rows.hex"), m_clean);
-    EXPECT_EQ(heard_by(device), hex(m_first.repeated(2) + m_second));
+    EXPECT_EQ(heard_by(device), small_digits(m_first.repeated(2) + m_second));
     expect_written(device);
 }
 
@@ -77,14 +78,14 @@ TEST_F(ToolLink, PutsAnswersInPiecesTogether)
             {answer.left(1), 0}, {answer.mid(1, 2), 5}, {answer.mid(3), 10}};
     });
     EXPECT_EQ(run(device, "-B 0203 -w solo_two_rows.hex"), m_clean);
-    EXPECT_EQ(heard_by(device), hex(m_first + m_second));
+    EXPECT_EQ(heard_by(device), small_digits(m_first + m_second));
 }
 
 TEST_F(ToolLink, StripsAnEchoThatComesApart)
 {
     sim::SimulatedDevice device(solo(), {sim::Entry::Probe, sim::Options::Echo::Apart});
     EXPECT_EQ(run(device, "-h -B 0203 -w solo_two_rows.hex"), m_clean);
-    EXPECT_EQ(heard_by(device), hex(m_first + m_second));
+    EXPECT_EQ(heard_by(device), small_digits(m_first + m_second));
     expect_written(device);
 }
 
@@ -92,7 +93,7 @@ TEST_F(ToolLink, StripsAnEchoThatComesWithTheAnswer)
 {
     sim::SimulatedDevice device(solo(), {sim::Entry::Probe, sim::Options::Echo::Together});
     EXPECT_EQ(run(device, "-h -B 0203 -w solo_two_rows.hex"), m_clean);
-    EXPECT_EQ(heard_by(device), hex(m_first + m_second));
+    EXPECT_EQ(heard_by(device), small_digits(m_first + m_second));
     expect_written(device);
 }
 

@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 #include <algorithm>
 #include <memory>
@@ -26,7 +27,7 @@ protected:
 
     static QByteArray image_name(int i) { return "image" + QByteArray::number(i) + ".hex"; }
 
-    static QByteArray flash_of(int i) { return counting(i, 0x100); }
+    static QByteArray flash_of(int i) { return counting(0x100, i); }
 
     std::unique_ptr<RunningTool> program(int i) const
     {
@@ -54,7 +55,8 @@ protected:
             const ToolResult result = runs[static_cast<std::size_t>(i - first)]->result();
             EXPECT_EQ(result.status, 0) << result;
             EXPECT_FALSE(result.crashed);
-            EXPECT_EQ(hex(device(i).memory().read(0x40, 0x100)), hex(flash_of(i)));
+            EXPECT_EQ(small_digits(device(i).memory().read(0x40, 0x100)),
+                      small_digits(flash_of(i)));
         }
     }
 

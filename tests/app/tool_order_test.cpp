@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -14,8 +15,8 @@ protected:
         m_device.memory().preset(0xC0, m_b);
     }
 
-    const QByteArray m_a = counting(0x10, 0x20);
-    const QByteArray m_b = counting(0x50, 0x20);
+    const QByteArray m_a = counting(0x20, 0x10);
+    const QByteArray m_b = counting(0x20, 0x50);
     const std::string m_erase_all = "0304400000";
     const std::string m_write_a = write_flash(0x40, m_a);
 };
@@ -65,7 +66,7 @@ TEST_F(ToolOrderOfRanges, IsTheSame)
     EXPECT_EQ(commands_of(device), (Commands{"0301000000", "02010000000001020304050607",
                                              "0108000000", "0108080000", "0108000000"}));
     EXPECT_EQ(m_tool.file(QStringLiteral("out.hex")).toStdString(),
-              saved_file({{0, counting(0, 8)}, {8, QByteArray(8, '\xFF')}}));
+              saved_file({{0, counting(8)}, {8, QByteArray(8, '\xFF')}}));
 }
 
 // Each file is loaded for its own operation only.

@@ -1,5 +1,6 @@
 #include "memory/MemoryMap.h"
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 #include <QDir>
 #include <QFile>
@@ -38,7 +39,7 @@ protected:
         EXPECT_TRUE(QDir().mkdir(m_tool.path(QLatin1String(name))));
     }
 
-    const QByteArray m_row = counting(0x30, 0x20);
+    const QByteArray m_row = counting(0x20, 0x30);
     const std::string m_saved = saved_file({{0x80, m_row}});
 };
 
@@ -183,8 +184,8 @@ TEST_F(ToolReadFile, OfARangeOnAFullDiskDoesNotFailTheRun)
 
 TEST_F(ToolReadFile, HoldsWhatWasWritten)
 {
-    const QByteArray flash = counting(0x07, 0x4C);
-    const QByteArray eeprom = counting(0xA0, 0x0B);
+    const QByteArray flash = counting(0x4C, 0x07);
+    const QByteArray eeprom = counting(0x0B, 0xA0);
     put_image("image.hex", {{0x66, flash}, {0x1010, eeprom}});
     operate("-e -w image.hex");
     operate("-r out.hex");
@@ -197,7 +198,7 @@ TEST_F(ToolReadFile, HoldsWhatWasWritten)
 
 TEST_F(ToolReadFile, BringsAnotherDeviceToTheSameState)
 {
-    m_device.memory().preset(0x1010, counting(0x90, 0x08));
+    m_device.memory().preset(0x1010, counting(0x08, 0x90));
     operate("-r out.hex");
     sim::SimulatedDevice another(quad());
     const QByteArray rows = progress({11, 22, 33, 44, 55, 66, 77, 88, 94, 100});

@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -15,9 +16,9 @@ protected:
         m_device.memory().preset(0x1000, m_eeprom);
     }
 
-    const QByteArray m_encrypted = counting(0x01, 0x40);
-    const QByteArray m_unencrypted = counting(0x81, 0x60);
-    const QByteArray m_eeprom = counting(0xE1, 0x18);
+    const QByteArray m_encrypted = counting(0x40, 0x01);
+    const QByteArray m_unencrypted = counting(0x60, 0x81);
+    const QByteArray m_eeprom = counting(0x18, 0xE1);
     const QByteArray m_blank_row = QByteArray(0x20, '\xFF');
     const QByteArray m_blank_page = QByteArray(0x40, '\xFF');
 };
@@ -135,6 +136,6 @@ TEST_F(ToolReadOfAnother, FailsAtARowThatFlashHoldsOnlyHalfOf)
                         "read() at 000003f0 could not be performed\n"
                         "Failed to read memory, aborting...\n"));
     ASSERT_EQ(device.commands().size(), 55U);
-    EXPECT_EQ(hex(device.commands().back().payload), "0110f00100");
+    EXPECT_EQ(small_digits(device.commands().back().payload), "0110f00100");
     EXPECT_EQ(m_tool.file(QStringLiteral("out.hex")), "kept");
 }

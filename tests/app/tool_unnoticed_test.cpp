@@ -1,5 +1,6 @@
 #include "sim/faults/ByteDamage.h"
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -20,7 +21,7 @@ protected:
     void lose_behind_a_late_acknowledgement(const std::string& lost)
     {
         m_device.set_gate([this, lost](const Command& command) {
-            m_is_lost = !m_was_lost && hex(command.payload) == lost;
+            m_is_lost = !m_was_lost && small_digits(command.payload) == lost;
             m_was_lost = m_was_lost || m_is_lost;
             return m_is_lost ? std::nullopt : std::optional(command.payload);
         });
@@ -32,8 +33,8 @@ protected:
     void alter(const std::string& altered)
     {
         m_device.set_gate([altered](const Command& command) {
-            return hex(command.payload) == altered ? sim::with_same_sum(command.payload)
-                                                   : command.payload;
+            return small_digits(command.payload) == altered ? sim::with_same_sum(command.payload)
+                                                            : command.payload;
         });
     }
 
@@ -42,8 +43,8 @@ protected:
     {
         const ToolResult result = operate(arguments);
         EXPECT_EQ(result.status, 0) << result;
-        EXPECT_EQ(hex(m_device.memory().read(0x80, 0x40)), hex(flash));
-        EXPECT_EQ(hex(m_device.memory().read(0x1000, 0x10)), hex(eeprom));
+        EXPECT_EQ(small_digits(m_device.memory().read(0x80, 0x40)), small_digits(flash));
+        EXPECT_EQ(small_digits(m_device.memory().read(0x1000, 0x10)), small_digits(eeprom));
     }
 
     void expect_noticed(const char* arguments, const char* message)
@@ -53,13 +54,13 @@ protected:
         EXPECT_TRUE(result.out.contains(message)) << result;
     }
 
-    const QByteArray m_lower = counting(0x10, 0x20);
-    const QByteArray m_upper = counting(0x60, 0x20);
-    const QByteArray m_eeprom = counting(0xE0, 0x10);
+    const QByteArray m_lower = counting(0x20, 0x10);
+    const QByteArray m_upper = counting(0x20, 0x60);
+    const QByteArray m_eeprom = counting(0x10, 0xE0);
     const QByteArray m_erased = QByteArray(0x20, '\xFF');
     /// What comes of the last two bytes when their top bits turn over.
-    const QByteArray m_altered_upper = counting(0x60, 0x1E) + QByteArray::fromHex("FEFF");
-    const QByteArray m_altered_eeprom = counting(0xE0, 0x0E) + QByteArray::fromHex("6E6F");
+    const QByteArray m_altered_upper = counting(0x1E, 0x60) + QByteArray::fromHex("FEFF");
+    const QByteArray m_altered_eeprom = counting(0x0E, 0xE0) + QByteArray::fromHex("6E6F");
 
 private:
     bool m_is_lost = false;
@@ -116,7 +117,7 @@ TEST_F(ToolUnnoticed, AnAnswerToAReadIsAltered)
 {
     m_device.memory().preset(0x80, m_upper);
     m_device.set_reply_filter([this](const Command& command, const QByteArray& answer) {
-        const bool is_row = hex(command.payload) == read_flash(0x80);
+        const bool is_row = small_digits(command.payload) == read_flash(0x80);
         const QByteArray altered = frame(read_flash(0x80).c_str(), m_altered_upper);
         return std::vector<Delivery>{{is_row ? altered : answer}};
     });
@@ -139,5 +140,5 @@ TEST_F(ToolUnnoticed, AReadThatArrivesAsAnEraseIsNoticedByTheVerificationThatSen
         return is_damaged ? arriving : bytes;
     });
     expect_noticed("-v image.hex", "data mismatch starting at address 0x00000080");
-    EXPECT_EQ(hex(m_device.memory().read(0x80, 0x20)), hex(m_erased));
+    EXPECT_EQ(small_digits(m_device.memory().read(0x80, 0x20)), small_digits(m_erased));
 }

@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 namespace
@@ -20,8 +21,8 @@ protected:
         return frame(read_flash(address).c_str(), row);
     }
 
-    const QByteArray m_flash = counting(0x10, 0x60);
-    const QByteArray m_eeprom = counting(0xE0, 0x10);
+    const QByteArray m_flash = counting(0x60, 0x10);
+    const QByteArray m_eeprom = counting(0x10, 0xE0);
     const Commands m_all_rows{read_flash(0x80), read_flash(0xA0), read_flash(0xC0),
                               read_eeprom(0x1000)};
     const QByteArray m_wrong_row = QByteArray(0x20, '\x77');
@@ -41,11 +42,11 @@ std::ostream& operator<<(std::ostream& stream, const NothingToCheck& nothing)
 
 const NothingToCheck nothing_to_check[] = {
     {"empty_file", "-v image.hex", {}},
-    {"bootloader", "-v image.hex", {{0x00, counting(0, 0x40)}}},
-    {"beyond_flash", "-v image.hex", {{0x140, counting(0, 0x20)}}},
-    {"beyond_eeprom", "-v image.hex", {{0x1020, counting(0, 0x10)}}},
-    {"encrypted_left_out", "-xe -v image.hex", {{0x40, counting(0, 8)}, {0x100, counting(0, 8)}}},
-    {"unencrypted_left_out", "-v image.hex -xu", {{0x80, counting(0, 0x40)}}},
+    {"bootloader", "-v image.hex", {{0x00, counting(0x40)}}},
+    {"beyond_flash", "-v image.hex", {{0x140, counting(0x20)}}},
+    {"beyond_eeprom", "-v image.hex", {{0x1020, counting(0x10)}}},
+    {"encrypted_left_out", "-xe -v image.hex", {{0x40, counting(8)}, {0x100, counting(8)}}},
+    {"unencrypted_left_out", "-v image.hex -xu", {{0x80, counting(0x40)}}},
     {"missing_file", "-v missing.hex", {}},
 };
 
@@ -116,7 +117,7 @@ TEST_F(ToolVerify, ReadsARowAgainThatComesBackWrong)
 
 TEST_F(ToolVerify, GivesUpARowThatComesBackWrongFourTimes)
 {
-    put_image("image.hex", {{0x80, counting(0x11, 1)}});
+    put_image("image.hex", {{0x80, counting(1, 0x11)}});
     reply_from(0, answer(0x80, m_wrong_row), 4);
     const QByteArray wrong_row = "77" + QByteArray(" 77").repeated(31);
     EXPECT_EQ(operate("-v image.hex"), failed("Verifying firmware\n"

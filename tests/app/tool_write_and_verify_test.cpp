@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -17,8 +18,8 @@ protected:
         return succeeded("Uploading firmware\n" + progress(percentages) + "\nUploaded!\n" + then);
     }
 
-    const QByteArray m_lower = counting(0x10, 0x20);
-    const QByteArray m_upper = counting(0x60, 0x20);
+    const QByteArray m_lower = counting(0x20, 0x10);
+    const QByteArray m_upper = counting(0x20, 0x60);
     const Commands m_programming{erase_page(0x80), write_flash(0x80, m_lower), read_flash(0x80),
                                  write_flash(0xA0, m_upper), read_flash(0xA0)};
     const Commands m_comparison{read_flash(0x80), read_flash(0xA0)};
@@ -62,7 +63,7 @@ TEST_F(ToolWriteAndVerify, WritesOnlyTheRowsOfAPageThatTheImageHolds)
 
 TEST_F(ToolWriteAndVerify, RepairsThePageOfAFlippedByteAndNoOther)
 {
-    const QByteArray image = counting(0x10, 0x80);
+    const QByteArray image = counting(0x80, 0x10);
     put_image("two_pages.hex", {{0x80, image}});
     m_device.memory().preset(0x80, image);
     m_device.memory().preset(0xE0, QByteArray(1, '\x71'));
@@ -80,7 +81,7 @@ TEST_F(ToolWriteAndVerify, RepairsThePageOfAFlippedByteAndNoOther)
 
 TEST_F(ToolWriteAndVerify, WritesEepromWithoutReadingItBack)
 {
-    const QByteArray eeprom = counting(0xE0, 0x10);
+    const QByteArray eeprom = counting(0x10, 0xE0);
     put_image("image.hex", {{0x1008, eeprom}});
     EXPECT_EQ(operate("-wv image.hex"), uploaded({0, 50, 100}));
     EXPECT_EQ(commands_of(m_device),
@@ -90,7 +91,7 @@ TEST_F(ToolWriteAndVerify, WritesEepromWithoutReadingItBack)
 
 TEST_F(ToolWriteAndVerify, WarnsDevelopersOfBytesOutsideTheDevice)
 {
-    put_image("image.hex", {{0x2000, counting(0, 8)}});
+    put_image("image.hex", {{0x2000, counting(8)}});
     const ToolResult result = operate("-wv image.hex");
     EXPECT_EQ(result, uploaded({0}));
     EXPECT_EQ(heard_by(m_device), "");
@@ -126,7 +127,7 @@ TEST_F(ToolWriteAndVerify, SkipsTheReadSilentlyAndTakesTheEraseForItself)
 TEST_F(ToolWriteAndVerify, SkipsTheRangedOperationsSilently)
 {
     load_device();
-    put_image("other.hex", {{0x40, counting(0, 0x20)}});
+    put_image("other.hex", {{0x40, counting(0x20)}});
     EXPECT_EQ(operate("-E 0x40 0x80 -l 0x40 0x80 out.hex -W 0x40 0x60 other.hex -wv image.hex"),
               uploaded({0, 100}));
     EXPECT_EQ(commands_of(m_device), m_comparison);
@@ -137,7 +138,7 @@ TEST_F(ToolWriteAndVerify, TakesItsOwnFileWhateverIsNamedLater)
 {
     load_device();
     give_file("bad_checksum.hex");
-    put_image("other.hex", {{0x40, counting(0, 0x20)}});
+    put_image("other.hex", {{0x40, counting(0x20)}});
     for (const char* later : {"-w other.hex", "-W 0 1 other.hex", "-v other.hex",
                               "-w other.hex -v other.hex", "-v bad_checksum.hex"}) {
         SCOPED_TRACE(later);
@@ -150,7 +151,7 @@ TEST_F(ToolWriteAndVerify, TakesItsOwnFileWhateverIsNamedLater)
 TEST_F(ToolWriteAndVerify, TakesTheLastOfItsOwnFiles)
 {
     load_device();
-    put_image("other.hex", {{0x40, counting(0, 0x20)}});
+    put_image("other.hex", {{0x40, counting(0x20)}});
     EXPECT_EQ(operate("-wv other.hex -wv image.hex"), uploaded({0, 100}));
     EXPECT_EQ(commands_of(m_device), m_comparison);
 }

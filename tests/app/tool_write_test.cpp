@@ -1,4 +1,5 @@
 #include "tests/app/ToolTest.h"
+#include "tests/support/Bytes.h"
 
 namespace
 {
@@ -26,12 +27,12 @@ TEST_F(ToolWrite, ProgramsFlashAndEeprom)
                                    "Now writingMemory written!\n") +
                             success));
     EXPECT_EQ(commands_of(device),
-              (std::vector<std::string>{command("0201500000", counting(0x00, 32)),
-                                        command("0201600000", counting(0x40, 32)),
-                                        command("0510100000", counting(0xE0, 16))}));
-    EXPECT_EQ(device.memory().read(0xA0, 32), counting(0x00, 32));
-    EXPECT_EQ(device.memory().read(0xC0, 32), counting(0x40, 32));
-    EXPECT_EQ(device.memory().read(0x1010, 16), counting(0xE0, 16));
+              (std::vector<std::string>{command("0201500000", counting(32)),
+                                        command("0201600000", counting(32, 0x40)),
+                                        command("0510100000", counting(16, 0xE0))}));
+    EXPECT_EQ(device.memory().read(0xA0, 32), counting(32));
+    EXPECT_EQ(device.memory().read(0xC0, 32), counting(32, 0x40));
+    EXPECT_EQ(device.memory().read(0x1010, 16), counting(16, 0xE0));
 }
 
 TEST_F(ToolWrite, LeavesTheImageFileAsItIs)
@@ -53,7 +54,7 @@ TEST_F(ToolWrite, MayRunBeyondItsTotalAtARowBegun)
                                    "Now writingMemory written!\n") +
                             success));
     EXPECT_EQ(commands_of(device), std::vector<std::string>{command(
-                                       "0201500000", counting(0x10, 10) + QByteArray(22, '\xFF'))});
+                                       "0201500000", counting(10, 0x10) + QByteArray(22, '\xFF'))});
 }
 
 TEST_F(ToolWrite, FillsTheRestOfARowWithTheFillerWord)
@@ -67,7 +68,7 @@ TEST_F(ToolWrite, FillsTheRestOfARowWithTheFillerWord)
                             success));
     EXPECT_EQ(commands_of(device),
               std::vector<std::string>{command(
-                  "0201600000", counting(0x10, 5) + "\x5A" + QByteArray("\xA5\x5A").repeated(13))});
+                  "0201600000", counting(5, 0x10) + "\x5A" + QByteArray("\xA5\x5A").repeated(13))});
 }
 
 // The image runs across the border of the areas, where the loader has to cut it.
@@ -82,7 +83,7 @@ TEST_F(ToolWrite, LeavesOutTheEncryptedArea)
                                    "Now writingMemory written!\n") +
                             success));
     EXPECT_EQ(commands_of(device),
-              std::vector<std::string>{command("0201800000", counting(0x20, 32))});
+              std::vector<std::string>{command("0201800000", counting(32, 0x20))});
 }
 
 TEST_F(ToolWrite, LeavesOutTheUnencryptedArea)
@@ -95,8 +96,7 @@ TEST_F(ToolWrite, LeavesOutTheUnencryptedArea)
                                    "\rProgress 100%"
                                    "Now writingMemory written!\n") +
                             success));
-    EXPECT_EQ(commands_of(device),
-              std::vector<std::string>{command("0201700000", counting(0x00, 32))});
+    EXPECT_EQ(commands_of(device), std::vector<std::string>{command("0201700000", counting(32))});
 }
 
 TEST_F(ToolWrite, OfAMissingFileWritesNothing)
@@ -145,8 +145,8 @@ TEST_F(ToolWrite, FailsMidwayWhenTheDeviceRefusesARow)
                         "unable to write flash row at address 0x000000C0\n"
                         "Now writingFailed to write memory, aborting...\n"));
     EXPECT_EQ(commands_of(device),
-              (std::vector<std::string>{command("0201500000", counting(0x00, 32)),
-                                        command("0201600000", counting(0x40, 32))}));
+              (std::vector<std::string>{command("0201500000", counting(32)),
+                                        command("0201600000", counting(32, 0x40))}));
 }
 
 TEST_F(ToolWrite, FailsWhenTheDeviceRefusesAnEepromRow)
@@ -183,7 +183,7 @@ TEST_F(ToolWrite, OfARangeTakesItsAddressesAsBytes)
                                    "Now writingMemory range written!\n") +
                             success));
     EXPECT_EQ(commands_of(device),
-              std::vector<std::string>{command("0201600000", counting(0x40, 32))});
+              std::vector<std::string>{command("0201600000", counting(32, 0x40))});
 }
 
 TEST_F(ToolWrite, OfARangeMustBeAlignedInFlash)
@@ -223,10 +223,11 @@ TEST_F(ToolWrite, RunsBetweenEraseAndReset)
                                    "Now writingMemory written!\n"
                                    "Resetting device\n") +
                             success));
-    EXPECT_EQ(heard_by(device), hex(frame("0307400000") + frame("0201600000", counting(0x00, 32)) +
-                                    frame("0201800000", counting(0x40, 32)) + frame("0000")));
-    EXPECT_EQ(device.memory().read(0x40, 0x80), QByteArray(0x20, '\xFF') + counting(0x00, 32) +
-                                                    counting(0x40, 32) + QByteArray(0x20, '\xFF'));
+    EXPECT_EQ(heard_by(device),
+              small_digits(frame("0307400000") + frame("0201600000", counting(32)) +
+                           frame("0201800000", counting(32, 0x40)) + frame("0000")));
+    EXPECT_EQ(device.memory().read(0x40, 0x80), QByteArray(0x20, '\xFF') + counting(32) +
+                                                    counting(32, 0x40) + QByteArray(0x20, '\xFF'));
 }
 
 TEST_F(ToolWrite, WithEntryProcedureShowsTheVersionAfterTheProgress)
@@ -240,6 +241,6 @@ TEST_F(ToolWrite, WithEntryProcedureShowsTheVersionAfterTheProgress)
                                    "Resetting device\n") +
                             success));
     EXPECT_EQ(commands_of(device),
-              (std::vector<std::string>{command("0201600000", counting(0x00, 32)),
-                                        command("0201800000", counting(0x40, 32)), "0000"}));
+              (std::vector<std::string>{command("0201600000", counting(32)),
+                                        command("0201800000", counting(32, 0x40)), "0000"}));
 }

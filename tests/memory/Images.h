@@ -1,6 +1,7 @@
 #pragma once
 
 #include "memory/MemoryMap.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/DebugMessages.h"
 
 #include <QByteArray>
@@ -15,12 +16,7 @@
 // Images, texts and files in forms that can be written down in a test and that a failure shows.
 
 /// A map's blobs in list order: address and bytes, the latter as upper-case hexadecimal digits.
-using Image = std::vector<std::pair<unsigned int, std::string>>;
-
-inline std::string digits_of(const QByteArray& bytes)
-{
-    return bytes.toHex().toUpper().toStdString();
-}
+using Blobs = std::vector<std::pair<unsigned int, std::string>>;
 
 inline QByteArray bytes_of(const zarnBLOB& blob)
 {
@@ -29,9 +25,9 @@ inline QByteArray bytes_of(const zarnBLOB& blob)
     return bytes;
 }
 
-inline Image image_of(const MemoryMap& map)
+inline Blobs blobs_of(const MemoryMap& map)
 {
-    Image image;
+    Blobs image;
     for (const auto& blob : map.blobs()) {
         image.emplace_back(blob->address, digits_of(bytes_of(*blob)));
     }
@@ -59,16 +55,6 @@ inline QByteArray file_content(const QString& path)
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
     return file.readAll();
-}
-
-/// `count` bytes that show where each of them belongs: 0, 1, 2, ... plus `first`, modulo 256.
-inline QByteArray counting_bytes(int count, int first = 0)
-{
-    QByteArray bytes(count, '\0');
-    for (int i = 0; i < count; ++i) {
-        bytes[i] = static_cast<char>(first + i);
-    }
-    return bytes;
 }
 
 /// A record line with a correct checksum.

@@ -20,7 +20,7 @@ TEST(AddressedBlob, ClearGoesBackToAddress0)
 {
     AddressedBLOB blob(16);
     blob.address = 0x1000;
-    blob.write(0, counting_bytes(20));
+    blob.write(0, counting(20));
     zarnBLOB& base = blob;
     base.clear();
     EXPECT_EQ(blob.address, 0U);
@@ -44,7 +44,7 @@ TEST(AddressedBlob, LoadingRawBytesGoesBackToAddress0)
 TEST(AddressedBlob, IsDestroyedThroughItsBase)
 {
     std::unique_ptr<zarnBLOB> blob = std::make_unique<AddressedBLOB>(16);
-    blob->write(0, counting_bytes(100));
+    blob->write(0, counting(100));
     blob.reset(); // the leak checker of a sanitizer build sees what is not freed
     EXPECT_EQ(blob, nullptr);
 }
@@ -59,7 +59,7 @@ TEST(AddressedBlob, OrderIsByUnsignedAddressAndStrict)
     EXPECT_FALSE(AddressedBLOB::address_sort_compare(&high, &low));
     EXPECT_FALSE(AddressedBLOB::address_sort_compare(&low, &low));
     high.address = low.address;
-    high.write(0, counting_bytes(3));
+    high.write(0, counting(3));
     EXPECT_FALSE(AddressedBLOB::address_sort_compare(&low, &high));
     EXPECT_FALSE(AddressedBLOB::address_sort_compare(&high, &low));
 }

@@ -29,7 +29,7 @@ QString data_file(const std::string& name)
 
 struct FileCase {
     std::string file; // of the data folder, without ".hex"
-    Image image;      // in the map afterwards
+    Blobs image;      // in the map afterwards
     Lines messages;   // none when the file loads
 };
 
@@ -47,7 +47,7 @@ TEST_P(HexFile, LoadsOrReportsWhyNot)
     MemoryMap map(16);
     const DebugMessages messages;
     EXPECT_EQ(map.load_from_hex_file(data_file(GetParam().file), {}), GetParam().messages.empty());
-    EXPECT_EQ(image_of(map), GetParam().image);
+    EXPECT_EQ(blobs_of(map), GetParam().image);
     EXPECT_EQ(lines_of(messages), GetParam().messages);
 }
 
@@ -148,7 +148,7 @@ TEST_P(HexAddressRecord, MovesTheDataThatFollow)
         load(map, hex_record(4, 0, "\x11\x11") +
                       hex_record(GetParam().type, 0xAAAA, QByteArray::fromHex(GetParam().data)) +
                       data_record(0x0010, "42")));
-    EXPECT_EQ(image_of(map), (Image{{GetParam().upper + 0x10, "42"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{GetParam().upper + 0x10, "42"}}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -178,7 +178,7 @@ INSTANTIATE_TEST_SUITE_P(
 struct BoundaryCase {
     const char* name;
     QSet<unsigned int> boundaries;
-    Image image;
+    Blobs image;
 };
 
 std::ostream& operator<<(std::ostream& out, const BoundaryCase& c)
@@ -194,7 +194,7 @@ TEST_P(HexBoundaries, CutBetweenRecords)
 {
     MemoryMap map(16);
     EXPECT_TRUE(map.load_from_hex_file(data_file("touching_records"), GetParam().boundaries));
-    EXPECT_EQ(image_of(map), GetParam().image);
+    EXPECT_EQ(blobs_of(map), GetParam().image);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -213,10 +213,10 @@ TEST_F(HexText, BoundaryIsAFullAddress)
                             data_record(0x11, "02");
     MemoryMap map(16);
     EXPECT_TRUE(load(map, text, {0x00000011}));
-    EXPECT_EQ(image_of(map), (Image{{0x10010, "0102"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x10010, "0102"}}));
     map.clear();
     EXPECT_TRUE(load(map, text, {0x00010011}));
-    EXPECT_EQ(image_of(map), (Image{{0x10010, "01"}, {0x10011, "02"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x10010, "01"}, {0x10011, "02"}}));
 }
 
 // ---- Blobs ----
@@ -236,7 +236,7 @@ TEST_F(HexText, LoadingAddsToWhatTheMapHolds)
     MemoryMap map(16);
     map.write(0x10, QByteArray("a"));
     EXPECT_TRUE(load(map, data_record(0x11, "62") + data_record(0x00, "63")));
-    EXPECT_EQ(image_of(map), (Image{{0x00, "63"}, {0x10, "61"}, {0x11, "62"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x00, "63"}, {0x10, "61"}, {0x11, "62"}}));
 }
 
 TEST_F(HexText, TheSameFileTwiceOverlapsItself)
@@ -255,7 +255,7 @@ TEST_F(HexText, ARecordContinuesOnlyTheBlobOfTheRecordBefore)
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0x00, "01") + data_record(0x10, "02") +
                               data_record(0x01, "03") + data_record(0x11, "04")));
-    EXPECT_EQ(image_of(map), (Image{{0x00, "01"}, {0x01, "03"}, {0x10, "02"}, {0x11, "04"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x00, "01"}, {0x01, "03"}, {0x10, "02"}, {0x11, "04"}}));
 }
 
 TEST_F(HexText, OtherRecordsInBetweenDoNotEndABlob)
@@ -263,15 +263,15 @@ TEST_F(HexText, OtherRecordsInBetweenDoNotEndABlob)
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0x00, "01") + hex_record(4, 0, "") +
                               hex_record(9, 0x1234, "ignored") + data_record(0x01, "02")));
-    EXPECT_EQ(image_of(map), (Image{{0x00, "0102"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x00, "0102"}}));
 }
 
 TEST_F(HexText, RecordsLongerThanAChunkAreStoredWhole)
 {
     MemoryMap map(16);
-    EXPECT_TRUE(load(map, hex_record(0, 0x00, counting_bytes(255)) +
-                              hex_record(0, 0xFF, counting_bytes(255, 255))));
-    EXPECT_EQ(image_of(map), (Image{{0, digits_of(counting_bytes(510))}}));
+    EXPECT_TRUE(
+        load(map, hex_record(0, 0x00, counting(255)) + hex_record(0, 0xFF, counting(255, 255))));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0, digits_of(counting(510))}}));
 }
 
 TEST_F(HexText, ABlobGoesOnAcrossTheEndOfTheAddressSpace)
@@ -279,7 +279,7 @@ TEST_F(HexText, ABlobGoesOnAcrossTheEndOfTheAddressSpace)
     MemoryMap map(16);
     EXPECT_TRUE(load(map, hex_record(4, 0, "\xFF\xFF") + data_record(0xFFFC, "01020304") +
                               hex_record(4, 0, "") + data_record(0x0000, "05060708")));
-    EXPECT_EQ(image_of(map), (Image{{0xFFFFFFFC, "0102030405060708"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0xFFFFFFFC, "0102030405060708"}}));
     EXPECT_EQ(map.get_blob_index(0xFFFFFFFC), -1);
     QByteArray bytes;
     EXPECT_FALSE(map.read(0, 16, bytes));
@@ -291,7 +291,7 @@ TEST_F(HexText, AnEmptyBlobOverlapsOnlyWhatItLiesInside)
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0x10, "") + hex_record(9, 0, "") + data_record(0x00, "01") +
                               data_record(0x10, "0203")));
-    EXPECT_EQ(image_of(map), (Image{{0x00, "01"}, {0x10, ""}, {0x10, "0203"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x00, "01"}, {0x10, ""}, {0x10, "0203"}}));
     EXPECT_EQ(map.get_blob_index(0x10), 2);
     const DebugMessages messages;
     EXPECT_FALSE(load(map, data_record(0x11, "")));
@@ -304,29 +304,29 @@ TEST_F(HexText, LinesMayLieAcrossTheBlocksInWhichAFileIsRead)
     QByteArray text;
     QByteArray bytes;
     for (int i = 0; text.size() < 300000; ++i) {
-        const QByteArray data = counting_bytes(1 + i % 32, i);
+        const QByteArray data = counting(1 + i % 32, i);
         text += hex_record(4, 0, QByteArray("\x00", 1) + static_cast<char>(bytes.size() >> 16));
         text += hex_record(0, bytes.size() & 0xFFFF, data);
         bytes += data;
     }
     MemoryMap map(16);
     EXPECT_TRUE(load(map, text));
-    EXPECT_EQ(image_of(map), (Image{{0, digits_of(bytes)}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0, digits_of(bytes)}}));
 }
 
 TEST_F(HexText, TheLongestLineMayBeginAnywhereAroundTheEndOfABlock)
 {
-    const QByteArray bytes = counting_bytes(255, 1);
+    const QByteArray bytes = counting(255, 1);
     const QByteArray lines = hex_record(0, 0, bytes) + data_record(255, "AA");
     for (int before = 65536 - lines.size() - 2; before <= 65536 + 2; ++before) {
         SCOPED_TRACE(before);
         MemoryMap map(16);
         EXPECT_TRUE(load(map, QByteArray(before, '\n') + lines));
-        EXPECT_EQ(image_of(map), (Image{{0, digits_of(bytes) + "AA"}}));
+        EXPECT_EQ(blobs_of(map), (Blobs{{0, digits_of(bytes) + "AA"}}));
         MemoryMap cut(16);
         const DebugMessages messages;
         EXPECT_FALSE(load(cut, QByteArray(before, '\n') + lines.chopped(2)));
-        EXPECT_EQ(image_of(cut), (Image{{0, digits_of(bytes)}}));
+        EXPECT_EQ(blobs_of(cut), (Blobs{{0, digits_of(bytes)}}));
         EXPECT_EQ(lines_of(messages),
                   (Lines{"MemoryMap::read_record(): failed to read checksum", record_failed}));
     }
@@ -337,7 +337,7 @@ TEST_F(HexText, ALongRunOfTextBetweenRecordsIsSkipped)
     MemoryMap map(16);
     EXPECT_TRUE(load(map, data_record(0, "01") + QByteArray(200000, '.') + data_record(1, "02") +
                               QByteArray(200000, '\n')));
-    EXPECT_EQ(image_of(map), (Image{{0, "0102"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0, "0102"}}));
 }
 
 TEST_F(HexText, EveryCutThroughAFileLoadsOrFailsInWords)

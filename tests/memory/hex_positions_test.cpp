@@ -100,7 +100,7 @@ TEST_F(HexPositions, AreKnownWhileAMapIsLoaded)
         }));
     EXPECT_EQ(outcomes, (std::vector<RecordOutcome>{RecordOutcome::Complete,
                                                     RecordOutcome::ChecksumMismatch}));
-    EXPECT_EQ(image_of(map), (Image{{0, "41"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0, "41"}}));
     EXPECT_EQ(messages.texts().size(), 2);
 }
 

@@ -146,8 +146,8 @@ TEST_F(HexRecordReader, RecordMayBeEmptyOrAsLongAsItsCountCanSay)
 {
     for (const int count : {0, 1, 16, 255}) {
         SCOPED_TRACE(count);
-        EXPECT_TRUE(read_record(file_with(hex_record(0, 0, counting_bytes(count)))));
-        EXPECT_EQ(digits_of(m_data), digits_of(counting_bytes(count)));
+        EXPECT_TRUE(read_record(file_with(hex_record(0, 0, counting(count)))));
+        EXPECT_EQ(digits_of(m_data), digits_of(counting(count)));
     }
 }
 

@@ -60,7 +60,7 @@ TEST(HexRoundTrip, IslandsComeBackAtTheirAddresses)
         }
         MemoryMap again(16);
         ASSERT_TRUE(save_and_load(map, again));
-        EXPECT_EQ(image_of(again), image_of(map));
+        EXPECT_EQ(blobs_of(again), blobs_of(map));
     }
 }
 
@@ -120,7 +120,7 @@ TEST(HexRoundTrip, SecondAddressBytesFrom0x80OnComeBackAtTheTop)
     map.write(0x00F00010, QByteArray("A"));
     MemoryMap again(16);
     ASSERT_TRUE(save_and_load(map, again));
-    EXPECT_EQ(image_of(again), (Image{{0xFFF00010, "41"}}));
+    EXPECT_EQ(blobs_of(again), (Blobs{{0xFFF00010, "41"}}));
 }
 
 } // namespace

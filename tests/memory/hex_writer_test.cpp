@@ -118,9 +118,9 @@ TEST_F(HexWriter, EmptyBlobWritesNothing)
 
 TEST_F(HexWriter, ContentGoesInRecordsOf16Bytes)
 {
-    EXPECT_EQ(content_of(0, counting_bytes(33), 0), ":10000000000102030405060708090A0B0C0D0E0F78\n"
-                                                    ":10001000101112131415161718191A1B1C1D1E1F68\n"
-                                                    ":0100200020BF\n");
+    EXPECT_EQ(content_of(0, counting(33), 0), ":10000000000102030405060708090A0B0C0D0E0F78\n"
+                                              ":10001000101112131415161718191A1B1C1D1E1F68\n"
+                                              ":0100200020BF\n");
 }
 
 TEST_F(HexWriter, UpperHalfInForceAlreadyIsNotWrittenAgain)
@@ -160,7 +160,7 @@ TEST_F(HexWriter, SavingAnEmptyMapWritesTheEndRecord)
 TEST_F(HexWriter, SavingABlobThatBeginsInsideASegment)
 {
     MemoryMap map(32);
-    map.write(0x00010008, counting_bytes(20));
+    map.write(0x00010008, counting(20));
     ASSERT_EQ(map.blobs().size(), 1U);
     EXPECT_EQ(saved(map), ":020000040001F9\n"
                           ":10000800000102030405060708090A0B0C0D0E0F70\n"

@@ -65,7 +65,7 @@ TEST_P(MalformedHexFile, LoadsOrIsRefusedInTheseWords)
     const DebugMessages messages;
     EXPECT_EQ(map.load_from_hex_file(path, {}), GetParam().messages.empty());
     EXPECT_EQ(lines_of(messages), GetParam().messages);
-    EXPECT_EQ(image_of(map), GetParam().pieces);
+    EXPECT_EQ(blobs_of(map), GetParam().pieces);
 }
 
 INSTANTIATE_TEST_SUITE_P(, MalformedHexFile, testing::ValuesIn(malformed_hex_files()), row_name);

@@ -21,7 +21,7 @@ constexpr unsigned int max_address = std::numeric_limits<unsigned int>::max();
 MemoryMap three_blobs()
 {
     MemoryMap map(256);
-    map.write(0x1000, counting_bytes(600, 1));
+    map.write(0x1000, counting(600, 1));
     return map;
 }
 
@@ -52,9 +52,9 @@ TEST(MemoryMap, BeginsEmpty)
 TEST(MemoryMap, WriteCutsDataIntoPiecesOfTheChunkSize)
 {
     const MemoryMap map = three_blobs();
-    EXPECT_EQ(image_of(map), (Image{{0x1000, digits_of(counting_bytes(256, 1))},
-                                    {0x1100, digits_of(counting_bytes(256, 1))},
-                                    {0x1200, digits_of(counting_bytes(88, 1))}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x1000, digits_of(counting(256, 1))},
+                                    {0x1100, digits_of(counting(256, 1))},
+                                    {0x1200, digits_of(counting(88, 1))}}));
     EXPECT_EQ(map.size(), 600U);
     for (const auto& blob : map.blobs()) {
         EXPECT_EQ(blob->chunk_size(), 256U);
@@ -76,7 +76,7 @@ TEST(MemoryMap, WriteAppendsInTheOrderOfTheCalls)
     map.write(0x2000, QByteArray("bb"));
     map.write(0x1000, QByteArray("aa"));
     map.write(0x3000, 2, "cc");
-    EXPECT_EQ(image_of(map), (Image{{0x2000, "6262"}, {0x1000, "6161"}, {0x3000, "6363"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x2000, "6262"}, {0x1000, "6161"}, {0x3000, "6363"}}));
 }
 
 TEST(MemoryMap, BlobIndexIsThatOfTheBlobWhichHoldsTheAddress)
@@ -112,8 +112,8 @@ TEST(MemoryMap, ReadCopiesTheCoveredPartAndLeavesGapsAlone)
 TEST(MemoryMap, ReadGoesAcrossBlobs)
 {
     const MemoryMap map = three_blobs();
-    EXPECT_EQ(bytes_at(map, 0x1000, 600), counting_bytes(600, 1).toStdString());
-    EXPECT_EQ(bytes_at(map, 0x0FFE, 604), "??" + counting_bytes(600, 1).toStdString() + "??");
+    EXPECT_EQ(bytes_at(map, 0x1000, 600), counting(600, 1).toStdString());
+    EXPECT_EQ(bytes_at(map, 0x0FFE, 604), "??" + counting(600, 1).toStdString() + "??");
 }
 
 TEST(MemoryMap, ReadAcrossAGapCopiesBothSides)
@@ -198,7 +198,7 @@ TEST(MemoryMap, OverlapCheckSortsByAddress)
     map.write(0x00, QByteArray("a"));
     map.write(0x10, QByteArray("b"));
     EXPECT_FALSE(map.has_overlaps());
-    EXPECT_EQ(image_of(map), (Image{{0x00, "61"}, {0x10, "62"}, {0x20, "63"}, {0x80000000, "64"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x00, "61"}, {0x10, "62"}, {0x20, "63"}, {0x80000000, "64"}}));
 }
 
 TEST(MemoryMap, OverlapCheckSortsAMapWithOverlapsToo)
@@ -210,7 +210,7 @@ TEST(MemoryMap, OverlapCheckSortsAMapWithOverlapsToo)
     map.write(0x10, QByteArray("b"));
     const DebugMessages overlap_is_expected;
     EXPECT_TRUE(map.has_overlaps());
-    EXPECT_EQ(image_of(map), (Image{{0x00, "61"}, {0x10, "62"}, {0x20, "636363"}, {0x21, "64"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0x00, "61"}, {0x10, "62"}, {0x20, "636363"}, {0x21, "64"}}));
     EXPECT_EQ(bytes_at(map, 0x20, 3), "cdc");
 }
 
@@ -231,8 +231,8 @@ TEST(MemoryMap, BlobsAtOneAddressKeepTheirOrder)
 TEST(MemoryMap, TouchingBlobsDoNotOverlap)
 {
     MemoryMap map(16);
-    map.write(0x10, counting_bytes(16));
-    map.write(0x00, counting_bytes(16));
+    map.write(0x10, counting(16));
+    map.write(0x00, counting(16));
     const DebugMessages messages;
     EXPECT_FALSE(map.has_overlaps());
     EXPECT_EQ(lines_of(messages), Lines{});
@@ -241,7 +241,7 @@ TEST(MemoryMap, TouchingBlobsDoNotOverlap)
 TEST(MemoryMap, OneBlobDoesNotOverlap)
 {
     MemoryMap map(16);
-    map.write(0x10, counting_bytes(16));
+    map.write(0x10, counting(16));
     EXPECT_FALSE(map.has_overlaps());
 }
 
@@ -264,7 +264,7 @@ TEST(MemoryMap, ClearKeepsTheChunkSize)
     map.clear();
     EXPECT_TRUE(map.blobs().empty());
     EXPECT_EQ(map.size(), 0U);
-    map.write(0x1000, counting_bytes(300));
+    map.write(0x1000, counting(300));
     EXPECT_EQ(map.blobs().size(), 2U);
     EXPECT_EQ(map.get_blob_index(0x112B), 1);
 }
@@ -323,11 +323,11 @@ TEST(MemoryMap, AReadAcrossTheWrapCopiesNothing)
 TEST(MemoryMap, PiecesOfAWriteGoOnAt0AfterTheWrap)
 {
     MemoryMap map(16);
-    map.write(max_address - 19, counting_bytes(40));
-    EXPECT_EQ(image_of(map), (Image{{max_address - 19, digits_of(counting_bytes(16))},
-                                    {max_address - 3, digits_of(counting_bytes(16, 16))},
-                                    {12, digits_of(counting_bytes(8, 32))}}));
-    EXPECT_EQ(bytes_at(map, 12, 8), counting_bytes(8, 32).toStdString());
+    map.write(max_address - 19, counting(40));
+    EXPECT_EQ(blobs_of(map), (Blobs{{max_address - 19, digits_of(counting(16))},
+                                    {max_address - 3, digits_of(counting(16, 16))},
+                                    {12, digits_of(counting(8, 32))}}));
+    EXPECT_EQ(bytes_at(map, 12, 8), counting(8, 32).toStdString());
     EXPECT_EQ(map.get_blob_index(12), 2);
     EXPECT_EQ(map.get_blob_index(max_address - 4), 0);
 }

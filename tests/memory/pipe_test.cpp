@@ -89,7 +89,7 @@ TEST_F(HexPipe, MayBringARecordInPieces)
     });
     EXPECT_TRUE(map.load_from_hex_file(path, {}));
     writer.join();
-    EXPECT_EQ(image_of(map), (Image{{0, "01020304"}}));
+    EXPECT_EQ(blobs_of(map), (Blobs{{0, "01020304"}}));
 }
 
 // Whoever writes into it may keep it open: nothing more is to come, and nothing is waited for.

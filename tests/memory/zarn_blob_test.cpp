@@ -46,7 +46,7 @@ TEST(ZarnBlob, WriteBeyondTheEndFillsTheGapWithZeros)
 TEST(ZarnBlob, ReadAtTheEndCopiesNothing)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(24));
+    blob.write(0, counting(24));
     QByteArray bytes = "untouched!";
     EXPECT_EQ(blob.read(24, 10, bytes.data()), 0U);
     EXPECT_EQ(bytes, "untouched!");
@@ -55,16 +55,16 @@ TEST(ZarnBlob, ReadAtTheEndCopiesNothing)
 TEST(ZarnBlob, ReadStopsAtTheEnd)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(24));
+    blob.write(0, counting(24));
     QByteArray bytes(100, '?');
     EXPECT_EQ(blob.read(8, 100, bytes.data()), 16U);
-    EXPECT_EQ(bytes, counting_bytes(16, 8) + QByteArray(84, '?'));
+    EXPECT_EQ(bytes, counting(16, 8) + QByteArray(84, '?'));
 }
 
 TEST(ZarnBlob, ReadBeyondTheEndCopiesNothing)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(24));
+    blob.write(0, counting(24));
     QByteArray bytes = "untouched!";
     EXPECT_EQ(blob.read(25, 10, bytes.data()), 0U);
     EXPECT_EQ(blob.read(max_offset, max_offset, bytes.data()), 0U);
@@ -74,12 +74,12 @@ TEST(ZarnBlob, ReadBeyondTheEndCopiesNothing)
 TEST(ZarnBlob, ReadIntoAnArrayLeavesItAsLongAsWhatWasRead)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(24));
+    blob.write(0, counting(24));
     QByteArray bytes = "something longer than what is read from the blob";
     EXPECT_EQ(blob.read(8, 100, bytes), 16U);
-    EXPECT_EQ(bytes, counting_bytes(16, 8));
+    EXPECT_EQ(bytes, counting(16, 8));
     EXPECT_EQ(blob.read(3, 5, bytes), 5U);
-    EXPECT_EQ(bytes, counting_bytes(5, 3));
+    EXPECT_EQ(bytes, counting(5, 3));
     EXPECT_EQ(blob.read(24, 10, bytes), 0U);
     EXPECT_EQ(bytes, QByteArray());
 }
@@ -87,16 +87,16 @@ TEST(ZarnBlob, ReadIntoAnArrayLeavesItAsLongAsWhatWasRead)
 TEST(ZarnBlob, ReadOfAllThereMayBeTakesNoMoreMemoryThanThereIs)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(24));
+    blob.write(0, counting(24));
     QByteArray bytes;
     EXPECT_EQ(blob.read(4, max_offset, bytes), 20U);
-    EXPECT_EQ(bytes, counting_bytes(20, 4));
+    EXPECT_EQ(bytes, counting(20, 4));
 }
 
 TEST(ZarnBlob, ReadIntoASharedArrayLeavesTheOtherCopyAlone)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(4));
+    blob.write(0, counting(4));
     QByteArray bytes = "abcd";
     const QByteArray copy = bytes;
     blob.read(0, 4, bytes);
@@ -106,7 +106,7 @@ TEST(ZarnBlob, ReadIntoASharedArrayLeavesTheOtherCopyAlone)
 TEST(ZarnBlob, WriteInsideTheUsedRangeOverwritesInPlace)
 {
     zarnBLOB blob(4);
-    blob.write(0, counting_bytes(12));
+    blob.write(0, counting(12));
     blob.write(3, QByteArray("\xAA\xBB\xCC"));
     EXPECT_EQ(digits_of(bytes_of(blob)), "000102AABBCC060708090A0B");
     EXPECT_EQ(blob.size(), 12U);
@@ -116,7 +116,7 @@ TEST(ZarnBlob, WriteInsideTheUsedRangeOverwritesInPlace)
 TEST(ZarnBlob, WriteAcrossTheEndOverwritesAndAppends)
 {
     zarnBLOB blob(4);
-    blob.write(0, counting_bytes(6));
+    blob.write(0, counting(6));
     blob.write(5, QByteArray("\xAA\xBB\xCC\xDD"));
     EXPECT_EQ(digits_of(bytes_of(blob)), "0001020304AABBCCDD");
     EXPECT_EQ(blob.capacity(), 12U);
@@ -139,13 +139,13 @@ TEST(ZarnBlob, WriteOfNothingStillReachesItsOffset)
 TEST(ZarnBlob, WritePastTheLast32BitOffsetIsNotStored)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(4));
+    blob.write(0, counting(4));
     const std::array<char, 2> bytes = {'x', 'y'};
     blob.write(max_offset, 1, bytes.data());
     blob.write(max_offset - 1, 2, bytes.data());
     blob.write(max_offset, 2, bytes.data());
     blob.write(4, max_offset, bytes.data());
-    EXPECT_EQ(bytes_of(blob), counting_bytes(4));
+    EXPECT_EQ(bytes_of(blob), counting(4));
     EXPECT_EQ(blob.capacity(), 16U);
 }
 
@@ -163,7 +163,7 @@ TEST_P(ZarnBlobOfAnyChunkSize, CapacityIsWholeChunksAndNeverBelowTheSize)
 
 TEST_P(ZarnBlobOfAnyChunkSize, EveryRangeOfTheContentCanBeRead)
 {
-    const QByteArray content = counting_bytes(70);
+    const QByteArray content = counting(70);
     zarnBLOB blob(GetParam());
     blob.write(0, content);
     QByteArray bytes;
@@ -178,7 +178,7 @@ TEST_P(ZarnBlobOfAnyChunkSize, EveryRangeOfTheContentCanBeRead)
 
 TEST_P(ZarnBlobOfAnyChunkSize, EveryRangeCanBeOverwritten)
 {
-    const QByteArray content = counting_bytes(40);
+    const QByteArray content = counting(40);
     for (int offset = 0; offset <= 45; ++offset) {
         for (int count = 0; count <= 20; ++count) {
             zarnBLOB blob(GetParam());
@@ -196,7 +196,7 @@ TEST_P(ZarnBlobOfAnyChunkSize, EveryRangeCanBeOverwritten)
 TEST(ZarnBlob, ClearFreesTheBytesAndKeepsTheChunkSize)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(40));
+    blob.write(0, counting(40));
     blob.clear();
     EXPECT_EQ(blob.size(), 0U);
     EXPECT_EQ(blob.capacity(), 0U);
@@ -206,7 +206,7 @@ TEST(ZarnBlob, ClearFreesTheBytesAndKeepsTheChunkSize)
 TEST(ZarnBlob, BytesOfBeforeAClearDoNotComeBack)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(40, 1));
+    blob.write(0, counting(40, 1));
     blob.clear();
     blob.write(39, 1, "x");
     EXPECT_EQ(bytes_of(blob), QByteArray(39, '\0') + 'x');
@@ -215,7 +215,7 @@ TEST(ZarnBlob, BytesOfBeforeAClearDoNotComeBack)
 TEST(ZarnBlob, HexListingHasALinePerChunk)
 {
     zarnBLOB blob(4);
-    blob.write(0, counting_bytes(5, 1));
+    blob.write(0, counting(5, 1));
     EXPECT_EQ(blob.to_hex_string().toStdString(), "block 0: 01 02 03 04\nblock 1: 05\n");
 }
 
@@ -229,7 +229,7 @@ TEST(ZarnBlob, HexListingOfAFullLastChunkShowsItWhole)
 TEST(ZarnBlob, HexListingNumbersChunksInDecimal)
 {
     zarnBLOB blob(1);
-    blob.write(0, counting_bytes(12));
+    blob.write(0, counting(12));
     EXPECT_EQ(blob.to_hex_string().toStdString(),
               "block 0: 00\nblock 1: 01\nblock 2: 02\nblock 3: 03\nblock 4: 04\nblock 5: 05\n"
               "block 6: 06\nblock 7: 07\nblock 8: 08\nblock 9: 09\nblock 10: 0A\nblock 11: 0B\n");
@@ -265,9 +265,9 @@ TEST_F(ZarnBlobFiles, SavingLeavesOutAFullLastChunk)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.size);
         zarnBLOB blob(16);
-        blob.write(0, counting_bytes(c.size));
+        blob.write(0, counting(c.size));
         EXPECT_EQ(blob.save_to_file(path()), static_cast<unsigned int>(c.size));
-        EXPECT_EQ(file_content(path()), counting_bytes(c.saved));
+        EXPECT_EQ(file_content(path()), counting(c.saved));
     }
 }
 
@@ -292,7 +292,7 @@ TEST_F(ZarnBlobFiles, LoadingTakesTheRawBytes)
 {
     for (const int size : {0, 1, 15, 16, 17, 32, 1000, 100000}) {
         SCOPED_TRACE(size);
-        const QByteArray content = counting_bytes(size, 7);
+        const QByteArray content = counting(size, 7);
         write_file(path(), content);
         zarnBLOB blob(16);
         EXPECT_EQ(blob.load_from_file(path()), static_cast<unsigned int>(size));
@@ -306,7 +306,7 @@ TEST_F(ZarnBlobFiles, LoadingReplacesTheContent)
 {
     write_file(path(), "new");
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(40, 1));
+    blob.write(0, counting(40, 1));
     blob.load_from_file(path());
     EXPECT_EQ(bytes_of(blob), "new");
     blob.write(10, 1, "x");
@@ -360,11 +360,11 @@ TEST_F(ZarnBlobFiles, AFileTooLongFor32BitOffsetsReadsAsEmpty)
 TEST_F(ZarnBlobFiles, SavedAndLoadedAgainTheBytesAreTheSame)
 {
     zarnBLOB blob(16);
-    blob.write(0, counting_bytes(1001));
+    blob.write(0, counting(1001));
     blob.save_to_file(path());
     zarnBLOB again(64);
     EXPECT_EQ(again.load_from_file(path()), 1001U);
-    EXPECT_EQ(bytes_of(again), counting_bytes(1001));
+    EXPECT_EQ(bytes_of(again), counting(1001));
 }
 
 } // namespace

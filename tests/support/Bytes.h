@@ -14,7 +14,19 @@ inline QByteArray bytes(const char* digits)
     return QByteArray::fromHex(digits);
 }
 
-/// The other way round: "55 0A".
+/// "550A"
+inline std::string digits_of(const QByteArray& bytes)
+{
+    return bytes.toHex().toUpper().toStdString();
+}
+
+/// "550a", as in the tool's log.
+inline std::string small_digits(const QByteArray& bytes)
+{
+    return bytes.toHex().toStdString();
+}
+
+/// "55 0A", as in the tool's messages.
 inline std::string hex(const QByteArray& bytes)
 {
     return bytes.toHex(' ').toUpper().toStdString();
