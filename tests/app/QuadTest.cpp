@@ -1,6 +1,7 @@
 #include "tests/app/QuadTest.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/HexRecords.h"
 
 namespace
 {
@@ -9,31 +10,16 @@ constexpr int bytes_per_record = 16;
 constexpr unsigned int row_size = 0x20;
 constexpr unsigned int eeprom_start = 0x1000;
 
-QByteArray record(unsigned int address, char type, const QByteArray& data)
-{
-    QByteArray bytes(1, static_cast<char>(data.size()));
-    bytes.append(static_cast<char>(address >> 8U));
-    bytes.append(static_cast<char>(address & 0xFFU));
-    bytes.append(type);
-    bytes.append(data);
-    unsigned int sum = 0;
-    for (const char byte : bytes) {
-        sum += static_cast<unsigned char>(byte);
-    }
-    bytes.append(static_cast<char>(0x100U - (sum & 0xFFU)));
-    return ':' + bytes.toHex().toUpper() + '\n';
-}
-
 QByteArray records(const std::vector<Piece>& pieces, const QByteArray& before_each)
 {
     QByteArray text;
     for (const Piece& piece : pieces) {
         for (int i = 0; i < piece.bytes.size(); i += bytes_per_record) {
-            text += before_each + record(piece.address + static_cast<unsigned int>(i), 0,
-                                         piece.bytes.mid(i, bytes_per_record));
+            text += before_each + hex_record(0, piece.address + static_cast<unsigned int>(i),
+                                             piece.bytes.mid(i, bytes_per_record));
         }
     }
-    return text + ":00000001FF\n";
+    return text + end_record;
 }
 
 /// `head`, then the address in three bytes, low one first.

@@ -3,6 +3,7 @@
 #include "memory/MemoryMap.h"
 #include "tests/device/OperationImages.h"
 #include "tests/support/DeviceOnLine.h"
+#include "tests/support/Progress.h"
 
 /// A device and an image to write to it or to compare it with.
 class OperationBench
@@ -38,37 +39,3 @@ public:
     MemoryMap image;
     bool abort = false;
 };
-
-/// The signals of an operation that reports these counts of bytes, one after the other.
-inline SignalRecorder::Lines
-progress(const std::string& signal, const std::vector<unsigned int>& processed, unsigned int total)
-{
-    SignalRecorder::Lines lines;
-    for (const unsigned int count : processed) {
-        lines.push_back(signal + ' ' + std::to_string(count) + " of " + std::to_string(total));
-    }
-    return lines;
-}
-
-inline SignalRecorder::Lines verify_progress(const std::vector<unsigned int>& processed,
-                                             unsigned int total)
-{
-    return progress("sig_verify_progress", processed, total);
-}
-
-inline SignalRecorder::Lines upload_progress(const std::vector<unsigned int>& processed,
-                                             unsigned int total)
-{
-    return progress("sig_upload_progress", processed, total);
-}
-
-inline SignalRecorder::Lines then(SignalRecorder::Lines lines, const std::string& line)
-{
-    lines.push_back(line);
-    return lines;
-}
-
-inline SignalRecorder::Lines then_complete(const SignalRecorder::Lines& lines)
-{
-    return then(lines, "sig_operation_complete");
-}

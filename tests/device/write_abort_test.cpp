@@ -1,8 +1,8 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Image.h"
+#include "tests/support/Progress.h"
 #include "tests/support/RowName.h"
-#include "tests/support/Upload.h"
 
 #include <gmock/gmock.h>
 

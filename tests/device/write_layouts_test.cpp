@@ -1,7 +1,7 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Image.h"
-#include "tests/support/Upload.h"
+#include "tests/support/Progress.h"
 
 #include <gmock/gmock.h>
 

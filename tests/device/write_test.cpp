@@ -2,8 +2,8 @@
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Image.h"
 #include "tests/support/ProfileTable.h"
+#include "tests/support/Progress.h"
 #include "tests/support/Replies.h"
-#include "tests/support/Upload.h"
 
 #include <gmock/gmock.h>
 

@@ -2,6 +2,7 @@
 
 #include "inspect/Program.h"
 #include "profile/Profile.h"
+#include "tests/support/HexRecords.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -99,22 +100,3 @@ inline QByteArray table_row(const Changes& changes = {})
     }
     return row + "\n";
 }
-
-/// A record with the right checksum, its line end included.
-inline QByteArray record(unsigned int address, unsigned char type, const QByteArray& data)
-{
-    QByteArray bytes;
-    bytes += static_cast<char>(data.size());
-    bytes += static_cast<char>(address >> 8);
-    bytes += static_cast<char>(address);
-    bytes += static_cast<char>(type);
-    bytes += data;
-    unsigned int sum = 0;
-    for (const char byte : bytes) {
-        sum += static_cast<unsigned char>(byte);
-    }
-    bytes += static_cast<char>(0x100 - (sum & 0xFF));
-    return ":" + bytes.toHex().toUpper() + "\n";
-}
-
-inline const QByteArray end_record = ":00000001FF\n";

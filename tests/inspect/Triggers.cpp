@@ -10,7 +10,7 @@ QByteArray bytes(const char* digits)
     return QByteArray::fromHex(digits);
 }
 
-const QByteArray data_at_0x800 = record(0x800, 0, bytes("01020304"));
+const QByteArray data_at_0x800 = hex_record(0, 0x800, bytes("01020304"));
 
 QByteArray with_blanks(QByteArray row)
 {
@@ -122,28 +122,29 @@ std::vector<Trigger> image_triggers()
         {"I005", data_at_0x800 + ":0408000001020304E7\n" + end_record, 2, 18},
         {"I006", data_at_0x800 + "00000001FF\n", 2, 1},
         {"I006", "no image\n", 1, 1},
-        {"I007", data_at_0x800 + record(0, 2, bytes("1000")) + end_record, 2, 1},
-        {"I008", data_at_0x800 + "\n" + record(0, 3, bytes("10000000")) + end_record, 3, 1},
+        {"I007", data_at_0x800 + hex_record(2, 0, bytes("1000")) + end_record, 2, 1},
+        {"I008", data_at_0x800 + "\n" + hex_record(3, 0, bytes("10000000")) + end_record, 3, 1},
         {"I009", data_at_0x800 + data_at_0x800 + end_record, 2, 1},
-        {"I010", data_at_0x800 + record(0x900, 0, bytes("05")).mid(1) + end_record, 2, 1},
+        {"I010", data_at_0x800 + hex_record(0, 0x900, bytes("05")).mid(1) + end_record, 2, 1},
         {"I011", "A remark\n" + data_at_0x800 + end_record, 1, 1},
         {"I011", "\xEF\xBB\xBF" + data_at_0x800 + end_record, 1, 1},
-        {"I012", data_at_0x800 + end_record + record(0x900, 0, bytes("05")) + end_record, 3, 1},
+        {"I012", data_at_0x800 + end_record + hex_record(0, 0x900, bytes("05")) + end_record, 3, 1},
         {"I013", data_at_0x800, 2, 1},
-        {"I014", record(0, 4, bytes("00F0")) + data_at_0x800 + end_record, 1, 1},
-        {"I015", record(0, 5, bytes("00000800")) + data_at_0x800 + end_record, 1, 1},
-        {"I016", record(0, 4, bytes("00")) + data_at_0x800 + end_record, 1, 1},
-        {"I016", data_at_0x800 + record(0, 5, bytes("0000")) + end_record, 2, 1},
-        {"I017", data_at_0x800 + record(0, 6, bytes("0000")) + end_record, 2, 1},
-        {"I018", record(0, 4, bytes("FFFF")) + record(0xFFFE, 0, bytes("0102")) + end_record, 2, 1},
-        {"I019", data_at_0x800 + record(0x9000, 0, bytes("0102")) + end_record, 2, 0, device},
-        {"I020", record(0, 0, bytes("01")) + data_at_0x800 + end_record, 1, 0, device},
-        {"I021", record(0x7FFE, 0, bytes("01020304")) + end_record, 1, 0, device},
-        {"I021", record(0x3FFE, 0, bytes("01020304")) + end_record, 1, 0, device},
-        {"I021", record(0x7FE, 0, bytes("01020304")) + end_record, 1, 0, device},
-        {"I022", record(0, 4, bytes("0001")) + record(0x0008, 0, bytes("01")) + end_record, 2, 0,
-         device},
-        {"I022", record(0x808, 0, bytes("01")) + end_record, 1, 0,
+        {"I014", hex_record(4, 0, bytes("00F0")) + data_at_0x800 + end_record, 1, 1},
+        {"I015", hex_record(5, 0, bytes("00000800")) + data_at_0x800 + end_record, 1, 1},
+        {"I016", hex_record(4, 0, bytes("00")) + data_at_0x800 + end_record, 1, 1},
+        {"I016", data_at_0x800 + hex_record(5, 0, bytes("0000")) + end_record, 2, 1},
+        {"I017", data_at_0x800 + hex_record(6, 0, bytes("0000")) + end_record, 2, 1},
+        {"I018",
+         hex_record(4, 0, bytes("FFFF")) + hex_record(0, 0xFFFE, bytes("0102")) + end_record, 2, 1},
+        {"I019", data_at_0x800 + hex_record(0, 0x9000, bytes("0102")) + end_record, 2, 0, device},
+        {"I020", hex_record(0, 0, bytes("01")) + data_at_0x800 + end_record, 1, 0, device},
+        {"I021", hex_record(0, 0x7FFE, bytes("01020304")) + end_record, 1, 0, device},
+        {"I021", hex_record(0, 0x3FFE, bytes("01020304")) + end_record, 1, 0, device},
+        {"I021", hex_record(0, 0x7FE, bytes("01020304")) + end_record, 1, 0, device},
+        {"I022", hex_record(4, 0, bytes("0001")) + hex_record(0, 0x0008, bytes("01")) + end_record,
+         2, 0, device},
+        {"I022", hex_record(0, 0x808, bytes("01")) + end_record, 1, 0,
          table_row({{15, "0"},
                     {16, "0"},
                     {17, "0"},
@@ -153,7 +154,7 @@ std::vector<Trigger> image_triggers()
                     {21, "0"},
                     {22, "0"},
                     {23, "0"}})},
-        {"I023", record(0x9000, 0, bytes("0102")) + end_record, 0, 0, device},
+        {"I023", hex_record(0, 0x9000, bytes("0102")) + end_record, 0, 0, device},
     };
 }
 

@@ -32,11 +32,11 @@ protected:
 /// write them.
 QByteArray segmented_image()
 {
-    return record(0, 2, QByteArray::fromHex("1000")) +
-           record(0x10, 0, QByteArray::fromHex("01020304")) +
-           record(0, 2, QByteArray::fromHex("0800")) +
-           record(0x800, 0, QByteArray::fromHex("05060708")) +
-           record(0, 3, QByteArray::fromHex("10000010")) + end_record;
+    return hex_record(2, 0, QByteArray::fromHex("1000")) +
+           hex_record(0, 0x10, QByteArray::fromHex("01020304")) +
+           hex_record(2, 0, QByteArray::fromHex("0800")) +
+           hex_record(0, 0x800, QByteArray::fromHex("05060708")) +
+           hex_record(3, 0, QByteArray::fromHex("10000010")) + end_record;
 }
 
 } // namespace
@@ -66,9 +66,9 @@ TEST_F(Conversion, AsAdvisedMakesAFileThatLoads)
 
 TEST_F(Conversion, WithObjcopyWorksBelow64KiBOnly)
 {
-    put_file(QStringLiteral("low.hex"), record(0, 2, QByteArray::fromHex("0800")) +
-                                            record(0x800, 0, QByteArray::fromHex("05060708")) +
-                                            record(0, 3, QByteArray::fromHex("10000010")) +
+    put_file(QStringLiteral("low.hex"), hex_record(2, 0, QByteArray::fromHex("0800")) +
+                                            hex_record(0, 0x800, QByteArray::fromHex("05060708")) +
+                                            hex_record(3, 0, QByteArray::fromHex("10000010")) +
                                             end_record);
     put_file(QStringLiteral("high.hex"), segmented_image());
     for (const char* name : {"low", "high"}) {

@@ -150,7 +150,8 @@ TEST_F(Drawing, ShowsWhatIsNotWritten)
 TEST_F(Drawing, IsWellFormedWhateverFilesAndDevicesAreCalled)
 {
     const QString table = put_file(QStringLiteral("<&>\".txt"), table_row({{3, "<L&\x01\">"}}));
-    const QString image = put_file(QStringLiteral("<&>\".hex"), record(0x800, 0, "a") + end_record);
+    const QString image =
+        put_file(QStringLiteral("<&>\".hex"), hex_record(0, 0x800, "a") + end_record);
     const QString drawing = path(QStringLiteral("b.svg"));
     EXPECT_EQ(inspect_run({QStringLiteral("image"), image, QStringLiteral("--table"), table,
                            QStringLiteral("--svg"), drawing})
@@ -164,7 +165,7 @@ TEST_F(Drawing, OfAMillionPiecesStaysSmall)
 {
     QByteArray image;
     for (unsigned int address = 0x800; address < 0x8000; address += 2) {
-        image += record(address, 0, "a");
+        image += hex_record(0, address, "a");
     }
     const QString table = put_file(QStringLiteral("device.txt"), table_row());
     const QString drawing = path(QStringLiteral("b.svg"));

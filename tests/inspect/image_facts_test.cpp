@@ -48,16 +48,16 @@ int area(const QJsonObject& report, const char* name)
 
 TEST_F(ImageFacts, JoinSegmentsThatTouchWhateverTheirOrder)
 {
-    const QJsonObject report = report_on(record(0x14, 0, "cd") + record(0x10, 0, "abcd") +
-                                         record(0x20, 0, "e") + end_record);
+    const QJsonObject report = report_on(hex_record(0, 0x14, "cd") + hex_record(0, 0x10, "abcd") +
+                                         hex_record(0, 0x20, "e") + end_record);
     EXPECT_EQ(segments(report), "16-22 32-33 ");
     EXPECT_EQ(report[QStringLiteral("bytes")].toInt(), 7);
 }
 
 TEST_F(ImageFacts, JoinSegmentsThatTheDeviceCutsInTwo)
 {
-    const QJsonObject report =
-        report_on(record(0x3FFC, 0, "abcd") + record(0x4000, 0, "efgh") + end_record, in_device());
+    const QJsonObject report = report_on(
+        hex_record(0, 0x3FFC, "abcd") + hex_record(0, 0x4000, "efgh") + end_record, in_device());
     EXPECT_EQ(segments(report), "16380-16388 ");
     EXPECT_EQ(area(report, "unencrypted"), 4);
     EXPECT_EQ(area(report, "encrypted"), 4);
@@ -66,7 +66,7 @@ TEST_F(ImageFacts, JoinSegmentsThatTheDeviceCutsInTwo)
 
 TEST_F(ImageFacts, HashTheFile)
 {
-    const QByteArray content = record(0, 0, "abc") + end_record;
+    const QByteArray content = hex_record(0, 0, "abc") + end_record;
     EXPECT_EQ(
         report_on(content)[QStringLiteral("sha256")].toString(),
         QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex()));
@@ -76,17 +76,17 @@ TEST_F(ImageFacts, SumUpTheBytesInTheOrderOfTheirAddresses)
 {
     // The check value of this polynomial: that of "123456789".
     const QJsonObject report =
-        report_on(record(0x900, 0, "6789") + record(0x10, 0, "12345") + end_record);
+        report_on(hex_record(0, 0x900, "6789") + hex_record(0, 0x10, "12345") + end_record);
     EXPECT_EQ(report[QStringLiteral("crc32")].toString(), QStringLiteral("cbf43926"));
 }
 
 TEST_F(ImageFacts, CountBytesByArea)
 {
-    const QJsonObject report =
-        report_on(record(0x100, 0, "b") + record(0x800, 0, "pp") + record(0x4000, 0, "eee") +
-                      record(0x9000, 0, "oooo") + record(0, 4, QByteArray::fromHex("0001")) +
-                      record(0, 0, "EEEEE") + end_record,
-                  in_device());
+    const QJsonObject report = report_on(
+        hex_record(0, 0x100, "b") + hex_record(0, 0x800, "pp") + hex_record(0, 0x4000, "eee") +
+            hex_record(0, 0x9000, "oooo") + hex_record(4, 0, QByteArray::fromHex("0001")) +
+            hex_record(0, 0, "EEEEE") + end_record,
+        in_device());
     EXPECT_EQ(area(report, "bootloader"), 1);
     EXPECT_EQ(area(report, "unencrypted"), 2);
     EXPECT_EQ(area(report, "encrypted"), 3);
@@ -97,8 +97,9 @@ TEST_F(ImageFacts, CountBytesByArea)
 
 TEST_F(ImageFacts, CountPagesAndRows)
 {
-    const QJsonObject report = report_on(
-        record(0x880, 0, QByteArray(128, 'a')) + record(0xC00, 0, "b") + end_record, in_device());
+    const QJsonObject report = report_on(hex_record(0, 0x880, QByteArray(128, 'a')) +
+                                             hex_record(0, 0xC00, "b") + end_record,
+                                         in_device());
     EXPECT_EQ(report[QStringLiteral("pages")][QStringLiteral("touched")].toInt(), 2);
     EXPECT_EQ(report[QStringLiteral("flash_rows")][QStringLiteral("touched")].toInt(), 2);
     EXPECT_EQ(report[QStringLiteral("flash_rows")][QStringLiteral("partly_filled")].toInt(), 1);
@@ -107,7 +108,7 @@ TEST_F(ImageFacts, CountPagesAndRows)
 TEST_F(ImageFacts, HaveNoDataOfAFileThatIsRefused)
 {
     const QJsonObject report =
-        report_on(record(0, 0, "abc") + record(0, 2, "ab") + end_record, in_device());
+        report_on(hex_record(0, 0, "abc") + hex_record(2, 0, "ab") + end_record, in_device());
     EXPECT_FALSE(report[QStringLiteral("loads")].toBool());
     EXPECT_EQ(report[QStringLiteral("bytes")].toInt(), 0);
     EXPECT_EQ(segments(report), "");
@@ -116,37 +117,37 @@ TEST_F(ImageFacts, HaveNoDataOfAFileThatIsRefused)
 
 TEST_F(ImageFacts, StopAtTheFirstBadRecord)
 {
-    EXPECT_THAT(places(report_on(record(0, 0, "abc") + ":00\n" + record(0, 2, "ab"))),
+    EXPECT_THAT(places(report_on(hex_record(0, 0, "abc") + ":00\n" + hex_record(2, 0, "ab"))),
                 ElementsAre("I003:2:4"));
 }
 
 TEST_F(ImageFacts, TakeAStartAddressAtTheEndForHarmless)
 {
-    const QJsonObject report =
-        report_on(record(0, 0, "abc") + record(0, 5, QByteArray::fromHex("12345678")) + end_record);
+    const QJsonObject report = report_on(
+        hex_record(0, 0, "abc") + hex_record(5, 0, QByteArray::fromHex("12345678")) + end_record);
     EXPECT_EQ(report[QStringLiteral("start_address")].toInt(), 0x12345678);
     EXPECT_THAT(codes(report), IsEmpty());
 }
 
 TEST_F(ImageFacts, TakeAStartAddressBeforeAnAddressRecordForHarmless)
 {
-    EXPECT_THAT(codes(report_on(record(0, 5, QByteArray::fromHex("12345678")) +
-                                record(0, 4, QByteArray::fromHex("0000")) + record(0, 0, "abc") +
-                                end_record)),
+    EXPECT_THAT(codes(report_on(hex_record(5, 0, QByteArray::fromHex("12345678")) +
+                                hex_record(4, 0, QByteArray::fromHex("0000")) +
+                                hex_record(0, 0, "abc") + end_record)),
                 IsEmpty());
 }
 
 TEST_F(ImageFacts, DistinguishALostColonFromARemark)
 {
     const QJsonObject report =
-        report_on(record(0, 0, "abc") + record(3, 0, "def").mid(1) + "a remark\r\n" +
-                  record(6, 0, "ghi") + "0123456789\n" + record(9, 0, "j") + end_record);
+        report_on(hex_record(0, 0, "abc") + hex_record(0, 3, "def").mid(1) + "a remark\r\n" +
+                  hex_record(0, 6, "ghi") + "0123456789\n" + hex_record(0, 9, "j") + end_record);
     EXPECT_THAT(places(report), ElementsAre("I010:2:1", "I011:3:1"));
 }
 
 TEST_F(ImageFacts, AcceptOtherLineEndsAndBlanksBetweenRecords)
 {
-    const QByteArray lines = record(0, 0, "abc") + record(3, 0, "def") + end_record;
+    const QByteArray lines = hex_record(0, 0, "abc") + hex_record(0, 3, "def") + end_record;
     for (const char* end : {"\r\n", "\r", "\n\n", " \t\n"}) {
         EXPECT_THAT(codes(report_on(QByteArray(lines).replace('\n', end))), IsEmpty());
     }
@@ -155,9 +156,9 @@ TEST_F(ImageFacts, AcceptOtherLineEndsAndBlanksBetweenRecords)
 
 TEST_F(ImageFacts, CountFurtherPlacesOfAProblem)
 {
-    const QByteArray unknown = record(0, 6, "a");
+    const QByteArray unknown = hex_record(6, 0, "a");
     const QJsonObject report =
-        report_on(unknown + unknown + record(0, 0, "a") + unknown + end_record);
+        report_on(unknown + unknown + hex_record(0, 0, "a") + unknown + end_record);
     EXPECT_THAT(places(report), ElementsAre("I017:1:1"));
     EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
               QStringLiteral("The type is 6. 3 places in all."));
@@ -166,7 +167,7 @@ TEST_F(ImageFacts, CountFurtherPlacesOfAProblem)
 TEST_F(ImageFacts, NameBothRecordsOfAnOverlap)
 {
     const QJsonObject report =
-        report_on(record(0x10, 0, "abcd") + "\n" + record(0x12, 0, "x") + end_record);
+        report_on(hex_record(0, 0x10, "abcd") + "\n" + hex_record(0, 0x12, "x") + end_record);
     EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
               QStringLiteral("Lines 1 and 3 both have data for 0x00000012."));
 }
@@ -177,7 +178,7 @@ TEST_F(ImageFacts, WarnOfTheTableOnlyWhereItIsOfNoUse)
                                    table_row({{13, "0"}}) + table_row({{1, "v0111:"}, {9, "x"}}));
     const QJsonObject report = inspect_json(
         {QStringLiteral("image"),
-         put_file(QStringLiteral("a.hex"), record(0x800, 0, "a") + end_record),
+         put_file(QStringLiteral("a.hex"), hex_record(0, 0x800, "a") + end_record),
          QStringLiteral("--table"), table, QStringLiteral("--device"), QStringLiteral("0110")});
     EXPECT_THAT(places(report), ElementsAre("T005:2:9"));
 }
@@ -186,14 +187,14 @@ TEST_F(ImageFacts, NeedNotFitIntoMemoryTwice)
 {
     // Data at both ends of the address space take no memory for what lies between.
     const QJsonObject report =
-        report_on(record(0, 0, "a") + record(0, 4, QByteArray::fromHex("FFFF")) +
-                  record(0xFFF0, 0, "b") + end_record);
+        report_on(hex_record(0, 0, "a") + hex_record(4, 0, QByteArray::fromHex("FFFF")) +
+                  hex_record(0, 0xFFF0, "b") + end_record);
     EXPECT_EQ(segments(report), "0-1 4294967280-4294967281 ");
 }
 
 TEST_F(ImageFacts, OfSeveralFilesStandInAList)
 {
-    const QString first = put_file(QStringLiteral("a.hex"), record(0, 0, "a") + end_record);
+    const QString first = put_file(QStringLiteral("a.hex"), hex_record(0, 0, "a") + end_record);
     const QString missing = path(QStringLiteral("none.hex"));
     const inspect::Outcome outcome =
         inspect_run({QStringLiteral("image"), first, missing, QStringLiteral("--json")});

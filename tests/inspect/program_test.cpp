@@ -108,7 +108,7 @@ TEST_F(Program, EndsQuietlyWhenItsReaderHasGone)
 
 TEST_F(Program, LeavesFilesAlone)
 {
-    const QString image = put_file(QStringLiteral("a.hex"), record(0, 0, "a") + end_record);
+    const QString image = put_file(QStringLiteral("a.hex"), hex_record(0, 0, "a") + end_record);
     run({QStringLiteral("image"), image, QStringLiteral("no_such.hex")});
     run({QStringLiteral("table"), path(QStringLiteral("no_such.txt"))});
     EXPECT_EQ(QDir(path(QString())).entryList(QDir::Files), QStringList(QStringLiteral("a.hex")));

@@ -3,6 +3,7 @@
 #include "memory/MemoryMap.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/DebugMessages.h"
+#include "tests/support/HexRecords.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -55,26 +56,4 @@ inline QByteArray file_content(const QString& path)
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
     return file.readAll();
-}
-
-/// A record line with a correct checksum.
-inline QByteArray hex_record(int type, int address, const QByteArray& data)
-{
-    QByteArray bytes;
-    bytes.append(static_cast<char>(data.size()));
-    bytes.append(static_cast<char>(address / 256));
-    bytes.append(static_cast<char>(address % 256));
-    bytes.append(static_cast<char>(type));
-    bytes.append(data);
-    int sum = 0;
-    for (const char byte : bytes) {
-        sum += static_cast<unsigned char>(byte);
-    }
-    bytes.append(static_cast<char>(256 - sum % 256));
-    return ':' + bytes.toHex().toUpper() + '\n';
-}
-
-inline QByteArray data_record(int address, const char* digits)
-{
-    return hex_record(0, address, QByteArray::fromHex(digits));
 }

@@ -306,7 +306,7 @@ TEST_F(HexText, LinesMayLieAcrossTheBlocksInWhichAFileIsRead)
     for (int i = 0; text.size() < 300000; ++i) {
         const QByteArray data = counting(1 + i % 32, i);
         text += hex_record(4, 0, QByteArray("\x00", 1) + static_cast<char>(bytes.size() >> 16));
-        text += hex_record(0, bytes.size() & 0xFFFF, data);
+        text += hex_record(0, static_cast<unsigned int>(bytes.size()), data);
         bytes += data;
     }
     MemoryMap map(16);

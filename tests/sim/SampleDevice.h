@@ -32,10 +32,4 @@ inline std::unique_ptr<const Profile> sample_profile(const Changes& changes = {}
     return std::make_unique<const Profile>(sample_fields(changes));
 }
 
-/// Bytes from hexadecimal digits with blanks between.
-inline QByteArray bytes(const char* hexadecimal)
-{
-    return QByteArray::fromHex(hexadecimal);
-}
-
 } // namespace sim_test

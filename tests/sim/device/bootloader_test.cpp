@@ -1,6 +1,7 @@
 #include "sim/device/Bootloader.h"
 #include "sim/faults/ByteDamage.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
@@ -11,7 +12,6 @@ using sim::DeviceMemory;
 using sim::Entry;
 using sim::Exchange;
 using sim::make_frame;
-using sim_test::bytes;
 using sim_test::Changes;
 using sim_test::sample_profile;
 

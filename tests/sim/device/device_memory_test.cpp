@@ -1,10 +1,10 @@
 #include "sim/device/DeviceMemory.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <gmock/gmock.h>
 
 using sim::DeviceMemory;
-using sim_test::bytes;
 using sim_test::sample_profile;
 
 namespace

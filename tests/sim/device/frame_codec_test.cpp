@@ -1,12 +1,11 @@
 #include "sim/device/FrameCodec.h"
-#include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
 using sim::FrameReceiver;
 using sim::make_frame;
-using sim_test::bytes;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

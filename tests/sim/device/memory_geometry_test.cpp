@@ -1,13 +1,13 @@
 #include "sim/device/Command.h"
 #include "sim/device/MemoryGeometry.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <gtest/gtest.h>
 
 using sim::byte_address_of;
 using sim::Command;
 using sim::rows_of;
-using sim_test::bytes;
 using sim_test::sample_profile;
 
 TEST(SimMemoryGeometry, GivesTheByteAddressOfACommand)

@@ -4,6 +4,7 @@
 #include "sim/line/LineTiming.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +14,6 @@ using sim::line_time_ns;
 using sim::make_frame;
 using sim::Options;
 using sim::SimulatedDevice;
-using sim_test::bytes;
 using sim_test::HostPort;
 using sim_test::sample_profile;
 using sim_test::wait_until;

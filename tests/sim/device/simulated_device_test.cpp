@@ -2,6 +2,7 @@
 #include "sim/device/SimulatedDevice.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <QSignalSpy>
 #include <gmock/gmock.h>
@@ -12,7 +13,6 @@ using sim::Entry;
 using sim::make_frame;
 using sim::Options;
 using sim::SimulatedDevice;
-using sim_test::bytes;
 using sim_test::HostPort;
 using sim_test::sample_profile;
 using sim_test::wait_until;

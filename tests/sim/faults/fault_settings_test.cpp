@@ -1,12 +1,10 @@
 #include "sim/faults/FaultSettings.h"
-
-#include "sim/device/Error.h"
+#include "tests/sim/Complaint.h"
 
 #include <gmock/gmock.h>
 
 using sim::add_fault;
 using sim::Chance;
-using sim::Error;
 using sim::fault_kind_named;
 using sim::FaultKind;
 using sim::FaultRule;
@@ -41,12 +39,7 @@ bool is_a_quarter(const Chance& chance)
 
 std::string complaint_about(const char* text)
 {
-    try {
-        settings_of(text);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "nothing thrown";
+    return sim_test::complaint_of([&] { settings_of(text); });
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "sim/device/FrameCodec.h"
 #include "sim/faults/FaultyReply.h"
-#include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
@@ -12,7 +12,6 @@ using sim::Fault;
 using sim::FaultKind;
 using sim::FaultyReply;
 using sim::make_frame;
-using sim_test::bytes;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -1,6 +1,6 @@
-#include "sim/program/Arguments.h"
-
 #include "sim/device/Error.h"
+#include "sim/program/Arguments.h"
+#include "tests/sim/Complaint.h"
 
 #include <gtest/gtest.h>
 
@@ -22,12 +22,7 @@ Arguments parse(const char* words = "")
 
 std::string complaint_about(const char* words)
 {
-    try {
-        parse(words);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "nothing thrown";
+    return sim_test::complaint_of([&] { parse(words); });
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "sim/line/Descriptor.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,7 +20,6 @@
 
 using sim::Descriptor;
 using sim::make_frame;
-using sim_test::bytes;
 using sim_test::HostPort;
 using sim_test::sample_fields;
 

@@ -2,6 +2,7 @@
 #include "sim/device/Error.h"
 #include "sim/program/StateFile.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/SmallDisk.h"
 
 #include <QFile>
@@ -11,7 +12,6 @@
 using sim::DeviceMemory;
 using sim::Error;
 using sim::StateFile;
-using sim_test::bytes;
 using sim_test::sample_profile;
 
 namespace

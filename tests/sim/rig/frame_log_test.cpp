@@ -1,7 +1,7 @@
-#include "sim/rig/FrameLog.h"
-
 #include "sim/device/Error.h"
-#include "tests/sim/SampleDevice.h"
+#include "sim/rig/FrameLog.h"
+#include "tests/sim/Complaint.h"
+#include "tests/support/Bytes.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -11,7 +11,6 @@ using sim::Error;
 using sim::FrameLog;
 using sim::parse_frame_log;
 using sim::read_frame_log;
-using sim_test::bytes;
 
 namespace
 {
@@ -29,12 +28,7 @@ Entries entries_of(const QByteArray& content)
 
 std::string complaint_about(const QByteArray& content)
 {
-    try {
-        entries_of(content);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "nothing thrown";
+    return sim_test::complaint_of([&] { entries_of(content); });
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "sim/line/Descriptor.h"
 #include "sim/rig/MemoryImage.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/SmallDisk.h"
 
 #include <QFile>
@@ -20,7 +21,6 @@ using sim::DeviceMemory;
 using sim::Error;
 using sim::MemoryImage;
 using sim::save_memory;
-using sim_test::bytes;
 using sim_test::sample_profile;
 
 namespace

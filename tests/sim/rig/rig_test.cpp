@@ -4,6 +4,7 @@
 #include "sim/rig/Rig.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -17,7 +18,6 @@ using sim::make_frame;
 using sim::Rig;
 using sim::RigOptions;
 using sim::Summary;
-using sim_test::bytes;
 using sim_test::HostPort;
 using sim_test::sample_profile;
 using sim_test::wait_until;

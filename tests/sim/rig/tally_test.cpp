@@ -1,12 +1,10 @@
 #include "sim/rig/Tally.h"
-
-#include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 
 #include <gtest/gtest.h>
 
 using sim::Command;
 using sim::Tally;
-using sim_test::bytes;
 
 TEST(SimTally, CountsCommandsByKind)
 {

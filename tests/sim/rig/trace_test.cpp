@@ -1,5 +1,6 @@
 #include "sim/rig/Trace.h"
 #include "tests/sim/SampleDevice.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@ using sim::Command;
 using sim::FaultKind;
 using sim::Outcome;
 using sim::trace_line;
-using sim_test::bytes;
 using sim_test::sample_profile;
 
 namespace

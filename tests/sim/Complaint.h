@@ -1,0 +1,22 @@
+#pragma once
+
+#include "sim/device/Error.h"
+
+#include <string>
+
+namespace sim_test
+{
+
+/// The message of the error that `action` throws.
+template <typename Action>
+std::string complaint_of(Action action)
+{
+    try {
+        action();
+    } catch (const sim::Error& error) {
+        return error.what();
+    }
+    return "nothing thrown";
+}
+
+} // namespace sim_test
