@@ -1,3 +1,4 @@
+#include "tests/device/DeviceOperations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Image.h"
@@ -7,7 +8,6 @@
 #include <QFile>
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -18,18 +18,6 @@ using testing::ElementsAre;
 
 namespace
 {
-
-using Operation = std::function<bool(ZarnSerialDevice&)>;
-
-const bool never = false;
-
-Operation write(const std::vector<std::pair<unsigned int, QByteArray>>& pieces)
-{
-    return [=](ZarnSerialDevice& device) {
-        const MemoryMap map = image(pieces);
-        return device.write(&map, never, true, true);
-    };
-}
 
 Operation write_with_verify(unsigned int address)
 {
@@ -47,27 +35,11 @@ Operation verify(unsigned int address)
     };
 }
 
-Operation write_range(unsigned int start, unsigned int end)
-{
-    return [=](ZarnSerialDevice& device) {
-        const MemoryMap map = image({{start, counting(16)}});
-        return device.write_range(&map, start, end, never, true, true);
-    };
-}
-
 Operation read_range(unsigned int start, unsigned int end)
 {
     return [=](ZarnSerialDevice& device) {
         QFile file(QStringLiteral("never made.hex"));
         return device.read_range(file, never, true, true, start, end);
-    };
-}
-
-Operation read_memory(unsigned int address, unsigned int num_bytes)
-{
-    return [=](ZarnSerialDevice& device) {
-        QByteArray data;
-        return device.read_memory(address, num_bytes, data);
     };
 }
 

@@ -1,12 +1,11 @@
+#include "tests/device/DeviceOperations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/DeviceOnLine.h"
-#include "tests/support/Image.h"
 #include "tests/support/Replies.h"
 #include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,14 +17,9 @@ using testing::ElementsAre;
 namespace
 {
 
-using Operation = std::function<bool(ZarnSerialDevice&)>;
-
 Operation read(unsigned int address)
 {
-    return [address](ZarnSerialDevice& device) {
-        QByteArray data;
-        return device.read_memory(address, 2, data);
-    };
+    return read_memory(address, 2);
 }
 
 Operation write_row(unsigned int address, int num_bytes)
@@ -58,20 +52,7 @@ Operation erase_range()
 
 Operation write(unsigned int address)
 {
-    return [address](ZarnSerialDevice& device) {
-        const MemoryMap map = image({{address, counting(16)}});
-        const bool abort_requested = false;
-        return device.write(&map, abort_requested, true, true);
-    };
-}
-
-Operation write_range(unsigned int start, unsigned int end)
-{
-    return [=](ZarnSerialDevice& device) {
-        const MemoryMap map = image({{start, counting(16)}});
-        const bool abort_requested = false;
-        return device.write_range(&map, start, end, abort_requested, true, true);
-    };
+    return ::write({{address, counting(16)}});
 }
 
 struct Unusable {

@@ -44,10 +44,10 @@ struct Range {
 /// where the range starts, unless it starts beyond the memory.
 bool asks_for(Range range, Memory memory, unsigned int address)
 {
-    const bool starts_behind = range.start >= memory.end;
-    const bool ends_behind = range.end >= memory.end;
-    if (starts_behind) {
-        return !ends_behind && address < range.end;
+    const bool starts_after_it = range.start >= memory.end;
+    const bool ends_after_it = range.end >= memory.end;
+    if (starts_after_it) {
+        return !ends_after_it && address < range.end;
     }
     return range.start <= address && address < range.end;
 }
@@ -69,11 +69,11 @@ bool is_refused(const Device& device, Range range)
 {
     const bool begins_before_everything =
         range.start < device.flash.start && range.start < device.eeprom.start;
-    const bool ends_behind_everything =
+    const bool ends_after_everything =
         range.end > device.flash.end && range.end > device.eeprom.end;
     const bool turns_back_in_eeprom = device.eeprom.start < range.start &&
                                       range.start < device.eeprom.end && range.end < range.start;
-    return begins_before_everything || ends_behind_everything || turns_back_in_eeprom;
+    return begins_before_everything || ends_after_everything || turns_back_in_eeprom;
 }
 
 /// Each limit of each memory and its neighbours, and the limits of the address space.
