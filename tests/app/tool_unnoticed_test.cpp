@@ -18,7 +18,7 @@ protected:
 
     /// The first command that is this one never arrives, and an acknowledgement from before comes
     /// instead of its own.
-    void lose_behind_a_late_acknowledgement(const std::string& lost)
+    void lose_after_a_late_acknowledgement(const std::string& lost)
     {
         m_device.set_gate([this, lost](const Command& command) {
             m_is_lost = !m_was_lost && small_digits(command.payload) == lost;
@@ -71,19 +71,19 @@ private:
 
 TEST_F(ToolUnnoticed, ALateAcknowledgementHidesThatAWriteLostARow)
 {
-    lose_behind_a_late_acknowledgement(write_flash(0xA0, m_upper));
+    lose_after_a_late_acknowledgement(write_flash(0xA0, m_upper));
     expect_unnoticed("-e -w image.hex", m_lower + m_erased, m_eeprom);
 }
 
 TEST_F(ToolUnnoticed, ALateAcknowledgementIsNoticedByAVerificationAfterwards)
 {
-    lose_behind_a_late_acknowledgement(write_flash(0xA0, m_upper));
+    lose_after_a_late_acknowledgement(write_flash(0xA0, m_upper));
     expect_noticed("-e -w image.hex -v image.hex", "data mismatch starting at address 0x000000A0");
 }
 
 TEST_F(ToolUnnoticed, ALateAcknowledgementIsNoticedByAWriteAndVerify)
 {
-    lose_behind_a_late_acknowledgement(write_flash(0xA0, m_upper));
+    lose_after_a_late_acknowledgement(write_flash(0xA0, m_upper));
     expect_noticed("-wv image.hex", "Row verify failure at address 0x000000A0");
 }
 

@@ -111,8 +111,8 @@ inline RandomMemory random_eeprom(Random& random, const RandomMemory& flash)
     eeprom.filler = QByteArray::fromHex("5A6B7C8D");
     const unsigned int size = eeprom.row * random.from_to(1, 6);
     const bool below_flash = size <= flash.start && random.chance(30);
-    const unsigned int behind_flash = (flash.end + eeprom.row - 1) / eeprom.row;
-    eeprom.start = below_flash ? 0 : eeprom.row * (behind_flash + random.below(4));
+    const unsigned int after_flash = (flash.end + eeprom.row - 1) / eeprom.row;
+    eeprom.start = below_flash ? 0 : eeprom.row * (after_flash + random.below(4));
     eeprom.end = eeprom.start + size;
     return eeprom;
 }

@@ -31,7 +31,7 @@ Areas random_areas(Random& random)
 template <typename Body>
 void for_every_device(unsigned int game, Body body)
 {
-    const DebugMessages much_is_told;
+    const DebugMessages ignored_messages;
     for (const RandomDevice& device : RandomTable::devices()) {
         SCOPED_TRACE(device.name);
         Random random(game * RandomTable::count + device.seed);

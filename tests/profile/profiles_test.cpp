@@ -61,7 +61,7 @@ private:
 };
 
 /// The message on the debug channel when the first question threw; empty when it did not throw.
-QStringList told_by_failing_question()
+QStringList message_of_failing_question()
 {
     const DebugMessages messages;
     try {
@@ -181,7 +181,7 @@ TEST_F(ProfilesTest, ReadsTheTableAtTheFirstQuestionAndNeverAgain)
 TEST_F(ProfilesTest, AFailedFirstQuestionLeavesTheNextToReadAgain)
 {
     in_new_process([] {
-        EXPECT_EQ(told_by_failing_question(),
+        EXPECT_EQ(message_of_failing_question(),
                   QStringList{QStringLiteral("\"file not found: ./device.txt\"")});
         EXPECT_TRUE(QFile::copy(QStringLiteral(PROFILE_TEST_DATA "/two_devices.txt"), table_name));
         EXPECT_TRUE(Profiles::has_profile(0x0203));
@@ -230,7 +230,7 @@ TEST_P(ProfileTableError, IsReportedAndThrownByPointer)
 {
     write_table(test_data((GetParam().name + ".txt").c_str()));
     in_new_process([] {
-        EXPECT_EQ(told_by_failing_question(), QStringList{QLatin1String(GetParam().message)});
+        EXPECT_EQ(message_of_failing_question(), QStringList{QLatin1String(GetParam().message)});
     });
 }
 
@@ -248,7 +248,7 @@ INSTANTIATE_TEST_SUITE_P(, ProfileTableError,
 TEST_F(ProfilesTest, FileThatIsMissingIsNotFound)
 {
     in_new_process([] {
-        EXPECT_EQ(told_by_failing_question(),
+        EXPECT_EQ(message_of_failing_question(),
                   QStringList{QStringLiteral("\"file not found: ./device.txt\"")});
     });
 }
@@ -257,7 +257,7 @@ TEST_F(ProfilesTest, FolderOfTheNameIsAReadError)
 {
     ASSERT_TRUE(QDir().mkdir(path()));
     in_new_process([] {
-        EXPECT_EQ(told_by_failing_question(),
+        EXPECT_EQ(message_of_failing_question(),
                   QStringList{QStringLiteral("\"file read error: ./device.txt\"")});
     });
 }
@@ -267,7 +267,7 @@ TEST_F(ProfilesTest, FailureWhileReadingIsAReadError)
     // Opens for its owner, but nothing is mapped at its start.
     ASSERT_TRUE(QFile::link(QStringLiteral("/proc/self/mem"), path()));
     in_new_process([] {
-        EXPECT_EQ(told_by_failing_question(),
+        EXPECT_EQ(message_of_failing_question(),
                   QStringList{QStringLiteral("\"file read error: ./device.txt\"")});
     });
 }

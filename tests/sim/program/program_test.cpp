@@ -335,11 +335,11 @@ TEST_F(SimProgram, KeepsItsMemoryFromOneRunToTheNext)
 TEST_F(SimProgram, KeepsItsMemoryWhenNobodyReadsTheSummary)
 {
     write_file("image.hex", image);
-    const char* const stop_behind_the_first_line =
+    const char* const stop_after_the_first_line =
         "{ \"$0\" --table one.txt --state state --memory image.hex & echo $! > pid; wait; } | "
         "{ read -r port; exec <&-; until [ -s pid ]; do :; done; kill -TERM $(cat pid); }";
     process.start(QStringLiteral("/bin/sh"),
-                  {QStringLiteral("-c"), QString::fromLatin1(stop_behind_the_first_line),
+                  {QStringLiteral("-c"), QString::fromLatin1(stop_after_the_first_line),
                    QStringLiteral(ZSERIAL_SIM)});
     EXPECT_EQ(exit_status(), 0);
     EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
