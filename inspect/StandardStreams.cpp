@@ -1,48 +1,31 @@
 #include "inspect/StandardStreams.h"
 
 #include "inspect/ExitStatus.h"
-
-#include <cerrno>
-#include <cstdlib>
-#include <unistd.h>
+#include "util/Platform.h"
 
 namespace inspect
 {
 
-namespace
-{
-
-bool write_all(int descriptor, const QByteArray& bytes)
-{
-    const char* at = bytes.constData();
-    const char* const end = at + bytes.size();
-    while (at != end) {
-        const ssize_t count = ::write(descriptor, at, static_cast<std::size_t>(end - at));
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        at += count < 0 ? 0 : count;
-    }
-    return true;
-}
-
-} // namespace
+using Platform::StandardStream;
+using Platform::WriteOutcome;
 
 bool standard_output_shows_colour()
 {
-    const char* const refused = std::getenv("NO_COLOR");
-    return ::isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
+    return Platform::is_terminal(StandardStream::Output) && qEnvironmentVariableIsEmpty("NO_COLOR");
 }
 
 int print(const Outcome& outcome)
 {
-    write_all(STDERR_FILENO, outcome.err);
-    if (write_all(STDOUT_FILENO, outcome.out)) {
+    Platform::write_all(StandardStream::Error, outcome.err);
+    switch (Platform::write_all(StandardStream::Output, outcome.out)) {
+    case WriteOutcome::Complete:
         return outcome.status;
-    }
-    // A reader that has seen enough, such as a pager, is no reason to complain.
-    if (errno != EPIPE) {
-        write_all(STDERR_FILENO, "zserial-inspect: cannot write to standard output\n");
+    case WriteOutcome::Failed:
+        Platform::write_all(StandardStream::Error,
+                            "zserial-inspect: cannot write to standard output\n");
+        break;
+    case WriteOutcome::ReaderGone: // one that has seen enough, such as a pager: no complaint
+        break;
     }
     return ExitCannot;
 }

@@ -1,5 +1,6 @@
 #include "util/Platform.h"
 
+#include <QByteArray>
 #include <QFile>
 
 #ifdef Q_OS_UNIX
@@ -8,12 +9,24 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
+#else
+#include <cstdio>
 #endif
 
 namespace Platform
 {
 
 #ifdef Q_OS_UNIX
+
+namespace
+{
+
+int descriptor_of(StandardStream stream)
+{
+    return stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO;
+}
+
+} // namespace
 
 void occupy_standard_descriptors()
 {
@@ -39,6 +52,26 @@ qint64 read_available(QFile& file, char* data, qint64 size)
     return count;
 }
 
+WriteOutcome write_all(StandardStream stream, const QByteArray& bytes)
+{
+    const char* at = bytes.constData();
+    const char* const end = at + bytes.size();
+    while (at != end) {
+        const ssize_t count =
+            ::write(descriptor_of(stream), at, static_cast<std::size_t>(end - at));
+        if (count < 0 && errno != EINTR) {
+            return errno == EPIPE ? WriteOutcome::ReaderGone : WriteOutcome::Failed;
+        }
+        at += count < 0 ? 0 : count;
+    }
+    return WriteOutcome::Complete;
+}
+
+bool is_terminal(StandardStream stream)
+{
+    return ::isatty(descriptor_of(stream)) == 1;
+}
+
 bool has_hung_up(qintptr descriptor)
 {
     pollfd entry{};
@@ -55,6 +88,19 @@ void let_impossible_writes_fail() {}
 qint64 read_available(QFile& file, char* data, qint64 size)
 {
     return file.read(data, file.isSequential() ? qMin<qint64>(size, 1) : size);
+}
+
+WriteOutcome write_all(StandardStream stream, const QByteArray& bytes)
+{
+    std::FILE* const file = stream == StandardStream::Output ? stdout : stderr;
+    const auto size = static_cast<std::size_t>(bytes.size());
+    const bool complete = std::fwrite(bytes.constData(), 1, size, file) == size;
+    return complete && std::fflush(file) == 0 ? WriteOutcome::Complete : WriteOutcome::Failed;
+}
+
+bool is_terminal(StandardStream)
+{
+    return false;
 }
 
 bool has_hung_up(qintptr)

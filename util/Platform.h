@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+class QByteArray;
 class QFile;
 
 /// Questions and requests to the operating system. The tool's other sources do not include its
@@ -21,6 +22,21 @@ void let_impossible_writes_fail();
 /// Reads up to `size` bytes from the open file's current position, past its buffer. Waits while
 /// there is nothing to read, and no longer. 0 at the end of the file, -1 for an error.
 qint64 read_available(QFile& file, char* data, qint64 size);
+
+enum class StandardStream { Output, Error };
+
+/// How writing to a stream has ended.
+enum class WriteOutcome {
+    Complete,
+    ReaderGone, ///< whoever read the pipe has closed it
+    Failed,
+};
+
+/// Writes all of `bytes`, past any buffer. Waits while the stream takes nothing.
+WriteOutcome write_all(StandardStream stream, const QByteArray& bytes);
+
+/// Whether the stream is a terminal. False where the system cannot be asked.
+bool is_terminal(StandardStream stream);
 
 /// Whether the device that the open `descriptor` (QSerialPort::handle()) stands for has gone away.
 /// True as well where the system cannot be asked.
