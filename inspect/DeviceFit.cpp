@@ -17,6 +17,11 @@ bool is_flash(Area area)
     return area == Area::Encrypted || area == Area::Unencrypted;
 }
 
+bool is_memory(Area area)
+{
+    return is_flash(area) || area == Area::Eeprom;
+}
+
 QString range_text(const Segment& range)
 {
     return QStringLiteral("%1 to %2").arg(address_text(range.start), address_text(range.end));
@@ -42,6 +47,7 @@ public:
 private:
     void count();
     void check_ignored(Area area, Code code, const char* where);
+    bool is_entered(Area area) const;
     void check_crossings();
     void check_crossing(const Segment& blob);
     void check_rows();
@@ -89,12 +95,30 @@ void Fitter::check_ignored(Area area, Code code, const char* where)
     const auto first = std::find_if(m_fit.pieces.begin(), m_fit.pieces.end(),
                                     [area](const AreaPiece& piece) { return piece.area == area; });
     if (first != m_fit.pieces.end()) {
+        QString uploader; // of bytes in pieces of their own: the code's text
+        if (is_entered(area)) {
+            uploader = QStringLiteral("-w leaves them out and succeeds. -v and -wv fail on a piece "
+                                      "that begins in a memory and goes on here.");
+        }
         add(code,
             QStringLiteral("%1: %2 %3, the first at %4.")
                 .arg(m_profile.name, count_text(bytes(area), "byte"), QLatin1String(where),
                      address_text(first->range.start)),
-            line_of(m_image.path, first->range.start));
+            line_of(m_image.path, first->range.start), uploader);
     }
+}
+
+/// Whether a piece that begins in flash or EEPROM goes on there.
+bool Fitter::is_entered(Area area) const
+{
+    const auto& blobs = m_image.image.blobs();
+    return std::any_of(blobs.begin(), blobs.end(), [&](const auto& blob) {
+        const Segment range{blob->address, quint64{blob->address} + blob->size()};
+        const std::vector<AreaPiece> pieces = cut(m_profile, {range});
+        return !pieces.empty() && is_memory(pieces.front().area) &&
+               std::any_of(pieces.begin(), pieces.end(),
+                           [area](const AreaPiece& piece) { return piece.area == area; });
+    });
 }
 
 /// Pieces as the uploader has them: they begin at limits where a record does, and nowhere else.

@@ -1,10 +1,10 @@
 #include "inspect/ImageFile.h"
 
 #include "inspect/CapturedMessages.h"
+#include "inspect/Figures.h"
 #include "inspect/FileHash.h"
 #include "inspect/ImageWatch.h"
 #include "inspect/InputFile.h"
-#include "inspect/SkippedText.h"
 
 #include <algorithm>
 #include <zlib.h>
@@ -14,6 +14,8 @@ namespace inspect
 
 namespace
 {
+
+constexpr quint64 end_of_addresses = quint64{1} << 32;
 
 quint64 end_of(const AddressedBLOB& blob)
 {
@@ -52,10 +54,40 @@ quint32 crc32_of(const MemoryMap& image)
     return static_cast<quint32>(sum);
 }
 
+/// The line of the first data record of which `is_wanted(start, data)` is true; 0 when there is
+/// none.
+template <typename Predicate>
+qint64 line_where(const QString& path, const Predicate& is_wanted)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        return 0;
+    }
+    intel_hex::RecordReader reader(file);
+    intel_hex::Record record;
+    unsigned int upper = 0;
+    while (reader.next(record).outcome == intel_hex::RecordOutcome::Complete &&
+           record.type != IntelHexFileRecordType::EndOfFile) {
+        if (record.type == IntelHexFileRecordType::Data &&
+            is_wanted(upper + record.address, record.data)) {
+            return reader.record_position().line;
+        }
+        upper = intel_hex::upper_address_after(record, upper);
+    }
+    return 0;
+}
+
+qint64 line_of_empty_record(const QString& path, unsigned int address)
+{
+    return line_where(path, [address](unsigned int start, const QByteArray& data) {
+        return start == address && data.isEmpty();
+    });
+}
+
 class ImageReader
 {
 public:
-    explicit ImageReader(const QString& path) { m_result.path = path; }
+    explicit ImageReader(const QString& path) : m_watch(path) { m_result.path = path; }
 
     ImageFile read(const QSet<unsigned int>& boundaries);
 
@@ -111,8 +143,6 @@ void ImageReader::load(QFile& file, const QSet<unsigned int>& boundaries)
     m_result.records = m_watch.counts();
     m_result.start_address = m_watch.start_address();
     m_result.problems = m_watch.problems(m_result.path);
-    const std::vector<Problem> skipped = examine_gaps(m_result.path, m_watch.gaps());
-    m_result.problems.insert(m_result.problems.end(), skipped.begin(), skipped.end());
     if (!m_result.loads && m_watch.has_refused()) {
         m_result.image.clear();
     } else if (!m_result.loads) {
@@ -134,7 +164,16 @@ void ImageReader::explain_overlap()
     if (overlap == blobs.end()) {
         return;
     }
-    const quint64 address = (*(overlap + 1))->address;
+    const AddressedBLOB& next = **(overlap + 1);
+    const quint64 address = next.address;
+    if (next.size() == 0) {
+        add(Code::Overlap,
+            QStringLiteral("A record without data stands at %1, amid other data.")
+                .arg(address_text(address)),
+            {line_of_empty_record(m_result.path, next.address), 1});
+        m_result.problems.back().remedy = QStringLiteral("Remove the record without data.");
+        return;
+    }
     const qint64 first = line_of(m_result.path, address);
     const qint64 second = line_of(m_result.path, address, 1);
     add(Code::Overlap,
@@ -162,16 +201,22 @@ void ImageReader::check_loaded(const intel_hex::TextPosition& end)
 
 void ImageReader::check_end_of_addresses()
 {
-    constexpr quint64 end_of_addresses = quint64{1} << 32;
-    for (const auto& blob : m_result.image.blobs()) {
-        if (blob->size() != 0 && end_of(*blob) >= end_of_addresses) {
-            add(Code::EndOfAddresses,
-                QStringLiteral("A piece of %1 begins at 0x%2.")
-                    .arg(blob->size())
-                    .arg(blob->address, 8, 16, QLatin1Char('0')),
-                {line_of(m_result.path, blob->address), 1});
-        }
+    const auto reaches_end = [](const auto& blob) {
+        return blob->size() != 0 && end_of(*blob) >= end_of_addresses;
+    };
+    const auto& blobs = m_result.image.blobs();
+    const auto first = std::find_if(blobs.begin(), blobs.end(), reaches_end);
+    if (first == blobs.end()) {
+        return;
     }
+    const auto times = std::count_if(first, blobs.end(), reaches_end);
+    QString message =
+        QStringLiteral("A piece of %1 begins at %2.")
+            .arg(count_text((*first)->size(), "byte"), address_text((*first)->address));
+    if (times > 1) {
+        message += QStringLiteral(" %1 places in all.").arg(times);
+    }
+    add(Code::EndOfAddresses, message, {line_of(m_result.path, (*first)->address), 1});
 }
 
 void ImageReader::add(Code code, const QString& message, const intel_hex::TextPosition& position)
@@ -198,23 +243,10 @@ ImageFile read_image(const QString& path, const QSet<unsigned int>& boundaries)
 
 qint64 line_of(const QString& path, quint64 address, int records_before)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        return 0;
-    }
-    intel_hex::RecordReader reader(file);
-    intel_hex::Record record;
-    unsigned int upper = 0;
-    while (reader.next(record).outcome == intel_hex::RecordOutcome::Complete &&
-           record.type != IntelHexFileRecordType::EndOfFile) {
-        const unsigned int start = upper + record.address;
-        if (record.type == IntelHexFileRecordType::Data && start <= address &&
-            address - start < static_cast<quint64>(record.data.size()) && records_before-- == 0) {
-            return reader.record_position().line;
-        }
-        upper = intel_hex::upper_address_after(record, upper);
-    }
-    return 0;
+    return line_where(path, [&](unsigned int start, const QByteArray& data) {
+        return start <= address && address - start < static_cast<quint64>(data.size()) &&
+               records_before-- == 0;
+    });
 }
 
 } // namespace inspect

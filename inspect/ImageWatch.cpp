@@ -15,8 +15,6 @@ namespace
 using intel_hex::RecordOutcome;
 using intel_hex::TextPosition;
 
-constexpr std::size_t most_gaps = 1000;
-
 const char* name_of(RecordOutcome missing)
 {
     switch (missing) {
@@ -50,9 +48,7 @@ void ImageWatch::take(const intel_hex::RecordReader& reader, const intel_hex::Pa
         find(Code::NoFurtherRecord, from, QStringLiteral("No record begins after this text."));
         return;
     }
-    if ((from.line != colon.line || from.column != colon.column) && m_gaps.size() < most_gaps) {
-        m_gaps.push_back({from, colon});
-    }
+    m_skipped.take(reader);
     if (parsed.outcome == RecordOutcome::Complete) {
         take_complete(colon, record);
     } else {
@@ -84,10 +80,10 @@ void ImageWatch::take_complete(const TextPosition& position, const intel_hex::Re
                  .arg(bytes_text(record.data)));
         break;
     case IntelHexFileRecordType::ExtendedLinearAddress:
-        take_linear_address(position, record.data);
+        take_linear_address(position, record);
         break;
     case IntelHexFileRecordType::StartLinearAddress:
-        take_start_address(position, record.data);
+        take_start_address(position, record);
         break;
     default:
         find(Code::UnknownType, position,
@@ -96,9 +92,11 @@ void ImageWatch::take_complete(const TextPosition& position, const intel_hex::Re
     }
 }
 
-void ImageWatch::take_linear_address(const TextPosition& position, const QByteArray& data)
+void ImageWatch::take_linear_address(const TextPosition& position, const intel_hex::Record& record)
 {
+    const QByteArray& data = record.data;
     m_start_in_force.reset();
+    m_upper_address = intel_hex::upper_address_after(record, 0);
     if (data.size() != 2) {
         find(Code::AddressRecordLength, position,
              QStringLiteral("A type 4 record with %1.")
@@ -112,8 +110,9 @@ void ImageWatch::take_linear_address(const TextPosition& position, const QByteAr
     }
 }
 
-void ImageWatch::take_start_address(const TextPosition& position, const QByteArray& data)
+void ImageWatch::take_start_address(const TextPosition& position, const intel_hex::Record& record)
 {
+    const QByteArray& data = record.data;
     if (data.size() != 4) {
         find(Code::AddressRecordLength, position,
              QStringLiteral("A type 5 record with %1.")
@@ -124,7 +123,10 @@ void ImageWatch::take_start_address(const TextPosition& position, const QByteArr
         address = address << 8 | (i < data.size() ? static_cast<unsigned char>(data.at(i)) : 0U);
     }
     m_start_address = address;
-    m_start_in_force = position;
+    m_start_in_force.reset();
+    if (intel_hex::upper_address_after(record, 0) != m_upper_address) {
+        m_start_in_force = position;
+    }
 }
 
 void ImageWatch::take_bad(const intel_hex::RecordReader& reader, RecordOutcome outcome)
@@ -217,7 +219,7 @@ QString conversion_of(Code code, const QString& file)
 
 std::vector<Problem> ImageWatch::problems(const QString& file) const
 {
-    std::vector<Problem> problems;
+    std::vector<Problem> problems = m_skipped.problems();
     for (const auto& [code, finding] : m_findings) {
         QString message = finding.message;
         if (finding.times > 1) {

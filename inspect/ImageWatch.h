@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inspect/Problem.h"
+#include "inspect/SkippedText.h"
 #include "memory/IntelHexRecordReader.h"
 
 #include <array>
@@ -15,11 +16,7 @@ namespace inspect
 class ImageWatch
 {
 public:
-    /// Text between two records.
-    struct Gap {
-        intel_hex::TextPosition from;
-        intel_hex::TextPosition to;
-    };
+    explicit ImageWatch(const QString& path) : m_skipped(path) {}
 
     void take(const intel_hex::RecordReader& reader, const intel_hex::ParsedRecord& parsed,
               const intel_hex::Record& record);
@@ -38,9 +35,6 @@ public:
     /// The entry point that the last type 5 record names.
     std::optional<quint32> start_address() const { return m_start_address; }
 
-    /// The first of these; far fewer than there are when a file is mostly text.
-    const std::vector<Gap>& gaps() const { return m_gaps; }
-
     /// The problems so far, each code once, with the number of its further places.
     std::vector<Problem> problems(const QString& file) const;
 
@@ -58,15 +52,18 @@ private:
     }
 
     void take_complete(const intel_hex::TextPosition& position, const intel_hex::Record& record);
-    void take_linear_address(const intel_hex::TextPosition& position, const QByteArray& data);
-    void take_start_address(const intel_hex::TextPosition& position, const QByteArray& data);
+    void take_linear_address(const intel_hex::TextPosition& position,
+                             const intel_hex::Record& record);
+    void take_start_address(const intel_hex::TextPosition& position,
+                            const intel_hex::Record& record);
     void take_bad(const intel_hex::RecordReader& reader, intel_hex::RecordOutcome outcome);
     void find(Code code, const intel_hex::TextPosition& position, const QString& message);
 
     std::array<quint64, 256> m_counts{};
-    std::vector<Gap> m_gaps;
+    SkippedText m_skipped;
     std::optional<quint32> m_start_address;
-    /// The type 5 record whose address data would get now.
+    unsigned int m_upper_address = 0; ///< without the type 5 records
+    /// The type 5 record that would move data now.
     std::optional<intel_hex::TextPosition> m_start_in_force;
     std::map<Code, Finding> m_findings;
 };

@@ -13,7 +13,7 @@ const char* const ends_abnormally =
     "Ends abnormally (status 134) as soon as a version is known, whichever device is asked for.";
 const char* const skips_row =
     "Skips the line without a word. A device of this version is refused, because there is no "
-    "profile for it, or gets an earlier row of the same version.";
+    "profile for it, or gets another row of the same version.";
 const char* const refuses_memory =
     "Takes the row. Every operation that needs the figure fails before it sends anything, with "
     "\"unusable geometry in device profile ...\".";
@@ -73,7 +73,7 @@ const std::vector<ProblemKind>& problem_kinds()
          "Write the bytes that one page of the erase command has."},
         {Code::MemoryEmpty, "T014", error, "A memory with words and without addresses",
          "Finds no address in this memory: leaves out what an image holds for it, erases and reads "
-         "nothing of it, and reports success.",
+         "nothing of it, and succeeds. -l of addresses in it fails.",
          "Correct begin or end; or write a word size of 0 when the device has no such memory."},
         {Code::MemoryWithoutWords, "T015", error, "A memory with addresses and without words",
          refuses_memory, "Write the word size, or 0 for begin and end."},
@@ -139,7 +139,8 @@ const std::vector<ProblemKind>& problem_kinds()
          "EEPROM.",
          "Correct the limits."},
         {Code::NoBootloader, "T030", warning, "No room for a bootloader",
-         "Takes everything from the bootloader's end on as user flash: -e and -wv erase it.",
+         "Takes everything from the bootloader's end on as user flash: -e asks the device to erase "
+         "it, -wv where the image has data there.",
          "Write the bootloader's begin and end, in word addresses."},
         {Code::FillerNotErased, "T031", warning, "A filler that is not the erased state",
          "Programs these bytes into what an image leaves open of a row.",

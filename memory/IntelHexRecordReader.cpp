@@ -62,10 +62,12 @@ ParsedRecord RecordReader::next(Record& record)
         skip_blanks();
     }
     m_text_position = position();
+    m_text_offset = offset();
     if (!find_colon()) {
         return {RecordOutcome::NoColon, 0};
     }
     m_record_position = position();
+    m_text_length = offset() - m_text_offset;
     ++m_at;
     ParsedRecord parsed = parse_record(m_at, m_end, record);
     while (is_cut_short(parsed, m_at, m_end) && refill()) {

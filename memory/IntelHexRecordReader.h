@@ -48,6 +48,12 @@ public:
     /// Of the colon of the record that was read last.
     TextPosition record_position() const { return m_record_position; }
 
+    /// Where that text begins, in bytes from where the reading began, and how long it is up to the
+    /// colon.
+    qint64 text_offset() const { return m_text_offset; }
+
+    qint64 text_length() const { return m_text_length; }
+
 private:
     /// Whether anything else follows.
     bool skip_blanks();
@@ -70,6 +76,8 @@ private:
     qint64 m_line = 1;
     qint64 m_line_offset = 0; ///< of the first character of the line
     TextPosition m_text_position;
+    qint64 m_text_offset = 0;
+    qint64 m_text_length = 0;
     TextPosition m_record_position;
 };
 

@@ -145,6 +145,36 @@ TEST_F(ImageFacts, DistinguishALostColonFromARemark)
     EXPECT_THAT(places(report), ElementsAre("I010:2:1", "I011:3:1"));
 }
 
+TEST_F(ImageFacts, FindALostColonWhereAllRecordsAreOnOneLine)
+{
+    QByteArray lines;
+    for (unsigned int i = 0; i < 100; ++i) {
+        lines += record(16 * i, 0, "0123456789ABCDEF");
+    }
+    const int length = lines.size() / 100;
+    lines += record(0x1000, 0, "lost").mid(1) + record(0x1004, 0, "gone").mid(1) + end_record;
+    for (const char end : {'\r', ' '}) {
+        const QJsonObject report = report_on(QByteArray(lines).replace('\n', end));
+        EXPECT_THAT(places(report), ElementsAre(QStringLiteral("%1:1:%2")
+                                                    .arg(end == '\r' ? QStringLiteral("I010")
+                                                                     : QStringLiteral("I011"))
+                                                    .arg(100 * length + 1)
+                                                    .toStdString()));
+    }
+}
+
+TEST_F(ImageFacts, FindALostColonAfterManyRemarks)
+{
+    QByteArray lines;
+    for (unsigned int i = 0; i < 1500; ++i) {
+        lines += record(i, 0, "a").chopped(1) + " ; a remark\n";
+    }
+    const QJsonObject report = report_on(lines + record(0x1000, 0, "lost").mid(1) + end_record);
+    EXPECT_THAT(places(report), ElementsAre("I011:1:15", "I010:1501:1"));
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("1500 lines of text that is no record."));
+}
+
 TEST_F(ImageFacts, AcceptOtherLineEndsAndBlanksBetweenRecords)
 {
     const QByteArray lines = hex_record(0, 0, "abc") + hex_record(0, 3, "def") + end_record;
@@ -170,6 +200,51 @@ TEST_F(ImageFacts, NameBothRecordsOfAnOverlap)
         report_on(hex_record(0, 0x10, "abcd") + "\n" + hex_record(0, 0x12, "x") + end_record);
     EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
               QStringLiteral("Lines 1 and 3 both have data for 0x00000012."));
+}
+
+TEST_F(ImageFacts, NameARecordWithoutDataAmidOtherData)
+{
+    const QJsonObject report =
+        report_on(record(0x10, 0, "abcd") + record(0x12, 0, "") + end_record);
+    EXPECT_THAT(places(report), ElementsAre("I009:2:1"));
+    const QJsonValue problem = report[QStringLiteral("problems")][0];
+    EXPECT_EQ(problem[QStringLiteral("message")].toString(),
+              QStringLiteral("A record without data stands at 0x00000012, amid other data."));
+    EXPECT_EQ(problem[QStringLiteral("remedy")].toString(),
+              QStringLiteral("Remove the record without data."));
+}
+
+TEST_F(ImageFacts, AcceptAStartAddressThatMovesNothing)
+{
+    const QByteArray data = record(0, 0, "a") + end_record;
+    const QByteArray start_at_0 = record(0, 5, QByteArray(4, '\0'));
+    const QByteArray upper = record(0, 4, QByteArray("\0\1", 2));
+    EXPECT_THAT(codes(report_on(start_at_0 + data)), IsEmpty());
+    EXPECT_THAT(codes(report_on(upper + record(0, 5, QByteArray("\0\1\0\0", 4)) + data)),
+                IsEmpty());
+    EXPECT_THAT(places(report_on(upper + start_at_0 + data)), ElementsAre("I015:2:1"));
+}
+
+TEST_F(ImageFacts, NameTheFirstOfManyPiecesAtTheEndOfTheAddresses)
+{
+    const QByteArray data = record(0xFFFE, 0, "ab");
+    const QJsonObject report =
+        report_on(record(0, 4, "\xFF\xFF") + data + data + data + end_record);
+    EXPECT_THAT(places(report), ElementsAre("I018:2:1"));
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("A piece of 2 bytes begins at 0xFFFFFFFE. 3 places in all."));
+}
+
+TEST_F(ImageFacts, PromiseNoSuccessOfAVerificationThatFails)
+{
+    const auto outside = [&](const QByteArray& content) {
+        const QJsonObject report = report_on(content + end_record, in_device());
+        const QJsonValue problem = report[QStringLiteral("problems")][0];
+        EXPECT_EQ(problem[QStringLiteral("code")].toString(), QStringLiteral("I019"));
+        return problem[QStringLiteral("uploader")].toString();
+    };
+    EXPECT_TRUE(outside(record(0x7FFE, 0, "abcd")).contains(QStringLiteral("-v and -wv fail")));
+    EXPECT_TRUE(outside(record(0x9000, 0, "abcd")).contains(QStringLiteral("and succeed")));
 }
 
 TEST_F(ImageFacts, WarnOfTheTableOnlyWhereItIsOfNoUse)

@@ -74,6 +74,8 @@ TEST_F(HexPositions, ShowTextThatIsPassedOver)
     reader.next(record);
     EXPECT_EQ(reader.text_position(), (TextPosition{2, 2}));
     EXPECT_EQ(reader.record_position(), (TextPosition{4, 2}));
+    EXPECT_EQ(reader.text_offset(), 13);
+    EXPECT_EQ(reader.text_length(), 19);
 }
 
 TEST_F(HexPositions, ComeWithTheCharacterThatDoesNotFit)
