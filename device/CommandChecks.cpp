@@ -42,6 +42,7 @@ Reason check_written_length(const Profile& profile, MemoryType type, unsigned in
 Reason check_written_row(const Profile& profile, MemoryType type, unsigned int address)
 {
     const unsigned int row_size = profile.get_row_size(type);
+    // The next two are never true: bytes that belong to one memory lie within its limits.
     if (address < profile.get_min_address(type)) {
         return below_minimum(profile.get_min_address(type));
     }
@@ -81,6 +82,7 @@ Reason check_read_command(const Profile& profile, unsigned int address, unsigned
     if (num_bytes == 0) {
         return QStringLiteral("attempting to read 0 bytes");
     }
+    // The next two are never true: bytes that belong to one memory lie within its limits.
     if (address < profile.get_min_address(type)) {
         return below_minimum(profile.get_min_address(type));
     }

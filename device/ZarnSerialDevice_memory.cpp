@@ -20,6 +20,7 @@ QByteArray filler_word(const Profile& profile, MemoryType type)
     const unsigned int filler = profile.get_filler_word(type);
     const int length = qMin(word.size(), 4);
     for (int i = 0; i < length; ++i) {
+        // No profile has the least significant byte first.
         const int shift = 8 * (profile.get_endianness() == 0 ? i : 3 - i);
         word[i] = static_cast<char>((filler >> shift) & 0xFFU);
     }
