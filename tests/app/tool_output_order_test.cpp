@@ -1,4 +1,5 @@
 #include "tests/app/QuadTest.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
 #include <array>
@@ -99,7 +100,7 @@ private:
 class ToolOutput : public QuadTest, public testing::WithParamInterface<Run>
 {
 protected:
-    ToolOutput() { put_image("image.hex", {{0x80, counting(0x30, 0x40)}}); }
+    ToolOutput() { put_image("image.hex", {{0x80, counting(0x40, 0x30)}}); }
 
     /// Runs the tool with its standard output where the shell's redirection says.
     QByteArray status_of_run_into(const QString& redirection)
