@@ -149,10 +149,11 @@ TEST_F(ImageFacts, FindALostColonWhereAllRecordsAreOnOneLine)
 {
     QByteArray lines;
     for (unsigned int i = 0; i < 100; ++i) {
-        lines += record(16 * i, 0, "0123456789ABCDEF");
+        lines += hex_record(0, 16 * i, "0123456789ABCDEF");
     }
     const int length = lines.size() / 100;
-    lines += record(0x1000, 0, "lost").mid(1) + record(0x1004, 0, "gone").mid(1) + end_record;
+    lines +=
+        hex_record(0, 0x1000, "lost").mid(1) + hex_record(0, 0x1004, "gone").mid(1) + end_record;
     for (const char end : {'\r', ' '}) {
         const QJsonObject report = report_on(QByteArray(lines).replace('\n', end));
         EXPECT_THAT(places(report), ElementsAre(QStringLiteral("%1:1:%2")
@@ -167,9 +168,9 @@ TEST_F(ImageFacts, FindALostColonAfterManyRemarks)
 {
     QByteArray lines;
     for (unsigned int i = 0; i < 1500; ++i) {
-        lines += record(i, 0, "a").chopped(1) + " ; a remark\n";
+        lines += hex_record(0, i, "a").chopped(1) + " ; a remark\n";
     }
-    const QJsonObject report = report_on(lines + record(0x1000, 0, "lost").mid(1) + end_record);
+    const QJsonObject report = report_on(lines + hex_record(0, 0x1000, "lost").mid(1) + end_record);
     EXPECT_THAT(places(report), ElementsAre("I011:1:15", "I010:1501:1"));
     EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
               QStringLiteral("1500 lines of text that is no record."));
@@ -205,7 +206,7 @@ TEST_F(ImageFacts, NameBothRecordsOfAnOverlap)
 TEST_F(ImageFacts, NameARecordWithoutDataAmidOtherData)
 {
     const QJsonObject report =
-        report_on(record(0x10, 0, "abcd") + record(0x12, 0, "") + end_record);
+        report_on(hex_record(0, 0x10, "abcd") + hex_record(0, 0x12, "") + end_record);
     EXPECT_THAT(places(report), ElementsAre("I009:2:1"));
     const QJsonValue problem = report[QStringLiteral("problems")][0];
     EXPECT_EQ(problem[QStringLiteral("message")].toString(),
@@ -216,20 +217,20 @@ TEST_F(ImageFacts, NameARecordWithoutDataAmidOtherData)
 
 TEST_F(ImageFacts, AcceptAStartAddressThatMovesNothing)
 {
-    const QByteArray data = record(0, 0, "a") + end_record;
-    const QByteArray start_at_0 = record(0, 5, QByteArray(4, '\0'));
-    const QByteArray upper = record(0, 4, QByteArray("\0\1", 2));
+    const QByteArray data = hex_record(0, 0, "a") + end_record;
+    const QByteArray start_at_0 = hex_record(5, 0, QByteArray(4, '\0'));
+    const QByteArray upper = hex_record(4, 0, QByteArray("\0\1", 2));
     EXPECT_THAT(codes(report_on(start_at_0 + data)), IsEmpty());
-    EXPECT_THAT(codes(report_on(upper + record(0, 5, QByteArray("\0\1\0\0", 4)) + data)),
+    EXPECT_THAT(codes(report_on(upper + hex_record(5, 0, QByteArray("\0\1\0\0", 4)) + data)),
                 IsEmpty());
     EXPECT_THAT(places(report_on(upper + start_at_0 + data)), ElementsAre("I015:2:1"));
 }
 
 TEST_F(ImageFacts, NameTheFirstOfManyPiecesAtTheEndOfTheAddresses)
 {
-    const QByteArray data = record(0xFFFE, 0, "ab");
+    const QByteArray data = hex_record(0, 0xFFFE, "ab");
     const QJsonObject report =
-        report_on(record(0, 4, "\xFF\xFF") + data + data + data + end_record);
+        report_on(hex_record(4, 0, "\xFF\xFF") + data + data + data + end_record);
     EXPECT_THAT(places(report), ElementsAre("I018:2:1"));
     EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
               QStringLiteral("A piece of 2 bytes begins at 0xFFFFFFFE. 3 places in all."));
@@ -243,8 +244,8 @@ TEST_F(ImageFacts, PromiseNoSuccessOfAVerificationThatFails)
         EXPECT_EQ(problem[QStringLiteral("code")].toString(), QStringLiteral("I019"));
         return problem[QStringLiteral("uploader")].toString();
     };
-    EXPECT_TRUE(outside(record(0x7FFE, 0, "abcd")).contains(QStringLiteral("-v and -wv fail")));
-    EXPECT_TRUE(outside(record(0x9000, 0, "abcd")).contains(QStringLiteral("and succeed")));
+    EXPECT_TRUE(outside(hex_record(0, 0x7FFE, "abcd")).contains(QStringLiteral("-v and -wv fail")));
+    EXPECT_TRUE(outside(hex_record(0, 0x9000, "abcd")).contains(QStringLiteral("and succeed")));
 }
 
 TEST_F(ImageFacts, WarnOfTheTableOnlyWhereItIsOfNoUse)
