@@ -2,6 +2,7 @@
 
 #include "profile/ProfileTable.h"
 #include "sim/device/Error.h"
+#include "sim/rig/InputFile.h"
 #include "util/Util.h"
 
 #include <QException>
@@ -22,6 +23,7 @@ QString four_digits(unsigned short version)
 
 DeviceTable::DeviceTable(const QString& path) : m_path(path)
 {
+    refuse_device(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         throw Error(QStringLiteral("cannot read the table %1").arg(path));

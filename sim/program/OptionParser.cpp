@@ -1,5 +1,6 @@
 #include "sim/program/OptionParser.h"
 
+#include "sim/device/Command.h"
 #include "sim/device/Error.h"
 #include "sim/device/SimulatedDevice.h"
 #include "sim/faults/FaultKind.h"
@@ -84,20 +85,27 @@ constexpr std::array<OptionText, 24> option_texts = {{
     {"ignore-outside", "", "Bytes outside of the device are reported and do not fail the check."},
     {"state", "file", "Keep the memory in <file> from one run to the next."},
     {"link", "path", "Make the symbolic link <path> to the port while it is there."},
-    {"trace", "file", "Write a line for every command to <file>."},
+    {"trace", "file", "Write a line for every command to <file>. The kinds are "},
     {"summary", "file", "Write the summary to <file> instead of printing it."},
     {"json", "", "Give the summary as one line of JSON."},
     {"exec", "", "Run the command that follows --, with the port's path in place of each {}."},
 }};
 
-/// What the value of an option may be comes from where the values are defined.
+/// The names that belong to an option, from where their values are defined.
+QString names_explained(QLatin1String option)
+{
+    if (option == QLatin1String("entry")) {
+        return explained(entries);
+    }
+    if (option == QLatin1String("echo")) {
+        return explained(echoes);
+    }
+    return option == QLatin1String("trace") ? explained(command_kinds) : QString();
+}
+
 QString help_of(const OptionText& option)
 {
-    const QString text = QString::fromLatin1(option.text);
-    if (QLatin1String(option.name) == QLatin1String("entry")) {
-        return text + explained(entries);
-    }
-    return QLatin1String(option.name) == QLatin1String("echo") ? text + explained(echoes) : text;
+    return QString::fromLatin1(option.text) + names_explained(QLatin1String(option.name));
 }
 
 /// The word --echo may stand without its value, which the parser knows no way to say.

@@ -18,6 +18,9 @@ namespace
 
 /// What a command wrote to its port just before it ended takes a moment to get here.
 constexpr int quiet_ms = 20;
+/// A slow line needs so long for a few frames. What more a command left on it, or leaves on it
+/// still through a process of its own, was not written for an answer.
+constexpr int longest_wait_ms = 5000;
 
 QString summary_text(const Summary& summary, bool json)
 {
@@ -194,6 +197,7 @@ void Session::end_command(const CommandEnd& end, const QString& complaint)
     if (!complaint.isEmpty()) {
         complain(complaint);
     }
+    m_since_command.start();
     m_quiet.start(quiet_ms);
 }
 
@@ -201,12 +205,16 @@ void Session::end_command(const CommandEnd& end, const QString& complaint)
 void Session::leave_when_quiet()
 {
     const qint64 heard = m_rig->device().bytes_from_host();
-    if (heard == m_heard_before && !m_rig->device().line().device_has_unread()) {
-        QCoreApplication::quit();
+    const bool is_quiet = heard == m_heard_before && !m_rig->device().line().device_has_unread();
+    if (!is_quiet && !m_since_command.hasExpired(longest_wait_ms)) {
+        m_heard_before = heard;
+        m_quiet.start(quiet_ms);
         return;
     }
-    m_heard_before = heard;
-    m_quiet.start(quiet_ms);
+    if (!is_quiet) {
+        complain(QStringLiteral("the line still had bytes of the command, which are left out"));
+    }
+    QCoreApplication::quit();
 }
 
 /// True when the memory holds what it should and the summary has got out.

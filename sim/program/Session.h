@@ -13,6 +13,7 @@
 #include "sim/program/StopSignals.h"
 #include "sim/rig/MemoryImage.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -70,7 +71,8 @@ private:
     std::unique_ptr<PortLink> m_link;
     std::unique_ptr<CommandRunner> m_command;
     QTimer m_quiet;
-    qint64 m_heard_before = 0; ///< bytes, when it was last looked whether all is quiet
+    QElapsedTimer m_since_command; ///< has ended
+    qint64 m_heard_before = 0;     ///< bytes, when it was last looked whether all is quiet
     std::optional<CommandEnd> m_command_end;
     bool m_served = true; ///< to the end, with nothing in between that could not be helped
 };

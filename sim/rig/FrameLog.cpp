@@ -1,6 +1,7 @@
 #include "sim/rig/FrameLog.h"
 
 #include "sim/device/Error.h"
+#include "sim/rig/InputFile.h"
 
 #include <QFile>
 
@@ -67,6 +68,7 @@ FrameLog parse_frame_log(const QByteArray& content, const QString& path)
 
 FrameLog read_frame_log(const QString& path)
 {
+    refuse_device(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         throw Error(QStringLiteral("%1: cannot read the log").arg(path));

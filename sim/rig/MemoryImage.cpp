@@ -4,6 +4,7 @@
 #include "memory/IntelHexText.h"
 #include "sim/device/DeviceMemory.h"
 #include "sim/device/Error.h"
+#include "sim/rig/InputFile.h"
 #include "sim/rig/WholeFile.h"
 #include "util/Util.h"
 
@@ -104,6 +105,7 @@ QByteArray image_text(const DeviceMemory& memory)
 
 MemoryImage::MemoryImage(const QString& path) : m_path(path), m_map(chunk_size)
 {
+    refuse_device(path);
     if (!m_map.load_from_hex_file(path, {})) {
         throw Error(QStringLiteral("cannot load the image %1").arg(path));
     }

@@ -1,3 +1,4 @@
+#include "sim/device/Command.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/faults/FaultKind.h"
 #include "sim/line/Descriptor.h"
@@ -443,6 +444,17 @@ TEST_F(SimProgram, HearsTheLastWordOfACommandOnAPacedLineToo)
     EXPECT_TRUE(output().contains("\"bytes_from_host\":5,"));
 }
 
+TEST_F(SimProgram, DoesNotWaitForAllOfAFloodOnAPacedLine)
+{
+    // A minute's worth.
+    start_shell("--table one.txt --entry silent --json --pace --exec",
+                "stty -F {} 9600; head -c 60000 /dev/zero > {}");
+    ASSERT_TRUE(process.waitForFinished(30000));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(errors(),
+              "zserial-sim: the line still had bytes of the command, which are left out\n");
+}
+
 TEST_F(SimProgram, ThatLosesPowerUnderTheToolIsProgrammedInTheNextRun)
 {
     expect_recovery_from("power-loss@4");
@@ -704,6 +716,10 @@ TEST_F(SimProgram, ExplainsItself)
     for (const char* word : {"\"probe\"", "\"version\"", "\"silent\"", "\"together\""}) {
         EXPECT_TRUE(help.contains(word)) << word;
     }
+    const QByteArray words = help.simplified();
+    for (const auto& kind : sim::command_kinds) {
+        EXPECT_TRUE(words.contains(kind.help)) << kind.name;
+    }
     for (const QByteArray& line : help.split('\n')) {
         EXPECT_LE(line.size(), 80) << line.constData();
     }
@@ -741,6 +757,22 @@ TEST_F(SimProgram, RefusesWhatItCannotDo)
         EXPECT_EQ(errors(), complaint);
         EXPECT_EQ(output(), "");
     }
+}
+
+TEST_F(SimProgram, ReadsNoDevices)
+{
+    for (const char* words : {"--table /dev/zero --list", "--table one.txt --memory /dev/zero",
+                              "--table one.txt --check /dev/zero"}) {
+        SCOPED_TRACE(words);
+        start(words);
+        ASSERT_TRUE(process.waitForFinished(20000));
+        EXPECT_EQ(process.exitCode(), 2);
+        EXPECT_EQ(errors(), "zserial-sim: /dev/zero is a device and no file or pipe\n");
+    }
+    start("--table one.txt --replay /dev/zero");
+    ASSERT_TRUE(process.waitForFinished(20000));
+    EXPECT_EQ(process.exitCode(), 2);
+    EXPECT_EQ(errors(), "zserial-sim: --replay /dev/zero is a device and no file or pipe\n");
 }
 
 TEST_F(SimProgram, RefusesImagesThatAreNoneBeforeItServes)
