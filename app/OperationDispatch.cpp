@@ -107,6 +107,9 @@ std::optional<Failure> OperationDispatch::read()
     if (!file.open(QIODevice::ReadWrite)) {
         out << "Could not open file to read data into!";
     }
+    // The device needs its name only. Left open, a pipe would have a reader that never reads: the
+    // run would hang in saving once the real one has gone.
+    file.close();
     if (m_settings.read_wanted) {
         return tell(m_device.read(file, m_abort_requested, m_settings.include_encrypted,
                                   m_settings.include_unencrypted),

@@ -107,3 +107,15 @@ TEST_F(ToolConsole, ReportsAReadBackFileThatMustNotGrow)
     EXPECT_EQ(file("status"), "0\n");
     EXPECT_EQ(file("out.hex").size(), 512U);
 }
+
+TEST_F(ToolConsole, ReportsAReadBackPipeThatNobodyReads)
+{
+    // Echoes until the reader has gone.
+    run_in_shell("{ trap '' PIPE; while echo 2>/dev/null; do :; done; \"$@\"; echo $? >status; } "
+                 "2>errors | true",
+                 "-B 0708 -r /dev/stdout");
+    EXPECT_EQ(file("status"), "0\n");
+    const std::string errors = file("errors");
+    EXPECT_NE(errors.find("could not open file '/dev/stdout' for writing"), std::string::npos)
+        << errors;
+}
