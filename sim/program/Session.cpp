@@ -18,8 +18,8 @@ namespace
 
 /// What a command wrote to its port just before it ended takes a moment to get here.
 constexpr int quiet_ms = 20;
-/// A slow line needs so long for a few frames. What more a command left on it, or leaves on it
-/// still through a process of its own, was not written for an answer.
+/// A slow line needs this long for a few frames. A flood that the command left behind, or that one
+/// of its own processes keeps up, must not hold up the end of the run.
 constexpr int longest_wait_ms = 5000;
 
 QString summary_text(const Summary& summary, bool json)
@@ -212,7 +212,8 @@ void Session::leave_when_quiet()
         return;
     }
     if (!is_quiet) {
-        complain(QStringLiteral("the line still had bytes of the command, which are left out"));
+        complain(
+            QStringLiteral("bytes that were still on the line after the command are discarded"));
     }
     QCoreApplication::quit();
 }

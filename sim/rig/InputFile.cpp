@@ -16,7 +16,7 @@ void refuse_device(const QString& path)
 
     const bool exists = ::stat(QFile::encodeName(path).constData(), &status) == 0;
     if (exists && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode))) {
-        throw Error(QStringLiteral("%1 is a device and no file or pipe").arg(path));
+        throw Error(QStringLiteral("%1 is a device, not a file or a pipe").arg(path));
     }
 }
 

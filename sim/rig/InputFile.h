@@ -5,8 +5,8 @@
 namespace sim
 {
 
-/// Throws Error when `path` leads to a device, such as /dev/zero, which may have no end. Files and
-/// pipes are read; what is missing is for the reader to complain about.
+/// Throws Error when `path` leads to a device: one such as /dev/zero never ends. Files and pipes
+/// are accepted, and so is a missing file, which the caller reports when it cannot open it.
 void refuse_device(const QString& path);
 
 } // namespace sim

@@ -452,7 +452,7 @@ TEST_F(SimProgram, DoesNotWaitForAllOfAFloodOnAPacedLine)
     ASSERT_TRUE(process.waitForFinished(30000));
     EXPECT_EQ(process.exitCode(), 0);
     EXPECT_EQ(errors(),
-              "zserial-sim: the line still had bytes of the command, which are left out\n");
+              "zserial-sim: bytes that were still on the line after the command are discarded\n");
 }
 
 TEST_F(SimProgram, ThatLosesPowerUnderTheToolIsProgrammedInTheNextRun)
@@ -767,12 +767,12 @@ TEST_F(SimProgram, ReadsNoDevices)
         start(words);
         ASSERT_TRUE(process.waitForFinished(20000));
         EXPECT_EQ(process.exitCode(), 2);
-        EXPECT_EQ(errors(), "zserial-sim: /dev/zero is a device and no file or pipe\n");
+        EXPECT_EQ(errors(), "zserial-sim: /dev/zero is a device, not a file or a pipe\n");
     }
     start("--table one.txt --replay /dev/zero");
     ASSERT_TRUE(process.waitForFinished(20000));
     EXPECT_EQ(process.exitCode(), 2);
-    EXPECT_EQ(errors(), "zserial-sim: --replay /dev/zero is a device and no file or pipe\n");
+    EXPECT_EQ(errors(), "zserial-sim: --replay /dev/zero is a device, not a file or a pipe\n");
 }
 
 TEST_F(SimProgram, RefusesImagesThatAreNoneBeforeItServes)
