@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <ostream>
+
 // Slips that people make in a table, each in the row of the sample table's first device.
 
 using testing::IsEmpty;
@@ -30,6 +32,11 @@ struct Slip {
     Changes changes;
     std::vector<std::string> reported;
 };
+
+void PrintTo(const Slip& slip, std::ostream* stream)
+{
+    *stream << slip.name;
+}
 
 class TableSlip : public InspectTest, public testing::WithParamInterface<Slip>
 {
