@@ -35,11 +35,15 @@ ZarnSerialDevice::~ZarnSerialDevice() = default;
 
 bool ZarnSerialDevice::open_port()
 {
-    if (m_port.isOpen() || m_has_vanished || m_port.open(QIODevice::ReadWrite)) {
+    if (m_port.isOpen() || m_has_vanished) {
         return true;
     }
-    return error(
-        QStringLiteral("cannot open port %1 (%2)").arg(m_port.portName(), m_port.errorString()));
+    if (refuse_within_a_wait()) {
+        return false;
+    }
+    return m_port.open(QIODevice::ReadWrite) ||
+           error(QStringLiteral("cannot open port %1 (%2)")
+                     .arg(m_port.portName(), m_port.errorString()));
 }
 
 bool ZarnSerialDevice::error(QString message)

@@ -24,9 +24,9 @@ class QFile;
 ///
 /// While an operation waits for the device, events are handled. A command or an entry procedure
 /// that is started then fails at once, with a message, and does not disturb the one that waits. The
-/// event loops must not be ended then, as QCoreApplication::quit() does: the waiting command fails
-/// with a message and is not repeated, and so does each one after it until the application's event
-/// loop runs again.
+/// event loops must not be ended then, as QCoreApplication::quit() does: the waiting command or
+/// entry procedure fails with a message and sends nothing more. Until the application's event loop
+/// runs again, a command that would have to wait fails in the same way without being sent.
 ///
 /// Addresses are byte addresses of the image unless said otherwise; the commands on the line carry
 /// word addresses.
@@ -46,7 +46,8 @@ public:
     // ---- the line -------------------------------------------------------------------------
 
     /// True at once when the port is open. One that has vanished since it was opened counts as open
-    /// and silent until the entry procedure opens it again.
+    /// and silent until the entry procedure opens it again. Fails, with a message, for a port that
+    /// is closed while the bootloader settles.
     bool open_port();
     /// Reports a message (debug channel and sig_error); always false.
     bool error(QString message);
@@ -155,6 +156,7 @@ private:
 
     // Waiting.
     bool refuse_within_a_wait();
+    bool refuse_after_an_ended_wait();
     bool fail_for_ended_wait();
     Wait run_event_loop(int timeout);
     Wait wait_for_frame(int timeout);
@@ -176,6 +178,7 @@ private:
     QSerialPort m_port;
     bool m_has_vanished = false; ///< the port was open and is gone
     bool m_is_waiting = false;   ///< for the device; events are handled meanwhile
+    bool m_was_ended = false;    ///< the latest wait, from outside
     void (*m_process_events)();
     bool m_half_duplex = false;
     unsigned int m_baud;

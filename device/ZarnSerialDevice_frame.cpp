@@ -1,5 +1,6 @@
-// The frame codec as members of the device object, which reports why a frame was refused. The
-// format: FrameCodec.h and docs/protocol.md.
+// The frame codec as members of the device object, which reports why a frame was refused. All that
+// is known about frames is in FrameCodec, which needs no device. The format: FrameCodec.h and
+// docs/protocol.md.
 
 #include "device/FrameCodec.h"
 #include "device/ZarnSerialDevice.h"

@@ -119,6 +119,9 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
             answer = protocol::version_in(response);
             return set_bootloader_version(answer);
         }
+        if (m_was_ended) {
+            return false;
+        }
     }
     return false;
 }

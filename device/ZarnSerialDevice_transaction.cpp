@@ -55,6 +55,13 @@ bool ZarnSerialDevice::refuse_within_a_wait()
     return m_is_waiting;
 }
 
+/// Whoever ends the event loops ends those that begin later as well, until the application's own
+/// runs again.
+bool ZarnSerialDevice::refuse_after_an_ended_wait()
+{
+    return m_was_ended && run_event_loop(0) == Wait::Ended && !fail_for_ended_wait();
+}
+
 bool ZarnSerialDevice::fail_for_ended_wait()
 {
     return error(QStringLiteral("the wait for the device was ended from outside"));
@@ -67,10 +74,10 @@ ZarnSerialDevice::Wait ZarnSerialDevice::run_event_loop(int timeout)
     const QScopedValueRollback<bool> waiting(m_is_waiting, true);
     m_timer.start(timeout);
     m_event_loop.exec();
-    const bool was_ended = m_timer.isActive();
+    m_was_ended = m_timer.isActive();
     m_timer.stop();
     m_event_loop.exit();
-    return was_ended ? Wait::Ended : Wait::TimedOut;
+    return m_was_ended ? Wait::Ended : Wait::TimedOut;
 }
 
 ZarnSerialDevice::Wait ZarnSerialDevice::wait_for_frame(int timeout)
@@ -118,7 +125,7 @@ bool ZarnSerialDevice::send_and_receive(QByteArray command, QByteArray& response
     if (const auto reason = check_arguments(expected_response_length, max_attempts, timeout_secs)) {
         return error(*reason);
     }
-    if (refuse_within_a_wait()) {
+    if (refuse_within_a_wait() || (timeout_secs != 0 && refuse_after_an_ended_wait())) {
         return false;
     }
     Q_EMIT sig_unencoded_command(command);

@@ -87,6 +87,28 @@ TEST(CommandBegunInsideAnEntry, IsRefusedAndLeavesTheEntryAlone)
     EXPECT_THAT(line.recorder.lines(), ElementsAre(refusal));
 }
 
+// An open port could hear something that cuts the second short.
+TEST(CommandBegunWhileTheBootloaderSettles, LeavesThePortClosed)
+{
+    EntryLine line("sample", sim::Entry::Probe);
+    bool was_open = false;
+    int resets = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (resets == 0 && !line.simulated.commands().empty() && !line.port.is_open()) {
+            ++resets;
+            line.device.reset();
+            was_open = line.port.is_open();
+        }
+    });
+    timer.start(10);
+    EXPECT_TRUE(line.enter());
+    EXPECT_EQ(resets, 1);
+    EXPECT_FALSE(was_open);
+    EXPECT_FALSE(line.port.is_open());
+    EXPECT_THAT(line.recorder.lines(), ElementsAre(refusal));
+}
+
 TEST(EventLoopEnd, EndsTheCommandThatWaits)
 {
     DeviceOnLine line("sample");
@@ -109,6 +131,37 @@ TEST(EventLoopEnd, IsForgottenWhenTheApplicationRunsAgain)
     line.device.send_and_receive(bytes("00 02"), response, 2, 1, 300);
     run_application();
     EXPECT_TRUE(line.device.send_and_receive(bytes("00 02"), response, 2, 40, 300));
+}
+
+TEST(EventLoopEnd, KeepsCommandsThatWouldWaitFromBeingSent)
+{
+    DeviceOnLine line("sample");
+    ASSERT_TRUE(line.device.open_port());
+    line.simulated.set_reply_filter(always(no_reply()));
+    QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
+    QByteArray response;
+    line.device.send_and_receive(bytes("00 02"), response, 2, 40, 300);
+    line.recorder.clear();
+    EXPECT_FALSE(line.device.send_and_receive(bytes("03 01 00 08 00"), response, 1, 40, 300));
+    EXPECT_THAT(line.recorder.lines(), ElementsAre(ended));
+    run_application();
+}
+
+TEST(EventLoopEnd, EndsTheEntryThatAsksForTheVersion)
+{
+    EntryLine line("sample", sim::Entry::Version);
+    line.simulated.set_reply_filter([](const sim::Command& command, const QByteArray&) {
+        if (command.kind == sim::Command::Kind::Version) {
+            QCoreApplication::quit();
+        }
+        return no_reply();
+    });
+    EXPECT_FALSE(line.enter());
+    EXPECT_THAT(line.recorder.operation(), ElementsAre(ended));
+    const auto frames = static_cast<int>(line.sent().size()); // more than one on a busy machine
+    EXPECT_EQ(hex(line.simulated.heard()),
+              hex(QByteArray(5, '\x55') + bytes("55 55 00 02 FE 04").repeated(frames)));
+    run_application();
 }
 
 TEST(EventLoopEnd, EndsTheEntryWhileTheBootloaderSettles)

@@ -4,6 +4,8 @@
 #include "tests/device/OperationFaults.h"
 #include "tests/support/RowName.h"
 
+#include <QCoreApplication>
+#include <QTimer>
 #include <gmock/gmock.h>
 
 namespace
@@ -190,4 +192,22 @@ TEST(WriteWithVerifyFailing, ReportsTheTotalBeforeThePortThatCannotBeOpened)
     EXPECT_FALSE(missing.device.write_with_verify(&map, missing.abort, true, true, false));
     EXPECT_THAT(missing.recorder.lines(),
                 testing::ElementsAre("sig_upload_progress 0 of 272", port_cannot_be_opened()));
+}
+
+// A page that was erased then could not be written any more.
+TEST(WriteWithVerify, ErasesNothingOnceTheEventLoopsHaveBeenEnded)
+{
+    OperationBench bench("small", {{0x100, 0x80}});
+    bench.line.simulated.set_reply_filter([](const sim::Command&, const QByteArray&) {
+        QCoreApplication::quit();
+        return no_reply();
+    });
+    EXPECT_FALSE(bench.write_with_verify(false));
+    const auto begins_with = [](const char* text) {
+        return testing::Contains(testing::StartsWith(text));
+    };
+    EXPECT_THAT(bench.line.recorder.lines(), begins_with("sig_encoded_command 55 55 01"));
+    EXPECT_THAT(bench.line.recorder.lines(), Not(begins_with("sig_encoded_command 55 55 03")));
+    QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
+    QCoreApplication::exec();
 }
