@@ -1,0 +1,133 @@
+#include "gang/Commands.h"
+
+#include "gang/ArgumentError.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace gang
+{
+
+namespace
+{
+
+/// The file itself, whatever links lead to it.
+QString file_behind(const QString& name)
+{
+    const QString existing = QFileInfo(name).canonicalFilePath();
+    return existing.isEmpty() ? QDir::cleanPath(QDir::current().absoluteFilePath(name)) : existing;
+}
+
+QStringList sample_ports(const Arguments& arguments)
+{
+    QStringList ports = arguments.ports;
+    if (!arguments.watch.isEmpty()) {
+        ports << arguments.watch;
+        if (arguments.watch.contains(QLatin1Char('*')) ||
+            arguments.watch.contains(QLatin1Char('?')) ||
+            arguments.watch.contains(QLatin1Char('['))) {
+            ports << arguments.watch + QStringLiteral("another");
+        }
+    }
+    return ports;
+}
+
+void refuse_repeated_ports(const QStringList& ports)
+{
+    QHash<QString, QString> seen;
+    for (const QString& port : ports) {
+        const QString file = file_behind(file_of_port(port));
+        if (seen.contains(file)) {
+            throw ArgumentError(
+                QStringLiteral("%1 and %2 are the same port").arg(seen.value(file), port));
+        }
+        seen.insert(file, port);
+    }
+}
+
+/// Files that every run needs as they are.
+QHash<QString, QString> inputs_of(const Arguments& arguments,
+                                  const std::vector<ToolCommand>& commands)
+{
+    QHash<QString, QString> inputs{{file_behind(arguments.table), QStringLiteral("the table")}};
+    for (const ToolCommand& command : commands) {
+        QStringList images = command.images();
+        if (!command.written_image().isEmpty()) {
+            images << command.written_image();
+        }
+        for (const QString& image : images) {
+            inputs.insert(file_behind(image), QStringLiteral("an image"));
+        }
+    }
+    if (!arguments.record.isEmpty()) {
+        inputs.insert(file_behind(arguments.record), QStringLiteral("the record"));
+    }
+    if (!arguments.number_file.isEmpty()) {
+        inputs.insert(file_behind(arguments.number_file), QStringLiteral("the serial file"));
+    }
+    return inputs;
+}
+
+void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCommand>& commands)
+{
+    const QHash<QString, QString> inputs = inputs_of(arguments, commands);
+    QHash<QString, QString> writers;
+    for (const ToolCommand& command : commands) {
+        for (const QString& output : command.outputs()) {
+            const QString file = file_behind(output);
+            if (inputs.contains(file)) {
+                throw ArgumentError(QStringLiteral("%1 would be overwritten, and is %2")
+                                        .arg(output, inputs.value(file)));
+            }
+            if (writers.contains(file)) {
+                throw ArgumentError(
+                    QStringLiteral("%1 would be written for %2 and for %3; use {name} or {n}")
+                        .arg(output, writers.value(file), command.port().path));
+            }
+            writers.insert(file, command.port().path);
+        }
+    }
+}
+
+/// Images are taken in before the first port appears.
+void refuse_images_by_port(const std::vector<ToolCommand>& commands)
+{
+    if (commands.size() > 1 && commands[0].images() != commands[1].images()) {
+        throw ArgumentError(QStringLiteral("with --watch all devices get the same images"));
+    }
+}
+
+void check_operations(const Arguments& arguments, const ToolCommand& command)
+{
+    if (command.written_image().isEmpty() && arguments.certify) {
+        throw ArgumentError(QStringLiteral("--certify needs -w, -W or -wv"));
+    }
+    if (command.written_image().isEmpty() && arguments.number_slot) {
+        throw ArgumentError(QStringLiteral("serial numbers need -w, -W or -wv"));
+    }
+    if (command.settings().bootloader_version != 0 && arguments.expected_version) {
+        throw ArgumentError(QStringLiteral(
+            "with -B no device is asked for its version, so --expect cannot protect any"));
+    }
+}
+
+} // namespace
+
+std::vector<ToolCommand> commands_of(const Arguments& arguments)
+{
+    const QStringList ports = sample_ports(arguments);
+    refuse_repeated_ports(ports);
+    std::vector<ToolCommand> commands;
+    for (const QString& port : ports) {
+        commands.emplace_back(arguments.tool_arguments,
+                              names_of(port, static_cast<int>(commands.size()) + 1));
+        check_operations(arguments, commands.back());
+    }
+    if (!arguments.watch.isEmpty()) {
+        refuse_images_by_port(commands);
+    }
+    refuse_shared_outputs(arguments, commands);
+    return commands;
+}
+
+} // namespace gang

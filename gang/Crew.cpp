@@ -1,0 +1,182 @@
+#include "gang/Crew.h"
+
+#include <algorithm>
+
+namespace gang
+{
+
+Crew::Crew(const Assignment& assignment, RecordFile* record, Display& display)
+    : m_assignment(assignment),
+      m_record(record),
+      m_display(display)
+{
+}
+
+void Crew::take(const QString& port)
+{
+    if (m_winding_down) {
+        return;
+    }
+    const auto known = std::find_if(m_states.begin(), m_states.end(),
+                                    [&port](const RunState& s) { return s.port.path == port; });
+    if (known == m_states.end()) {
+        RunState state;
+        state.port = names_of(port, static_cast<int>(m_states.size()) + 1);
+        m_states.push_back(state);
+        m_runs.emplace_back();
+    } else {
+        const PortNames names = known->port;
+        *known = RunState();
+        known->port = names;
+    }
+    // From within the event loop, so that all ports are known when the first begins.
+    QMetaObject::invokeMethod(this, &Crew::begin_waiting, Qt::QueuedConnection);
+}
+
+int Crew::running() const
+{
+    return static_cast<int>(std::count_if(m_states.begin(), m_states.end(),
+                                          [](const RunState& s) { return s.is_active(); }));
+}
+
+bool Crew::is_idle() const
+{
+    return std::none_of(m_states.begin(), m_states.end(), [](const RunState& state) {
+        return state.is_active() || state.phase == RunState::Phase::Waiting;
+    });
+}
+
+void Crew::begin_waiting()
+{
+    const int most = m_assignment.arguments.jobs;
+    for (std::size_t i = 0; i < m_states.size() && !m_winding_down; ++i) {
+        if (most != 0 && running() >= most) {
+            return;
+        }
+        if (m_states[i].phase == RunState::Phase::Waiting) {
+            begin(static_cast<int>(i));
+        }
+    }
+}
+
+void Crew::begin(int index)
+{
+    if (!m_since.isValid()) {
+        m_since.start();
+    }
+    const auto i = static_cast<std::size_t>(index);
+    m_runs[i] = std::make_unique<PortRun>(m_assignment, m_states[i].port);
+    PortRun& run = *m_runs[i];
+    connect(&run, &PortRun::changed, this, [this, index] { take_state(index); });
+    connect(&run, &PortRun::failed_try, this, [this, index] { take_failed_try(index); });
+    connect(&run, &PortRun::finished, this,
+            [this, index](const RunRecord& record) { take_record(index, record); });
+    connect(&run, &PortRun::has_no_number, this, &Crew::give_up);
+    connect(&run, &PortRun::not_begun, this,
+            [this, index](const QString& reason) { skip(index, reason); });
+    m_states[i].phase = RunState::Phase::Running;
+    m_display.started(m_states, index);
+    run.start();
+}
+
+void Crew::take_state(int index)
+{
+    const auto i = static_cast<std::size_t>(index);
+    m_states[i] = m_runs[i]->state();
+    m_display.changed(m_states, index);
+}
+
+void Crew::take_failed_try(int index)
+{
+    take_state(index);
+    m_display.failed_try(m_states, index);
+}
+
+/// A device that is not in the record is not ok.
+void Crew::take_record(int index, RunRecord record)
+{
+    try {
+        if (m_record != nullptr) {
+            m_record->append(record);
+        }
+    } catch (const FileError& error) {
+        record.message = QStringLiteral("%1, and cannot be recorded: %2")
+                             .arg(name_of(record.verdict), QString::fromStdString(error.what()));
+        record.verdict = Verdict::Failed;
+        give_up(QString::fromStdString(error.what()));
+    }
+    RunState& state = m_states[static_cast<std::size_t>(index)];
+    state.phase = RunState::Phase::Done;
+    state.verdict = record.verdict;
+    state.message = record.message;
+    state.seconds = record.seconds;
+    ++m_tally.verdicts[record.verdict];
+    m_display.ended(m_states, index, record);
+    release(index);
+}
+
+void Crew::skip(int index, const QString& reason)
+{
+    RunState& state = m_states[static_cast<std::size_t>(index)];
+    state.phase = RunState::Phase::Skipped;
+    state.message = reason;
+    release(index);
+}
+
+void Crew::give_up(const QString& reason)
+{
+    Q_EMIT troubled(reason);
+    wind_down();
+}
+
+/// Deletes the run once it has returned from its signal, and goes on.
+void Crew::release(int index)
+{
+    m_runs[static_cast<std::size_t>(index)].release()->deleteLater();
+    Q_EMIT ended(m_states[static_cast<std::size_t>(index)].port.path);
+    begin_waiting();
+    if (is_idle()) {
+        Q_EMIT became_idle();
+    }
+}
+
+void Crew::wind_down()
+{
+    m_winding_down = true;
+    for (RunState& state : m_states) {
+        if (state.phase == RunState::Phase::Waiting) {
+            state.phase = RunState::Phase::Skipped;
+        }
+    }
+    // A run that pauses ends here and leaves the list.
+    for (std::size_t i = 0; i < m_runs.size(); ++i) {
+        if (m_runs[i]) {
+            m_runs[i]->try_no_more();
+        }
+    }
+    if (is_idle()) {
+        Q_EMIT became_idle();
+    }
+}
+
+void Crew::stop()
+{
+    for (std::size_t i = 0; i < m_runs.size(); ++i) {
+        if (m_runs[i]) {
+            m_runs[i]->stop();
+        }
+    }
+}
+
+Tally Crew::tally() const
+{
+    Tally tally = m_tally;
+    tally.not_started =
+        static_cast<int>(std::count_if(m_states.begin(), m_states.end(), [](const RunState& s) {
+            return s.phase == RunState::Phase::Skipped;
+        }));
+    tally.seconds = m_since.isValid() ? static_cast<double>(m_since.elapsed()) / 1000.0 : 0;
+    return tally;
+}
+
+} // namespace gang

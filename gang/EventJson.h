@@ -1,0 +1,31 @@
+#pragma once
+
+#include "gang/Display.h"
+
+#include <QFile>
+#include <QJsonObject>
+
+namespace gang
+{
+
+/// One line of JSON for each event: "start", "progress" (every ten percent), "retry", "end" with
+/// all keys of the record, and "summary".
+class EventJson : public Display
+{
+public:
+    EventJson();
+
+    void started(const RunStates& states, int run) override;
+    void changed(const RunStates& states, int run) override;
+    void failed_try(const RunStates& states, int run) override;
+    void ended(const RunStates& states, int run, const RunRecord& record) override;
+    void summed_up(const RunStates& states, const Tally& tally) override;
+
+private:
+    void print(const char* event, QJsonObject fields);
+
+    QFile m_out;
+    QMap<int, QString> m_shown; ///< the progress last shown of each run
+};
+
+} // namespace gang

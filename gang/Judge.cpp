@@ -1,0 +1,347 @@
+#include "gang/Judge.h"
+
+#include "gang/ConsoleScript.h"
+#include "gang/ErrorText.h"
+
+#include <QRegularExpression>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <vector>
+
+namespace gang
+{
+
+namespace
+{
+
+constexpr int shown_lines = 3;
+
+const char* const closing = "\nAll operations completed succesfully!\n";
+
+/// What an operation prints, in the order in which it does.
+struct Step {
+    const char* name;      ///< in the message about a bad image; empty for one without an image
+    const char* announced; ///< once the image is loaded
+    bool flushed;          ///< the announcement comes out at once
+    const char* ended;     ///< when it has come to its end, well or not
+    const char* done;
+    const char* failed;
+    Verdict verdict;
+    bool touches; ///< it changes the device's memory
+};
+
+/// `read_file_lost`: the file of a read could not be opened again, which the tool says and passes
+/// over.
+std::vector<Step> steps_of(const Settings& settings, bool read_file_lost)
+{
+    const char* const read = read_file_lost ? "Could not open file to read data into!" : "";
+    std::vector<Step> steps;
+    if (settings.write_and_verify_wanted) {
+        return {{"write-and-verify", "Uploading firmware\n", true, "\n", "Uploaded!\n",
+                 "Write-and-verify failure!\n", Verdict::Write, true}};
+    }
+    if (settings.erase_all_wanted) {
+        steps.push_back({"", "", false, "", "Erased all flash!\n",
+                         "Erase all flash failed? Aborting...\n", Verdict::Erase, true});
+    } else if (settings.limited_erase_wanted) {
+        steps.push_back({"", "", false, "", "Erased flash range!\n",
+                         "Failed to erase flash range, aborting...\n", Verdict::Erase, true});
+    }
+    if (settings.write_wanted) {
+        steps.push_back({"write", "Now writing", false, "", "Memory written!\n",
+                         "Failed to write memory, aborting...\n", Verdict::Write, true});
+    } else if (settings.limited_write_wanted) {
+        steps.push_back({"write", "Now writing", false, "", "Memory range written!\n",
+                         "Failed to write memory range, aborting...\n", Verdict::Write, true});
+    }
+    if (settings.read_wanted) {
+        steps.push_back({"", read, false, "", "Memory read!\n",
+                         "Failed to read memory, aborting...\n", Verdict::Read, false});
+    } else if (settings.limited_read_wanted) {
+        steps.push_back({"", read, false, "", "Memory range read!\n",
+                         "Failed to read memory range, aborting...\n", Verdict::Read, false});
+    }
+    if (settings.verify_wanted) {
+        steps.push_back({"verify", "Verifying firmware\n", true, "\n", "Verified!\n",
+                         "Verification failure!\n", Verdict::Read, false});
+    }
+    return steps;
+}
+
+/// An error of the device that says more than the step in which it came.
+struct Cause {
+    const char* start;
+    Verdict verdict;
+};
+
+constexpr std::array<Cause, 9> causes = {{
+    {"cannot open port ", Verdict::Port},
+    {"unusable geometry in device profile ", Verdict::Table},
+    {"data mismatch starting at address 0x", Verdict::Mismatch},
+    {"Row verify failure at address 0x", Verdict::Mismatch},
+    {"unable to erase flash page at address 0x", Verdict::Erase},
+    {"unable to write flash row at address 0x", Verdict::Write},
+    {"unable to write EEPROM row at address 0x", Verdict::Write},
+    {"unable to verify read flash row at address 0x", Verdict::Read},
+    {"no profile for device ", Verdict::UnknownVersion},
+}};
+
+Verdict verdict_for(const QString& error, Verdict of_step)
+{
+    for (const Cause& cause : causes) {
+        if (error.startsWith(QLatin1String(cause.start))) {
+            return cause.verdict;
+        }
+    }
+    return of_step;
+}
+
+QString plain(const char* text)
+{
+    return QString::fromLatin1(text).trimmed();
+}
+
+/// Reads one console from its beginning to its end, as the tool wrote it.
+class ConsoleReader
+{
+public:
+    ConsoleReader(const QByteArray& console, const Settings& settings, bool read_file_lost)
+        : m_console(console),
+          m_settings(settings),
+          m_steps(steps_of(settings, read_file_lost))
+    {
+    }
+
+    Judgement read_success();
+    Judgement read_failure();
+
+private:
+    bool settle_version();
+    void note_version(const QString& message);
+    bool find_version(const char* pattern);
+    void begin(const Step& step);
+    std::optional<Judgement> failure_before_version();
+    std::optional<Judgement> failure_of(const Step& step);
+    Judgement failed(Verdict verdict, const QString& message) const;
+
+    const QByteArray& m_console;
+    const Settings& m_settings;
+    std::vector<Step> m_steps;
+    ConsoleScript m_script;
+    std::optional<unsigned short> m_version;
+    bool m_touched = false;
+};
+
+Judgement ConsoleReader::failed(Verdict verdict, const QString& message) const
+{
+    return {verdict, message, m_version, m_touched};
+}
+
+/// Looks for the line about the version; its digits go from the version's place in the script.
+bool ConsoleReader::find_version(const char* pattern)
+{
+    const QRegularExpression line(QString::fromLatin1(pattern));
+    const QRegularExpressionMatch match = line.match(QString::fromLatin1(m_console));
+    if (!match.hasMatch()) {
+        return false;
+    }
+    m_script.say(match.captured().toLatin1());
+    m_version = static_cast<unsigned short>(match.captured(1).toUInt(nullptr, 16));
+    return true;
+}
+
+/// A version that the table does not have is known all the same.
+void ConsoleReader::note_version(const QString& message)
+{
+    static const QRegularExpression found(QStringLiteral("^Found version 0x([0-9a-f]{4}) "));
+    const QRegularExpressionMatch match = found.match(message);
+    if (match.hasMatch()) {
+        m_version = static_cast<unsigned short>(match.captured(1).toUInt(nullptr, 16));
+    }
+}
+
+bool ConsoleReader::settle_version()
+{
+    if (m_settings.bootloader_version == 0) {
+        return find_version(
+            "Retrieved version number during QV entry procedure: 0x([0-9a-f]{4})\\n");
+    }
+    const bool found = find_version("Version set to 0x([0-9a-f]{4,8}) successfully!");
+    m_script.flush();
+    return found;
+}
+
+void ConsoleReader::begin(const Step& step)
+{
+    m_script.say(step.announced);
+    if (step.flushed) {
+        m_script.flush();
+    }
+    m_script.say(step.ended);
+}
+
+Judgement ConsoleReader::read_success()
+{
+    const bool version_settled = settle_version();
+    for (const Step& step : m_steps) {
+        m_touched = m_touched || step.touches;
+        begin(step);
+        m_script.say(step.done);
+    }
+    if (m_settings.reset_wanted) {
+        m_script.say("Resetting device\n");
+    }
+    if (version_settled && m_script.text_before(m_console, closing)) {
+        return failed(Verdict::Ok, {});
+    }
+    return failed(Verdict::Failed, {});
+}
+
+std::optional<Judgement> ConsoleReader::failure_before_version()
+{
+    struct Ending {
+        const char* start;
+        const char* end;
+        Verdict verdict;
+    };
+
+    constexpr std::array<Ending, 7> endings = {{
+        {"Could not open file ", " op, aborting...\n", Verdict::File},
+        {"Could not open ", " for writing!\n", Verdict::File},
+        {"Port ", " cannot be opened. Aborting...\n", Verdict::Port},
+        {"Could not find device profile matching specified 0x", ", aborting...",
+         Verdict::UnknownVersion},
+        {"Found version 0x", " but could not load profile for this version. Aborting...",
+         Verdict::UnknownVersion},
+        {"Version request failed, aborting...\n", "", Verdict::UnknownVersion},
+        {"Did not succeed in QV entry procedure, aborting...", "", Verdict::Silent},
+    }};
+    for (const Ending& ending : endings) {
+        const auto before = m_script.text_before(m_console, ending.start, ending.end);
+        if (before) {
+            const QString error = deciding_error(*before);
+            const Verdict verdict = verdict_for(error, ending.verdict);
+            const QString text = last_lines(m_console.mid(before->size()), 1);
+            note_version(text);
+            return failed(verdict, verdict == Verdict::Port && !error.isEmpty() ? error : text);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Judgement> ConsoleReader::failure_of(const Step& step)
+{
+    if (*step.name != '\0') {
+        const QByteArray end =
+            QByteArray(" as intel hex 32 format during ") + step.name + ", aborting...";
+        const QByteArray start = "Could not process firmware file ";
+        if (m_script.text_before(m_console, start, end)) {
+            return failed(Verdict::File,
+                          last_lines(m_console.mid(m_console.lastIndexOf(start)), 1));
+        }
+    }
+    m_touched = m_touched || step.touches;
+    begin(step);
+    const auto before = m_script.text_before(m_console, step.failed);
+    if (!before) {
+        m_script.say(step.done);
+        return std::nullopt;
+    }
+    const QString error = deciding_error(*before);
+    if (!error.isEmpty()) {
+        return failed(verdict_for(error, step.verdict), error);
+    }
+    if (step.verdict == Verdict::Read && *step.name != '\0') {
+        return failed(Verdict::File, QStringLiteral("the image holds nothing for this device"));
+    }
+    return failed(step.verdict, plain(step.failed));
+}
+
+Judgement ConsoleReader::read_failure()
+{
+    if (auto failure = failure_before_version()) {
+        return *failure;
+    }
+    if (settle_version()) {
+        for (const Step& step : m_steps) {
+            if (auto failure = failure_of(step)) {
+                return *failure;
+            }
+        }
+    }
+    return failed(Verdict::Failed, {});
+}
+
+/// An abort comes from the table when the tool has just said so.
+std::optional<QString> complaint_about_table(const QByteArray& err)
+{
+    static const QRegularExpression complaint(
+        QStringLiteral("^\"?((?:file not found: |file read error: )\\./device\\.txt|"
+                       "unparsable profile data|could not parse attr .*?)\"?\\s*$"),
+        QRegularExpression::MultilineOption);
+    const QRegularExpressionMatch match = complaint.match(QString::fromLocal8Bit(err));
+    return match.hasMatch() ? std::optional<QString>(match.captured(1)) : std::nullopt;
+}
+
+Judgement judge_signal(const ToolEnd& end)
+{
+    const QString signal = QStringLiteral("ended by signal %1").arg(end.code);
+    if (end.code == SIGABRT) {
+        if (const auto complaint = complaint_about_table(end.err)) {
+            return {Verdict::Table, *complaint, {}, false};
+        }
+    }
+    const bool asked = end.code == SIGINT || end.code == SIGTERM || end.code == SIGHUP;
+    return {asked ? Verdict::Interrupted : Verdict::Crashed, signal, {}, true};
+}
+
+Judgement read_console(const ToolEnd& end, const Settings& settings, bool read_file_lost)
+{
+    ConsoleReader reader(end.out, settings, read_file_lost);
+    if (end.code == EXIT_SUCCESS) {
+        return reader.read_success();
+    }
+    return end.code == EXIT_FAILURE ? reader.read_failure() : Judgement();
+}
+
+Judgement judge_exit(const ToolEnd& end, const Settings& settings)
+{
+    Judgement judgement = read_console(end, settings, false);
+    if (judgement.verdict != Verdict::Failed) {
+        return judgement;
+    }
+    judgement = read_console(end, settings, true);
+    if (judgement.verdict == Verdict::Ok) {
+        judgement.verdict = Verdict::Unsaved;
+        judgement.message = QStringLiteral("could not open file to read data into");
+    } else if (judgement.verdict == Verdict::Failed) {
+        judgement.touched = true;
+        judgement.message =
+            QStringLiteral("status %1: %2")
+                .arg(QString::number(end.code), last_lines(end.out + '\n' + end.err, shown_lines));
+    }
+    return judgement;
+}
+
+} // namespace
+
+Judgement judge(const ToolEnd& end, const Settings& settings)
+{
+    switch (end.how) {
+    case ToolEnd::How::Exited:
+        return judge_exit(end, settings);
+    case ToolEnd::How::Signalled:
+        return judge_signal(end);
+    case ToolEnd::How::NotStarted:
+        return {Verdict::Failed, end.reason, {}, false};
+    case ToolEnd::How::TimedOut:
+        return {Verdict::TimedOut, end.reason, {}, true};
+    case ToolEnd::How::Stopped:
+        return {Verdict::Interrupted, end.reason, {}, true};
+    }
+    return {};
+}
+
+} // namespace gang

@@ -1,0 +1,66 @@
+#include "gang/PortNames.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSerialPortInfo>
+
+namespace gang
+{
+
+PortNames names_of(const QString& port, int n)
+{
+    QString name = port;
+    if (name.startsWith(QLatin1String("/dev/"))) {
+        name.remove(0, 5);
+        name.replace(QLatin1Char('/'), QLatin1Char('_'));
+    } else {
+        name = QFileInfo(port).fileName();
+    }
+    const bool is_relative =
+        port.startsWith(QLatin1String("./")) || port.startsWith(QLatin1String("../"));
+    return {is_relative ? file_of_port(port) : port, name, n};
+}
+
+QString file_of_port(const QString& port)
+{
+    if (port.startsWith(QLatin1Char('/'))) {
+        return port;
+    }
+    if (port.startsWith(QLatin1Char('.'))) {
+        return QDir::cleanPath(QDir::current().absoluteFilePath(port));
+    }
+    return QStringLiteral("/dev/") + port;
+}
+
+/// In one pass, so that a port whose name looks like a placeholder is not expanded again.
+QString expand(const QString& text, const PortNames& names)
+{
+    QString expanded;
+    for (int i = 0; i < text.size();) {
+        const QStringRef rest = text.midRef(i);
+        if (rest.startsWith(QLatin1String("{port}"))) {
+            expanded += names.path;
+            i += 6;
+        } else if (rest.startsWith(QLatin1String("{name}"))) {
+            expanded += names.name;
+            i += 6;
+        } else if (rest.startsWith(QLatin1String("{n}"))) {
+            expanded += QString::number(names.n);
+            i += 3;
+        } else {
+            expanded += text.at(i++);
+        }
+    }
+    return expanded;
+}
+
+Adapter adapter_on(const QString& port)
+{
+    const QString device = QFileInfo(file_of_port(port)).canonicalFilePath();
+    const QSerialPortInfo info(QFileInfo(device).fileName());
+    const QString name =
+        QStringList{info.manufacturer(), info.description()}.join(QLatin1Char(' ')).trimmed();
+    return {name, info.serialNumber()};
+}
+
+} // namespace gang

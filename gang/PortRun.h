@@ -1,0 +1,83 @@
+#pragma once
+
+#include "gang/Assignment.h"
+#include "gang/Judge.h"
+#include "gang/KeptFiles.h"
+#include "gang/ReadProof.h"
+#include "gang/RunRecord.h"
+#include "gang/RunState.h"
+#include "gang/ToolProcess.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace gang
+{
+
+/// One device on one port, from the first try to the verdict: each try is an upload and, if it is
+/// to be certified, a verification in a process of its own.
+class PortRun : public QObject
+{
+    Q_OBJECT
+
+public:
+    PortRun(const Assignment& assignment, const PortNames& port);
+
+    /// Everything else comes as signals.
+    void start();
+    /// Begins no further try.
+    void try_no_more();
+    /// Ends it at once.
+    void stop();
+
+    const RunState& state() const { return m_state; }
+
+Q_SIGNALS:
+    void changed();
+    /// Another try follows.
+    void failed_try(const gang::Judgement& judgement);
+    void finished(const gang::RunRecord& record);
+    /// There is no serial number for a try; finished() or not_begun() follows.
+    void has_no_number(const QString& reason);
+    /// Nothing was done, and nothing follows.
+    void not_begun(const QString& reason);
+
+private:
+    enum class Step { Upload, Certification };
+
+    void begin_try();
+    bool take_number();
+    void give_up_numbers(const QString& reason);
+    void begin_upload();
+    void begin_certification();
+    void launch(Step step, const QStringList& words);
+    void take_end(const ToolEnd& end);
+    void judge_upload(Judgement judgement);
+    void judge_certification(Judgement judgement);
+    void end_try(const Judgement& judgement);
+    void pause(const Judgement& judgement);
+    void finish(const Judgement& judgement);
+    void show_progress();
+    bool may_try_again(Verdict verdict) const;
+    QString readable(QString message) const;
+
+    const Assignment& m_assignment;
+    ToolCommand m_command;
+    RunState m_state;
+    RunRecord m_record;
+    KeptFiles m_kept;
+    std::unique_ptr<ToolProcess> m_process;
+    QTimer m_pause;
+    ReadProof m_read;
+    QHash<QString, QString> m_copies;
+    Step m_step = Step::Upload;
+    QStringList m_words;
+    Settings m_settings; ///< of the process at hand
+    Judgement m_judgement;
+    bool m_number_is_used = false; ///< it may have reached a device
+    bool m_last_try = false;
+};
+
+} // namespace gang

@@ -1,0 +1,63 @@
+#include "gang/Program.h"
+
+#include "gang/Arguments.h"
+#include "gang/ReportCommand.h"
+#include "gang/Session.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+
+namespace gang
+{
+
+namespace
+{
+
+int print(const QString& text)
+{
+    std::printf("%s\n", text.toLocal8Bit().constData());
+    return ExitAllOk;
+}
+
+int run(const QStringList& command_line)
+{
+    if (command_line.value(1) == QLatin1String("report")) {
+        return run_report(command_line.mid(0, 1) + command_line.mid(2));
+    }
+    const Arguments arguments = parse_arguments(command_line);
+    switch (arguments.action) {
+    case Arguments::Action::ShowHelp:
+        return print(arguments.help_text.trimmed());
+    case Arguments::Action::ShowVersion:
+        return print(QCoreApplication::applicationName() + QLatin1Char(' ') +
+                     QCoreApplication::applicationVersion());
+    case Arguments::Action::Run:
+        break;
+    }
+    return Session(arguments).run();
+}
+
+} // namespace
+
+int run_program(int argc, char** argv)
+{
+    // The end of every process and each of its lines wakes the dispatcher; the plain one is
+    // cheaper.
+    qputenv("QT_NO_GLIB", "1");
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("zserial-gang"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZSERIAL_VERSION));
+    // Who reads the events may go; the uploads, and their record, go on.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return run(QCoreApplication::arguments());
+    } catch (const std::exception& failure) {
+        complain(QString::fromStdString(failure.what()));
+        return ExitNotStarted;
+    }
+}
+
+} // namespace gang

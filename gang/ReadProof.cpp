@@ -1,0 +1,46 @@
+#include "gang/ReadProof.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace gang
+{
+
+namespace
+{
+
+/// Whether the file holds records up to the one that ends it. A file that was cut short, by a full
+/// disk say, lacks that one. The records themselves are the tool's business: what it reads from
+/// some devices overlaps.
+bool is_whole(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.read(1) != ":") {
+        return false;
+    }
+    const QByteArray end(":00000001FF\n");
+    return file.seek(qMax<qint64>(1, file.size() - end.size())) && file.readAll() == end;
+}
+
+} // namespace
+
+ReadProof::ReadProof(const QString& file) : m_file(file), m_before(identity_of(file)) {}
+
+QString ReadProof::problem() const
+{
+    if (m_file.isEmpty()) {
+        return {};
+    }
+    if (!QFileInfo(m_file).isFile()) {
+        return QStringLiteral("%1 is no file that keeps what was read").arg(m_file);
+    }
+    if (identity_of(m_file) == m_before) {
+        return QStringLiteral("%1 is as it was before the read").arg(m_file);
+    }
+    if (!is_whole(m_file)) {
+        return QStringLiteral("%1 does not hold what was read").arg(m_file);
+    }
+    return {};
+}
+
+} // namespace gang

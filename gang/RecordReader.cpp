@@ -1,0 +1,68 @@
+#include "gang/RecordReader.h"
+
+#include "gang/SharedFile.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace gang
+{
+
+namespace
+{
+
+quint64 number_from(const QJsonValue& value)
+{
+    return static_cast<quint64>(value.toDouble());
+}
+
+/// A line counts if it says at least how the run ended.
+std::optional<RecordedRun> run_from(const QByteArray& line)
+{
+    const QJsonObject json = QJsonDocument::fromJson(line).object();
+    RecordedRun run;
+    run.verdict = json.value(QStringLiteral("verdict")).toString();
+    if (run.verdict.isEmpty()) {
+        return std::nullopt;
+    }
+    run.time = json.value(QStringLiteral("time")).toString();
+    run.station = json.value(QStringLiteral("station")).toString();
+    run.port = json.value(QStringLiteral("port")).toString();
+    run.seconds = json.value(QStringLiteral("seconds")).toDouble();
+    run.tries = json.value(QStringLiteral("tries")).toInt(1);
+    const QString number = QStringLiteral("number");
+    if (json.contains(number)) {
+        run.number = number_from(json.value(number));
+    }
+    for (const QJsonValue& value : json.value(QStringLiteral("void_numbers")).toArray()) {
+        run.void_numbers.push_back(number_from(value));
+    }
+    return run;
+}
+
+} // namespace
+
+void read_record(const QString& path, RecordedRuns& runs)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw FileError(QStringLiteral("%1: %2").arg(path, file.errorString()));
+    }
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine();
+        const bool is_torn = !line.endsWith('\n');
+        const auto run = is_torn ? std::nullopt : run_from(line);
+        if (run) {
+            runs.runs.push_back(*run);
+        } else if (!line.trimmed().isEmpty()) {
+            ++runs.skipped;
+        }
+    }
+    if (file.error() != QFileDevice::NoError) {
+        throw FileError(QStringLiteral("%1: %2").arg(path, file.errorString()));
+    }
+}
+
+} // namespace gang

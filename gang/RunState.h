@@ -1,0 +1,31 @@
+#pragma once
+
+#include "gang/PortNames.h"
+#include "gang/Verdict.h"
+
+#include <QElapsedTimer>
+#include <QString>
+
+namespace gang
+{
+
+/// Where a port is, for displays.
+struct RunState {
+    enum class Phase { Waiting, Running, Writing, Verifying, Certifying, Pausing, Done, Skipped };
+
+    PortNames port;
+    Phase phase = Phase::Waiting;
+    int percentage = -1; ///< of the phase; -1: not known
+    double done = 0;     ///< of the whole upload, 0 to 1, as far as it shows
+    int attempt = 0;
+    QElapsedTimer since;
+    double seconds = 0; ///< once it is done
+    Verdict verdict = Verdict::Failed;
+    QString message;
+
+    bool is_active() const { return phase >= Phase::Running && phase <= Phase::Pausing; }
+
+    bool is_failed() const { return phase == Phase::Done && verdict != Verdict::Ok; }
+};
+
+} // namespace gang

@@ -1,0 +1,111 @@
+#include "tests/gang/GangTest.h"
+#include "tests/support/RowName.h"
+
+#include <QFile>
+
+namespace
+{
+
+/// Arguments with which nothing is started, and why.
+struct RefusalCase {
+    const char* name;
+    const char* arguments;
+    const char* reason;
+};
+
+std::ostream& operator<<(std::ostream& stream, const RefusalCase& row)
+{
+    return stream << row.arguments;
+}
+
+class GangRefusal : public GangTest, public testing::WithParamInterface<RefusalCase>
+{
+};
+
+TEST_P(GangRefusal, StartsNothing)
+{
+    give_file("empty.hex", QStringLiteral("empty.hex"));
+    give_file("bad_checksum.hex", QStringLiteral("bad_checksum.hex"));
+    give_file("bad_device.txt", QStringLiteral("bad_device.txt"));
+    put_file(QStringLiteral("numbers"), "70000\n");
+    const GangResult result =
+        run(words("--json --record record.jsonl") + words(GetParam().arguments));
+    EXPECT_EQ(result.status, 2) << result;
+    EXPECT_EQ(result.out.toStdString(), "");
+    EXPECT_THAT(result.err.toStdString(), testing::HasSubstr(GetParam().reason));
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("missing.hex"))));
+}
+
+const std::vector<RefusalCase> refusal_cases = {
+    {"Nothing", "", "name the ports"},
+    {"NoArguments", "/dev/a", "the arguments of zserial must follow --"},
+    {"EmptyArguments", "/dev/a --", "the arguments of zserial must follow --"},
+    {"PortsAndPattern", "/dev/a --watch /dev/b* -- -e", "name the ports"},
+    {"UnknownOption", "--quick /dev/a -- -e", "Unknown option 'quick'"},
+    {"Jobs", "--jobs 0 /dev/a -- -e", "--jobs takes a number from 1 to 1000"},
+    {"JobsNotWhole", "--jobs 1.5 /dev/a -- -e", "--jobs takes a whole number"},
+    {"Tries", "--tries many /dev/a -- -e", "--tries takes a number from 1 to 1000"},
+    {"Limit", "--limit nan /dev/a -- -e", "--limit takes a number"},
+    {"SamePortTwice", "/dev/null /dev/../dev/null -- -e", "are the same port"},
+    {"SamePortWithAndWithoutItsFolder", "/dev/null null -- -e", "are the same port"},
+    {"PortAmongTheArguments", "/dev/a -- -s /dev/b", "not with -s"},
+    {"RefusedByTheTool", "/dev/a -- -e -e", "You specified '-e' more than once."},
+    {"WordPassedOver", "/dev/a -- -vw image.hex", "zserial passes over the word \"-vw\""},
+    {"OneFileForTwoPorts", "/dev/a /dev/b -- -r out.hex",
+     "would be written for /dev/a and for /dev/b"},
+    {"OneLogForTwoPorts", "/dev/a /dev/b -- -e -x out.log",
+     "would be written for /dev/a and for /dev/b"},
+    {"OneFileForAllThatAppear", "--watch /dev/x* -- -r out.hex", "would be written for"},
+    {"ReadOverTheImage", "/dev/a -- -w image.hex -r image.hex",
+     "image.hex would be overwritten, and is an image"},
+    {"ReadOverTheTable", "/dev/a -- -r device.txt", "would be overwritten, and is the table"},
+    {"ReadOverTheRecord", "/dev/a -- -r record.jsonl", "would be overwritten, and is the record"},
+    {"MissingImage", "/dev/a -- -w missing.hex", "missing.hex: No such file or directory"},
+    {"MissingImageByForce", "--force /dev/a -- -w missing.hex",
+     "missing.hex: No such file or directory"},
+    {"EmptyImage", "--force /dev/a -- -w empty.hex", "empty.hex: holds no data"},
+    {"BadImage", "/dev/a -- -w bad_checksum.hex", "bad_checksum.hex"},
+    {"NoTable", "--table none.txt /dev/a -- -e", "none.txt: No such file or directory"},
+    {"BadTable", "--table bad_device.txt /dev/a -- -e", "bad_device.txt"},
+    {"ExpectedVersionNotInTheTable", "--expect 0999 /dev/a -- -e",
+     "has no device with version 0x0999"},
+    {"ExpectedVersionNoVersion", "--expect 12345 /dev/a -- -e", "is no bootloader version"},
+    {"ExpectedVersionNotAsked", "--expect 0102 /dev/a -- -B 0102 -e",
+     "--expect cannot protect any"},
+    {"NothingToCertify", "--certify /dev/a -- -e", "--certify needs -w, -W or -wv"},
+    {"PartOfASerialNumber", "--serial-at 0xE0 /dev/a -- -wv image.hex", "together"},
+    {"SerialNumberWithoutImage",
+     "--serial-at 0xE0 --serial-size 4 --serial-file numbers /dev/a -- -e",
+     "serial numbers need -w, -W or -wv"},
+    {"SerialNumberOutside",
+     "--serial-at 0x180 --serial-size 4 --serial-file numbers /dev/a -- -wv image.hex",
+     "lie outside of the image"},
+    {"SerialNumberOverData",
+     "--serial-at 0xA0 --serial-size 4 --serial-file numbers /dev/a -- -wv image.hex",
+     "hold data of the image: 00 01 02 03"},
+    {"SerialNumberTooLarge",
+     "--serial-at 0xE0 --serial-size 2 --serial-file numbers /dev/a -- -wv image.hex",
+     "the serial number 70000 does not fit into 2 bytes"},
+    {"SerialNumberTooLong",
+     "--serial-at 0xE0 --serial-size 4 --serial-format text --serial-file numbers /dev/a -- -wv "
+     "image.hex",
+     "the serial number 70000 does not fit into 4 bytes"},
+    {"SerialNumberSize",
+     "--serial-at 0xE0 --serial-size 9 --serial-file numbers /dev/a -- -wv image.hex",
+     "--serial-size takes a number from 1 to 8"},
+    {"SerialNumberFormat",
+     "--serial-at 0xE0 --serial-size 4 --serial-format bcd --serial-file numbers /dev/a -- -wv "
+     "image.hex",
+     "little, big or text"},
+    {"NoCounter", "--serial-at 0xE0 --serial-size 4 --serial-file none /dev/a -- -wv image.hex",
+     "none: No such file or directory"},
+    {"KeepFailuresOfNothing", "--keep-failures /dev/a -- -e", "--keep-failures goes with --keep"},
+    {"NowhereToKeep", "--keep image.hex/logs /dev/a -- -e", "image.hex/logs: cannot be written"},
+    {"NowhereToRecord", "--record no/such/folder /dev/a -- -e",
+     "no/such/folder: No such file or directory"},
+    {"NoTool", "--zserial /no/such/zserial /dev/a -- -e", "/no/such/zserial cannot be run"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Gang, GangRefusal, testing::ValuesIn(refusal_cases), row_name);
+
+} // namespace

@@ -1,0 +1,106 @@
+#include "gang/NumberFile.h"
+#include "tests/gang/GangTest.h"
+
+namespace
+{
+
+using gang::FileError;
+using gang::NumberFile;
+
+class NumberFiles : public GangTest
+{
+protected:
+    NumberFile counter(const QByteArray& contents) const
+    {
+        put_file(QStringLiteral("numbers"), contents);
+        return NumberFile(name());
+    }
+
+    QString name() const { return path(QStringLiteral("numbers")); }
+
+    static quint64 draw(NumberFile& numbers, const char* to = "me")
+    {
+        return numbers.draw(QString::fromLatin1(to), [](quint64) {});
+    }
+
+    std::string contents() const { return file(QStringLiteral("numbers")).toStdString(); }
+
+    std::string refusal(const QByteArray& text) const
+    {
+        NumberFile numbers = counter(text);
+        try {
+            numbers.next();
+        } catch (const FileError& error) {
+            return QString::fromStdString(error.what()).remove(folder()).toStdString();
+        }
+        return "none";
+    }
+};
+
+TEST_F(NumberFiles, CountFromTheFirstNumber)
+{
+    NumberFile numbers = counter("1000\n");
+    EXPECT_EQ(numbers.next(), 1000U);
+    EXPECT_EQ(draw(numbers, "a b"), 1000U);
+    EXPECT_EQ(draw(numbers, "c"), 1001U);
+    EXPECT_EQ(contents(), "1000\n1000 a b\n1001 c\n");
+}
+
+TEST_F(NumberFiles, TakeAFirstNumberWithoutALineEnd)
+{
+    NumberFile numbers = counter("7");
+    EXPECT_EQ(draw(numbers), 7U);
+    EXPECT_EQ(contents(), "7\n7 me\n");
+}
+
+TEST_F(NumberFiles, SeeWhatOthersHaveGiven)
+{
+    NumberFile one = counter("1\n");
+    NumberFile other(name());
+    EXPECT_EQ(draw(one), 1U);
+    EXPECT_EQ(draw(other), 2U);
+    EXPECT_EQ(draw(one), 3U);
+    EXPECT_EQ(other.given().size(), 3U);
+}
+
+TEST_F(NumberFiles, GoOnAfterACrash)
+{
+    NumberFile numbers = counter("5\n5 a\n6 b\n7 cut o");
+    EXPECT_EQ(draw(numbers), 7U) << "a number whose line was cut short was never used";
+    EXPECT_EQ(contents(), "5\n5 a\n6 b\n7 me\n");
+}
+
+TEST_F(NumberFiles, SkipRemarksAndJumpAhead)
+{
+    NumberFile numbers = counter("# serial numbers\n\n10\n10 a\n# next batch\n500\n");
+    EXPECT_EQ(draw(numbers), 500U);
+}
+
+TEST_F(NumberFiles, GiveNothingOutThatIsNotAccepted)
+{
+    NumberFile numbers = counter("300\n");
+    EXPECT_THROW(numbers.draw(QStringLiteral("me"), [](quint64) { throw FileError(QString()); }),
+                 FileError);
+    EXPECT_EQ(contents(), "300\n");
+    EXPECT_EQ(draw(numbers), 300U);
+}
+
+TEST_F(NumberFiles, RefuseWhatMightGiveANumberTwice)
+{
+    EXPECT_EQ(refusal("10\n10 a\n11 b\n10 c\n"),
+              "/numbers, line 4: goes back to a number that has been given out or passed over");
+    EXPECT_EQ(refusal("10\n10 a\n5\n"),
+              "/numbers, line 3: goes back to a number that has been given out or passed over");
+    EXPECT_EQ(refusal("ten\n"), "/numbers, line 1: does not begin with a number that can be given");
+    EXPECT_EQ(refusal("9007199254740992\n"),
+              "/numbers, line 1: does not begin with a number that can be given");
+    EXPECT_EQ(refusal("-1\n"), "/numbers, line 1: does not begin with a number that can be given");
+    EXPECT_EQ(refusal(""), "/numbers, line 0: has no number to begin with");
+}
+
+TEST_F(NumberFiles, HaveToBeThere)
+{
+    EXPECT_THROW(NumberFile{name()}, FileError);
+}
+
+} // namespace

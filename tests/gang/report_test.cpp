@@ -1,0 +1,128 @@
+#include "gang/Report.h"
+#include "tests/gang/GangTest.h"
+
+#include <QJsonArray>
+
+namespace
+{
+
+using gang::RecordedRuns;
+using gang::Report;
+
+class Reports : public GangTest
+{
+protected:
+    Report report(const QByteArray& record, const std::vector<gang::GivenNumber>& given = {}) const
+    {
+        put_file(QStringLiteral("record"), record);
+        RecordedRuns runs;
+        gang::read_record(path(QStringLiteral("record")), runs);
+        return gang::report_on(runs, given);
+    }
+};
+
+QByteArray line(const char* port, const char* verdict, double seconds, const char* more = "")
+{
+    return QStringLiteral(
+               "{\"time\":\"2026-11-21T17:00:00.000Z\",\"station\":\"s\",\"port\":\"%1\","
+               "\"verdict\":\"%2\",\"seconds\":%3,\"tries\":1%4}\n")
+        .arg(QLatin1String(port), QLatin1String(verdict))
+        .arg(seconds)
+        .arg(QLatin1String(more))
+        .toUtf8();
+}
+
+const QByteArray sample = line("/dev/a", "ok", 2) + line("/dev/a", "ok", 4) +
+                          line("/dev/b", "silent", 7) + line("/dev/b", "write", 3) +
+                          line("/dev/b", "silent", 7) + line("/dev/b", "ok", 3);
+
+TEST_F(Reports, CountByVerdictAndPort)
+{
+    EXPECT_EQ(text_of(report(sample)).toStdString(),
+              "6 runs from 2026-11-21T17:00:00.000Z to 2026-11-21T17:00:00.000Z\n"
+              "Yield: 50.0% (3 ok, 3 of them at the first try)\n"
+              "Failures: 2 silent, 1 write\n"
+              "Durations: median 3.0 s, nine in ten up to 4.0 s, longest 4.0 s\n"
+              "\n"
+              "By station and port:\n"
+              "  s /dev/a     2 of    2 ok  100.0%  median 2.0 s\n"
+              "  s /dev/b     1 of    4 ok   25.0%  median 3.0 s  2 silent, 1 write\n");
+}
+
+TEST_F(Reports, SkipWhatIsNoRecord)
+{
+    const Report whole = report(sample + "{\"time\":\n[]\n\n{}\n" + sample.left(40));
+    EXPECT_EQ(whole.all.runs, 6);
+    EXPECT_EQ(whole.skipped, 4);
+}
+
+TEST_F(Reports, SkipATornLineThatLooksWhole)
+{
+    QByteArray torn = sample;
+    torn.chop(1);
+    EXPECT_EQ(report(torn).all.runs, 5) << "the line may have been meant to go on";
+}
+
+TEST_F(Reports, HaveNothingToSayOfNothing)
+{
+    EXPECT_EQ(text_of(report("")).toStdString(), "No runs\n");
+    EXPECT_EQ(json_of(report("")).value(QStringLiteral("yield")).toDouble(), 0);
+}
+
+TEST_F(Reports, ListVoidNumbers)
+{
+    const QByteArray record = line("/dev/a", "ok", 1, ",\"number\":3,\"void_numbers\":[1,2]") +
+                              line("/dev/b", "write", 1, ",\"number\":4");
+    const Report with_numbers =
+        report(record, {{3, QStringLiteral("x")}, {5, QStringLiteral("then here")}});
+    std::string numbers;
+    for (const auto& number : with_numbers.void_numbers) {
+        numbers += std::to_string(number.number) + ": " + number.reason.toStdString() + "; ";
+    }
+    EXPECT_EQ(numbers, "1: another try; 2: another try; 4: write; 5: not recorded: then here; ");
+    EXPECT_EQ(with_numbers.numbers, 5);
+    EXPECT_TRUE(
+        text_of(with_numbers)
+            .contains(QStringLiteral("Serial numbers: 5 given out, 4 void\n  1  another try\n")));
+}
+
+TEST_F(Reports, AreOnePageThatTakesNothingFromElsewhere)
+{
+    const QString page = html_of(report(sample + line("<script>", "<b>", 1)));
+    EXPECT_FALSE(page.contains(QStringLiteral("<script")));
+    EXPECT_FALSE(page.contains(QStringLiteral("<b>&")));
+    EXPECT_TRUE(page.contains(QStringLiteral("s &lt;script&gt;")));
+    EXPECT_FALSE(page.contains(QStringLiteral("http")));
+    EXPECT_FALSE(page.contains(QStringLiteral("src=")));
+}
+
+TEST_F(Reports, SayTheSameAsJson)
+{
+    const QJsonObject json = json_of(report(sample));
+    EXPECT_EQ(json.value(QStringLiteral("ok")).toInt(), 3);
+    const QJsonObject port = json.value(QStringLiteral("ports")).toArray().at(1).toObject();
+    EXPECT_EQ(text(port, "station"), "s");
+    EXPECT_EQ(text(port, "port"), "/dev/b");
+    EXPECT_EQ(
+        port.value(QStringLiteral("failures")).toObject().value(QStringLiteral("silent")).toInt(),
+        2);
+}
+
+TEST(Quantile, IsOneOfTheValues)
+{
+    EXPECT_EQ(gang::quantile({}, 0.5), 0);
+    EXPECT_EQ(gang::quantile({3, 1, 2}, 0.5), 2);
+    EXPECT_EQ(gang::quantile({3, 1, 2}, 1), 3);
+    EXPECT_EQ(gang::quantile({1}, 0), 1);
+}
+
+TEST_F(Reports, ByTheProgram)
+{
+    put_file(QStringLiteral("record"), sample);
+    EXPECT_EQ(run(words("report record record")).out.left(8), "12 runs ");
+    EXPECT_EQ(run(words("report missing")).status, 2);
+    EXPECT_EQ(run(words("report")).status, 2);
+    EXPECT_TRUE(run(words("report --html record")).out.startsWith("<!DOCTYPE html>"));
+}
+
+} // namespace

@@ -1,0 +1,97 @@
+#include "gang/ArgumentError.h"
+#include "gang/ToolCommand.h"
+#include "tests/gang/GangTest.h"
+
+#include <QDir>
+
+namespace
+{
+
+using gang::ArgumentError;
+using gang::ToolCommand;
+
+const gang::PortNames port = gang::names_of(QStringLiteral("/dev/ttyUSB0"), 3);
+
+ToolCommand command(const char* arguments)
+{
+    return ToolCommand(words(arguments), port);
+}
+
+std::string joined(const QStringList& list)
+{
+    QStringList relative = list;
+    relative.replaceInStrings(QDir::currentPath() + QLatin1Char('/'), QStringLiteral("./"));
+    return relative.join(QLatin1Char(' ')).toStdString();
+}
+
+TEST(PortNames, AreFitForFiles)
+{
+    EXPECT_EQ(port.name, QStringLiteral("ttyUSB0"));
+    EXPECT_EQ(gang::names_of(QStringLiteral("/dev/pts/3"), 1).name, QStringLiteral("pts_3"));
+    EXPECT_EQ(gang::names_of(QStringLiteral("/tmp/line/left"), 1).name, QStringLiteral("left"));
+    EXPECT_EQ(gang::names_of(QStringLiteral("ttyS1"), 1).path, QStringLiteral("ttyS1"));
+    EXPECT_EQ(gang::names_of(QStringLiteral("./left"), 1).path,
+              QDir::current().absoluteFilePath(QStringLiteral("left")));
+}
+
+TEST(PortNames, AreReplacedOnce)
+{
+    EXPECT_EQ(gang::expand(QStringLiteral("{port} {name}-{n}{n} {other}"), port),
+              QStringLiteral("/dev/ttyUSB0 ttyUSB0-33 {other}"));
+    const gang::PortNames odd{QStringLiteral("{name}"), QStringLiteral("{n}"), 1};
+    EXPECT_EQ(gang::expand(QStringLiteral("{port}{name}"), odd), QStringLiteral("{name}{n}"));
+}
+
+TEST(ToolCommand, PutsThePortFirstAndMakesFilesAbsolute)
+{
+    EXPECT_EQ(joined(command("-w a.hex -r {name}.hex -x {n}.log -R").words({})),
+              "-s /dev/ttyUSB0 -w ./a.hex -r ./ttyUSB0.hex -x ./3.log -R");
+    EXPECT_EQ(joined(command("-W 0 0x10 a.hex -l 0 0x10 b.hex").words({})),
+              "-s /dev/ttyUSB0 -W 0 0x10 ./a.hex -l 0 0x10 ./b.hex");
+}
+
+TEST(ToolCommand, UsesCopiesOfImages)
+{
+    const ToolCommand same = command("-w a.hex -v a.hex -R");
+    const QString image = same.written_image();
+    EXPECT_EQ(joined(same.images()), "./a.hex");
+    EXPECT_EQ(joined(same.words({{image, QStringLiteral("copy")}})),
+              "-s /dev/ttyUSB0 -w copy -v copy -R");
+    EXPECT_EQ(joined(same.words_without_reset({{image, QStringLiteral("copy")}})),
+              "-s /dev/ttyUSB0 -w copy -v copy");
+}
+
+TEST(ToolCommand, CertifiesByTheSameAreas)
+{
+    EXPECT_EQ(joined(command("-B 110 -h -xe -xu -e -w a.hex -R").words_to_certify({})),
+              "-s /dev/ttyUSB0 -v ./a.hex -h -xe -xu -R");
+    EXPECT_EQ(joined(command("-wv a.hex").words_to_certify({})), "-s /dev/ttyUSB0 -v ./a.hex");
+}
+
+TEST(ToolCommand, AFileThatIsReadAndThenVerifiedIsNoImage)
+{
+    const ToolCommand both = command("-r a.hex -v a.hex");
+    EXPECT_TRUE(both.images().isEmpty());
+    EXPECT_EQ(joined(both.outputs()), "./a.hex");
+}
+
+TEST(ToolCommand, DoubtsWhatTheToolPassesOver)
+{
+    EXPECT_EQ(joined(command("-vw a.hex").doubts()),
+              "zserial passes over the word \"-vw\" zserial passes over the word \"a.hex\"");
+    EXPECT_EQ(joined(command("-wv a.hex -r b.hex").doubts()),
+              "beside -wv, zserial carries out none of -E, -w, -W, -r, -l, -v");
+    EXPECT_EQ(joined(command("-V").doubts()), "with -V and without -B every run fails");
+    EXPECT_EQ(joined(command("-B 110 -e -w a.hex -v a.hex -R").doubts()), "");
+}
+
+TEST(ToolCommand, RefusesWhatTheToolWouldRefuse)
+{
+    EXPECT_THROW(command("-w"), ArgumentError);
+    EXPECT_THROW(command("-w a -w b"), ArgumentError);
+    EXPECT_THROW(command("-e -E 1 2"), ArgumentError);
+    EXPECT_THROW(command("-V -b"), ArgumentError);
+    EXPECT_THROW(command("-s /dev/other"), ArgumentError);
+}
+
+} // namespace
