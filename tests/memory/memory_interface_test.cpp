@@ -17,6 +17,13 @@ constexpr bool is_exactly(Member /*member*/)
     return std::is_same_v<Expected, Member>;
 }
 
+/// Only an overload of exactly this type converts to the parameter.
+template <typename Expected>
+constexpr bool has_overload(Expected /*member*/)
+{
+    return true;
+}
+
 using U32 = unsigned int;
 
 // zarnBLOB
@@ -26,11 +33,10 @@ static_assert(is_exactly<void (zarnBLOB::*)()>(&zarnBLOB::clear));
 static_assert(is_exactly<U32 (zarnBLOB::*)() const>(&zarnBLOB::capacity));
 static_assert(is_exactly<U32 (zarnBLOB::*)() const>(&zarnBLOB::size));
 static_assert(is_exactly<U32 (zarnBLOB::*)() const>(&zarnBLOB::chunk_size));
-static_assert(static_cast<U32 (zarnBLOB::*)(U32, U32, char*) const>(&zarnBLOB::read) != nullptr);
-static_assert(static_cast<U32 (zarnBLOB::*)(U32, U32, QByteArray&) const>(&zarnBLOB::read) !=
-              nullptr);
-static_assert(static_cast<void (zarnBLOB::*)(U32, U32, const char*)>(&zarnBLOB::write) != nullptr);
-static_assert(static_cast<void (zarnBLOB::*)(U32, QByteArray)>(&zarnBLOB::write) != nullptr);
+static_assert(has_overload<U32 (zarnBLOB::*)(U32, U32, char*) const>(&zarnBLOB::read));
+static_assert(has_overload<U32 (zarnBLOB::*)(U32, U32, QByteArray&) const>(&zarnBLOB::read));
+static_assert(has_overload<void (zarnBLOB::*)(U32, U32, const char*)>(&zarnBLOB::write));
+static_assert(has_overload<void (zarnBLOB::*)(U32, QByteArray)>(&zarnBLOB::write));
 static_assert(is_exactly<U32 (zarnBLOB::*)(QString)>(&zarnBLOB::load_from_file));
 static_assert(is_exactly<U32 (zarnBLOB::*)(QString) const>(&zarnBLOB::save_to_file));
 static_assert(is_exactly<QString (zarnBLOB::*)() const>(&zarnBLOB::to_hex_string));
@@ -56,10 +62,10 @@ static_assert(
 using Map = MemoryMap;
 static_assert(std::is_constructible_v<Map, U32>);
 static_assert(is_exactly<int (Map::*)(U32) const>(&Map::get_blob_index));
-static_assert(static_cast<bool (Map::*)(U32, U32, char*) const>(&Map::read) != nullptr);
-static_assert(static_cast<bool (Map::*)(U32, U32, QByteArray&) const>(&Map::read) != nullptr);
-static_assert(static_cast<void (Map::*)(U32, U32, const char*)>(&Map::write) != nullptr);
-static_assert(static_cast<void (Map::*)(U32, QByteArray)>(&Map::write) != nullptr);
+static_assert(has_overload<bool (Map::*)(U32, U32, char*) const>(&Map::read));
+static_assert(has_overload<bool (Map::*)(U32, U32, QByteArray&) const>(&Map::read));
+static_assert(has_overload<void (Map::*)(U32, U32, const char*)>(&Map::write));
+static_assert(has_overload<void (Map::*)(U32, QByteArray)>(&Map::write));
 static_assert(is_exactly<U32 (Map::*)() const>(&Map::size));
 static_assert(is_exactly<void (Map::*)()>(&Map::clear));
 static_assert(is_exactly<bool (Map::*)()>(&Map::has_overlaps));
