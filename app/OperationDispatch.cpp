@@ -9,7 +9,7 @@ namespace
 {
 
 /// Prints the message of a success, or returns that of a failure.
-std::optional<Failure> tell(bool success, const char* done, const char* failed)
+std::optional<Failure> report(bool success, const char* done, const char* failed)
 {
     if (!success) {
         return Failure{QString::fromLatin1(failed)};
@@ -54,7 +54,7 @@ std::optional<Failure> OperationDispatch::write_and_verify()
         m_device.write_with_verify(&m_map, m_abort_requested, m_settings.include_encrypted,
                                    m_settings.include_unencrypted, m_settings.erase_all_wanted);
     out << "\n";
-    return tell(uploaded, "Uploaded!\n", "Write-and-verify failure!\n");
+    return report(uploaded, "Uploaded!\n", "Write-and-verify failure!\n");
 }
 
 std::optional<Failure> OperationDispatch::erase()
@@ -62,16 +62,16 @@ std::optional<Failure> OperationDispatch::erase()
     const bool encrypted = m_settings.include_encrypted;
     const bool unencrypted = m_settings.include_unencrypted;
     if (m_settings.erase_all_wanted) {
-        return tell(m_device.erase_all(encrypted, unencrypted), "Erased all flash!\n",
-                    "Erase all flash failed? Aborting...\n");
+        return report(m_device.erase_all(encrypted, unencrypted), "Erased all flash!\n",
+                      "Erase all flash failed? Aborting...\n");
     }
     if (m_settings.limited_erase_wanted) {
         // The two addresses are passed as the area flags and the area flags as the addresses.
         // docs/user-guide.md explains the effect.
-        return tell(m_device.erase_range(m_settings.erase_range.lower != 0,
-                                         m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
-                                         unencrypted ? 1 : 0),
-                    "Erased flash range!\n", "Failed to erase flash range, aborting...\n");
+        return report(m_device.erase_range(m_settings.erase_range.lower != 0,
+                                           m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
+                                           unencrypted ? 1 : 0),
+                      "Erased flash range!\n", "Failed to erase flash range, aborting...\n");
     }
     return std::nullopt;
 }
@@ -86,14 +86,15 @@ std::optional<Failure> OperationDispatch::write()
     }
     out << "Now writing";
     if (m_settings.write_wanted) {
-        return tell(m_device.write(&m_map, m_abort_requested, m_settings.include_encrypted,
-                                   m_settings.include_unencrypted),
-                    "Memory written!\n", "Failed to write memory, aborting...\n");
+        return report(m_device.write(&m_map, m_abort_requested, m_settings.include_encrypted,
+                                     m_settings.include_unencrypted),
+                      "Memory written!\n", "Failed to write memory, aborting...\n");
     }
-    return tell(m_device.write_range(&m_map, m_settings.write_range.lower,
-                                     m_settings.write_range.upper, m_abort_requested,
-                                     m_settings.include_encrypted, m_settings.include_unencrypted),
-                "Memory range written!\n", "Failed to write memory range, aborting...\n");
+    return report(m_device.write_range(&m_map, m_settings.write_range.lower,
+                                       m_settings.write_range.upper, m_abort_requested,
+                                       m_settings.include_encrypted,
+                                       m_settings.include_unencrypted),
+                  "Memory range written!\n", "Failed to write memory range, aborting...\n");
 }
 
 /// A file that can no longer be opened does not stop the read: the device is read anyway, and
@@ -111,14 +112,14 @@ std::optional<Failure> OperationDispatch::read()
     // run would hang in saving once the real one has gone.
     file.close();
     if (m_settings.read_wanted) {
-        return tell(m_device.read(file, m_abort_requested, m_settings.include_encrypted,
-                                  m_settings.include_unencrypted),
-                    "Memory read!\n", "Failed to read memory, aborting...\n");
+        return report(m_device.read(file, m_abort_requested, m_settings.include_encrypted,
+                                    m_settings.include_unencrypted),
+                      "Memory read!\n", "Failed to read memory, aborting...\n");
     }
-    return tell(m_device.read_range(file, m_abort_requested, m_settings.include_encrypted,
-                                    m_settings.include_unencrypted, m_settings.read_range.lower,
-                                    m_settings.read_range.upper),
-                "Memory range read!\n", "Failed to read memory range, aborting...\n");
+    return report(m_device.read_range(file, m_abort_requested, m_settings.include_encrypted,
+                                      m_settings.include_unencrypted, m_settings.read_range.lower,
+                                      m_settings.read_range.upper),
+                  "Memory range read!\n", "Failed to read memory range, aborting...\n");
 }
 
 std::optional<Failure> OperationDispatch::verify()
@@ -134,7 +135,7 @@ std::optional<Failure> OperationDispatch::verify()
     const bool verified = m_device.verify_firmware(
         &m_map, m_abort_requested, m_settings.include_encrypted, m_settings.include_unencrypted);
     out << "\n";
-    return tell(verified, "Verified!\n", "Verification failure!\n");
+    return report(verified, "Verified!\n", "Verification failure!\n");
 }
 
 /// Loads a firmware file, cut where the device's regions meet.

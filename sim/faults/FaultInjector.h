@@ -1,9 +1,9 @@
 #pragma once
 
 // This folder is what goes wrong. Every kind of fault draws its random numbers from a stream of its
-// own, which depends on seed, kind and the number of the command alone: a fault more or less does not
-// change when the others happen. FaultKind.h has the list of kinds; docs/simulator.md describes how
-// faults are written, under "Faults".
+// own, which depends on seed, kind and the number of the command alone: a fault more or less does
+// not change when the others happen. FaultKind.h has the list of kinds; docs/simulator.md describes
+// how faults are written, under "Faults".
 
 #include "sim/device/Bootloader.h"
 #include "sim/faults/ByteDamage.h"
@@ -38,7 +38,8 @@ public:
         bool unplug = false;            ///< the line vanishes before anything of this goes out
     };
 
-    /// What goes out for a command; asked once for each that was let through or not, in the same order.
+    /// What goes out for a command; asked once for each that was let through or not, in the same
+    /// order.
     Reply reply(const Command& command, const QByteArray& answer);
 
     /// How often each kind has been applied; kinds that never were are missing. Of stuck bits, how

@@ -1,9 +1,10 @@
 #pragma once
 
-// This folder is the wire: a pseudo-terminal whose far end the host opens, and the times that it lacks.
-// It knows bytes and rates, no frames. What keeps time (Alarm, Line, Outbox) is apart from what only
-// reckons with times that it is handed (AdapterBuffer, PacedQueue, LineTiming), so that the latter can
-// be tested without waiting. docs/simulator.md says what can be measured with it, under "Times".
+// This folder is the wire: a pseudo-terminal whose far end the host opens, and the times that it
+// lacks. It knows bytes and rates, no frames. What keeps time (Alarm, Line, Outbox) is apart from
+// what only reckons with times that it is handed (AdapterBuffer, PacedQueue, LineTiming), so that
+// the latter can be tested without waiting. docs/simulator.md says what can be measured with it,
+// under "Times".
 
 #include "sim/line/AdapterBuffer.h"
 #include "sim/line/Alarm.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-// This folder puts a device, its faults, a recorded log, the trace and the account of a run together.
-// What a trace shows is the command as the device took it, after the faults of the way there, and the
-// bytes as they went out, after those of the way back. docs/simulator.md has the formats of trace and
-// summary; logs are those of the tool's option -x.
+// This folder puts a device, its faults, a recorded log, the trace and the account of a run
+// together. What a trace shows is the command as the device took it, after the faults of the way
+// there, and the bytes as they went out, after those of the way back. docs/simulator.md has the
+// formats of trace and summary; logs are those of the tool's option -x.
 
 #include "sim/device/SimulatedDevice.h"
 #include "sim/faults/FaultInjector.h"

@@ -1,5 +1,4 @@
 #include "sim/line/Alarm.h"
-
 #include "tests/sim/WaitUntil.h"
 
 #include <gtest/gtest.h>

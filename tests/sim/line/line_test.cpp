@@ -1,5 +1,4 @@
 #include "sim/line/Line.h"
-
 #include "tests/sim/HostPort.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,5 @@
-#include "sim/program/DeviceTable.h"
-
 #include "sim/device/Error.h"
+#include "sim/program/DeviceTable.h"
 #include "tests/sim/SampleDevice.h"
 
 #include <QFile>

@@ -1,5 +1,4 @@
 #include "sim/rig/WholeFile.h"
-
 #include "tests/support/SmallDisk.h"
 
 #include <QDir>
