@@ -25,12 +25,14 @@ QString sign_extended_hex(char byte)
     return QStringLiteral("%1").arg(widened, 2, 16, QLatin1Char('0')).toUpper();
 }
 
-void append_escaped(QByteArray& out, char byte)
+/// Returns where the next byte goes.
+char* put_escaped(char* out, char byte)
 {
     if (needs_escaping(byte)) {
-        out.append(escape);
+        *out++ = escape;
     }
-    out.append(byte);
+    *out++ = byte;
+    return out;
 }
 
 Reason check_envelope(const QByteArray& frame)
@@ -52,65 +54,83 @@ Reason check_envelope(const QByteArray& frame)
     return std::nullopt;
 }
 
-/// Takes everything before checksum and terminator, byte by byte.
+/// Takes everything before checksum and terminator, byte by byte. The payload goes straight into
+/// memory that the caller has made large enough: appending to a QByteArray costs several times as
+/// much as the byte itself.
 class PayloadScanner
 {
 public:
     enum class State { Sync, Escape, Data };
 
-    explicit PayloadScanner(QByteArray& payload) : m_payload(payload) {}
+    explicit PayloadScanner(char* out) : m_begin(out), m_out(out) {}
 
     State state() const { return m_state; }
 
-    Reason take(int position, char byte)
+    /// Of the payload so far, in bytes.
+    int length() const { return static_cast<int>(m_out - m_begin); }
+
+    /// Whether the byte may come at this place. If not, nothing changes and refusal() says why.
+    bool take(char byte)
     {
         if (m_state == State::Escape) {
-            return take_escaped(position, byte);
+            return needs_escaping(byte) && store(byte);
         }
         switch (byte) {
         case sync:
-            return take_sync(position);
+            return m_state == State::Sync;
         case terminator:
-            return QStringLiteral("response contains premature terminator symbol at position %1")
-                .arg(position);
+            return false;
         case escape:
             m_state = State::Escape;
-            return std::nullopt;
+            return true;
         default:
-            store(byte);
-            return std::nullopt;
+            return store(byte);
         }
     }
 
-private:
-    Reason take_escaped(int position, char byte)
+    /// Of a byte that take() did not accept.
+    QString refusal(int position, char byte) const
     {
-        if (!needs_escaping(byte)) {
+        if (m_state == State::Escape) {
             return QStringLiteral("response byte at position %1 (%2) was needlessly escaped")
                 .arg(QString::number(position), sign_extended_hex(byte));
         }
-        store(byte);
-        return std::nullopt;
-    }
-
-    Reason take_sync(int position) const
-    {
-        if (m_state == State::Sync) {
-            return std::nullopt;
+        if (byte == sync) {
+            return QStringLiteral("response contains unexpected sync symbol at position %1")
+                .arg(position);
         }
-        return QStringLiteral("response contains unexpected sync symbol at position %1")
+        return QStringLiteral("response contains premature terminator symbol at position %1")
             .arg(position);
     }
 
-    void store(char byte)
+private:
+    bool store(char byte)
     {
-        m_payload.append(byte);
+        *m_out++ = byte;
         m_state = State::Data;
+        return true;
     }
 
-    QByteArray& m_payload;
+    const char* m_begin;
+    char* m_out;
     State m_state = State::Sync;
 };
+
+/// Leaves in `payload` what comes before the first byte that may not stand where it does.
+Reason take_payload(const QByteArray& frame, int end, QByteArray& payload,
+                    PayloadScanner::State& state)
+{
+    payload.resize(end);
+    PayloadScanner scanner(payload.data());
+    const char* const bytes = frame.constData();
+    int position = 0;
+    while (position < end && scanner.take(bytes[position])) {
+        ++position;
+    }
+    state = scanner.state();
+    payload.truncate(scanner.length());
+    return position == end ? Reason() : scanner.refusal(position, bytes[position]);
+}
 
 Reason check_checksum(char received, char expected, bool escaped)
 {
@@ -154,13 +174,14 @@ char checksum(const QByteArray& payload)
 
 QByteArray encode(const QByteArray& payload)
 {
-    QByteArray frame(2, sync);
-    frame.reserve(payload.size() + 5);
+    QByteArray frame(2 * payload.size() + 5, sync); // room for every byte to be escaped
+    char* out = frame.data() + 2;
     for (const char byte : payload) {
-        append_escaped(frame, byte);
+        out = put_escaped(out, byte);
     }
-    append_escaped(frame, checksum(payload));
-    frame.append(terminator);
+    out = put_escaped(out, checksum(payload));
+    *out++ = terminator;
+    frame.truncate(static_cast<int>(out - frame.constData()));
     return frame;
 }
 
@@ -170,19 +191,16 @@ Reason decode(const QByteArray& frame, QByteArray& payload)
     if (auto reason = check_envelope(frame)) {
         return reason;
     }
-    payload.reserve(frame.size());
-    PayloadScanner scanner(payload);
     const int checksum_position = frame.size() - 2;
-    for (int i = 0; i < checksum_position; ++i) {
-        if (auto reason = scanner.take(i, frame[i])) {
-            return reason;
-        }
+    auto state = PayloadScanner::State::Sync;
+    if (auto reason = take_payload(frame, checksum_position, payload, state)) {
+        return reason;
     }
-    if (scanner.state() == PayloadScanner::State::Sync) {
+    if (state == PayloadScanner::State::Sync) {
         return QStringLiteral("response contained only SYNC symbols");
     }
     return check_checksum(frame[checksum_position], checksum(payload),
-                          scanner.state() == PayloadScanner::State::Escape);
+                          state == PayloadScanner::State::Escape);
 }
 
 } // namespace frame

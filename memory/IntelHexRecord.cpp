@@ -42,13 +42,14 @@ public:
     /// Takes `count` bytes, or as many as there are; returns how many.
     int take(char* bytes, int count)
     {
-        // What is counted stays in registers: a store through `bytes` could change any member.
-        const char* at = m_at;
+        // Locals stay in registers: a store through `bytes` could change any member.
+        const char* const digits = m_at;
+        const auto whole = std::min<std::ptrdiff_t>(count, (m_end - digits) / 2);
         unsigned int sum = m_sum;
-        const auto whole = static_cast<int>(std::min<std::ptrdiff_t>(count, (m_end - at) / 2));
-        int taken = 0;
-        for (; taken < whole; ++taken, at += 2) {
-            const unsigned int value = value_of(at[0]) * 16 + value_of(at[1]);
+        std::ptrdiff_t taken = 0;
+        for (; taken < whole; ++taken) {
+            const unsigned int value =
+                value_of(digits[2 * taken]) * 16 + value_of(digits[2 * taken + 1]);
             if (value > 0xFF) {
                 break;
             }
@@ -56,11 +57,11 @@ public:
             bytes[taken] = static_cast<char>(value);
         }
         m_sum = sum;
-        m_at = at;
-        if (taken < count && at != m_end && value_of(*at) != not_a_digit) {
+        m_at = digits + 2 * taken;
+        if (taken < count && m_at != m_end && value_of(*m_at) != not_a_digit) {
             ++m_at; // the first half of a byte
         }
-        return taken;
+        return static_cast<int>(taken);
     }
 
     const char* position() const { return m_at; }

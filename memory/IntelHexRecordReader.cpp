@@ -61,13 +61,11 @@ ParsedRecord RecordReader::next(Record& record)
     if (m_at == m_end || *m_at != ':') {
         skip_blanks();
     }
-    m_text_position = position();
-    m_text_offset = offset();
+    m_text = here();
     if (!find_colon()) {
         return {RecordOutcome::NoColon, 0};
     }
-    m_record_position = position();
-    m_text_length = offset() - m_text_offset;
+    m_record = here();
     ++m_at;
     ParsedRecord parsed = parse_record(m_at, m_end, record);
     while (is_cut_short(parsed, m_at, m_end) && refill()) {

@@ -39,22 +39,36 @@ public:
     std::optional<char> peek() const;
 
     /// Of the character to be read next.
-    TextPosition position() const { return {m_line, offset() - m_line_offset + 1}; }
+    TextPosition position() const { return position_of(here()); }
 
     /// Of the first character, blanks and line ends aside, that the last record was looked for in;
     /// that of its colon unless other text stands before it.
-    TextPosition text_position() const { return m_text_position; }
+    TextPosition text_position() const { return position_of(m_text); }
 
     /// Of the colon of the record that was read last.
-    TextPosition record_position() const { return m_record_position; }
+    TextPosition record_position() const { return position_of(m_record); }
 
     /// Where that text begins, in bytes from where the reading began, and how long it is up to the
-    /// colon.
-    qint64 text_offset() const { return m_text_offset; }
+    /// colon that was found.
+    qint64 text_offset() const { return m_text.offset; }
 
-    qint64 text_length() const { return m_text_length; }
+    qint64 text_length() const { return m_record.offset - m_text.offset; }
 
 private:
+    /// A place as it is at hand: hardly any position is ever asked for.
+    struct Mark {
+        qint64 line = 1;
+        qint64 line_offset = 0; ///< of the line's first character, from where the reading began
+        qint64 offset = 0;
+    };
+
+    static TextPosition position_of(const Mark& mark)
+    {
+        return {mark.line, mark.offset - mark.line_offset + 1};
+    }
+
+    Mark here() const { return {m_line, m_line_offset, offset()}; }
+
     /// Whether anything else follows.
     bool skip_blanks();
     bool find_colon();
@@ -75,10 +89,8 @@ private:
     qint64 m_block_offset = 0; ///< of the block's first character, from where the reading began
     qint64 m_line = 1;
     qint64 m_line_offset = 0; ///< of the first character of the line
-    TextPosition m_text_position;
-    qint64 m_text_offset = 0;
-    qint64 m_text_length = 0;
-    TextPosition m_record_position;
+    Mark m_text;
+    Mark m_record; ///< the colon
 };
 
 } // namespace intel_hex
