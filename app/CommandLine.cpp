@@ -10,9 +10,9 @@ namespace
 
 bool anything_wanted(const Settings& settings)
 {
-    return settings.read_wanted || settings.limited_read_wanted || settings.limited_write_wanted ||
+    return settings.read_wanted || settings.read_range_wanted || settings.write_range_wanted ||
            settings.write_wanted || settings.reset_wanted || settings.erase_all_wanted ||
-           settings.limited_erase_wanted || settings.version_request_wanted ||
+           settings.erase_range_wanted || settings.version_request_wanted ||
            settings.entry_procedure_wanted;
 }
 
@@ -42,15 +42,15 @@ std::optional<Failure> scan(const QStringList& arguments, FileCheck can_open, Se
 
 std::optional<Failure> check_conflicts(const Settings& settings)
 {
-    if (settings.read_wanted && settings.limited_read_wanted) {
+    if (settings.read_wanted && settings.read_range_wanted) {
         return Failure{QStringLiteral("Please specify only one of read (-r) or limited read (-l) "
                                       "operations. Aborting...\n")};
     }
-    if (settings.limited_write_wanted && settings.write_wanted) {
+    if (settings.write_range_wanted && settings.write_wanted) {
         return Failure{QStringLiteral("Please specify only one of write (-w) or limited write (-W) "
                                       "or write-and-verify (-wv) operations. Aborting...\n")};
     }
-    if (settings.erase_all_wanted && settings.limited_erase_wanted) {
+    if (settings.erase_all_wanted && settings.erase_range_wanted) {
         return Failure{QStringLiteral("Please specify only one of erase all (-e) or limited erase "
                                       "(-E) operations. Aborting...\n")};
     }

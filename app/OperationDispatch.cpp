@@ -65,7 +65,7 @@ std::optional<Failure> OperationDispatch::erase()
         return report(m_device.erase_all(encrypted, unencrypted), "Erased all flash!\n",
                       "Erase all flash failed? Aborting...\n");
     }
-    if (m_settings.limited_erase_wanted) {
+    if (m_settings.erase_range_wanted) {
         // The two addresses are passed as the area flags and the area flags as the addresses.
         // docs/user-guide.md explains the effect.
         return report(m_device.erase_range(m_settings.erase_range.lower != 0,
@@ -78,7 +78,7 @@ std::optional<Failure> OperationDispatch::erase()
 
 std::optional<Failure> OperationDispatch::write()
 {
-    if (!m_settings.write_wanted && !m_settings.limited_write_wanted) {
+    if (!m_settings.write_wanted && !m_settings.write_range_wanted) {
         return std::nullopt;
     }
     if (auto failure = load(m_settings.write_file, QStringLiteral("write"))) {
@@ -101,7 +101,7 @@ std::optional<Failure> OperationDispatch::write()
 /// saving reports what is wrong with the file.
 std::optional<Failure> OperationDispatch::read()
 {
-    if (!m_settings.read_wanted && !m_settings.limited_read_wanted) {
+    if (!m_settings.read_wanted && !m_settings.read_range_wanted) {
         return std::nullopt;
     }
     QFile file(m_settings.read_file);

@@ -125,8 +125,8 @@ std::optional<Failure> take_whole(Scan& scan, const FileOperation& operation)
     return failure ? failure : take_file(scan, operation, 0);
 }
 
-std::optional<Failure> take_limited(Scan& scan, const FileOperation& operation, TypedRange& range,
-                                    const QString& lower_suffix = {})
+std::optional<Failure> take_range_operation(Scan& scan, const FileOperation& operation,
+                                            TypedRange& range, const QString& lower_suffix = {})
 {
     if (auto failure = check_arguments(scan, operation, 3)) {
         return failure;
@@ -145,15 +145,16 @@ std::optional<Failure> on_write(Scan& scan)
                        "Filename string must follow -w write option, aborting...\n", "write"});
 }
 
-std::optional<Failure> on_limited_write(Scan& scan)
+std::optional<Failure> on_write_range(Scan& scan)
 {
-    return take_limited(scan,
-                        {&Settings::limited_write_wanted, &Settings::write_file,
-                         "You specified a write operation more than once, aborting...\n",
-                         "lower and upper address plus filename must follow -W limited write "
-                         "option, aborting...\n",
-                         "write"},
-                        scan.settings.write_range);
+    return take_range_operation(
+        scan,
+        {&Settings::write_range_wanted, &Settings::write_file,
+         "You specified a write operation more than once, aborting...\n",
+         "lower and upper address plus filename must follow -W limited write "
+         "option, aborting...\n",
+         "write"},
+        scan.settings.write_range);
 }
 
 std::optional<Failure> on_read(Scan& scan)
@@ -165,21 +166,22 @@ std::optional<Failure> on_read(Scan& scan)
 
 /// The value of the failed conversion, always 0, is shown after the message about the lower
 /// address.
-std::optional<Failure> on_limited_read(Scan& scan)
+std::optional<Failure> on_read_range(Scan& scan)
 {
-    return take_limited(scan,
-                        {&Settings::limited_read_wanted, &Settings::read_file,
-                         "You specified a read operation more than once, aborting...\n",
-                         "lower and upper address plus filename must follow -l limited read "
-                         "option, aborting...\n",
-                         "read"},
-                        scan.settings.read_range, QStringLiteral("0"));
+    return take_range_operation(
+        scan,
+        {&Settings::read_range_wanted, &Settings::read_file,
+         "You specified a read operation more than once, aborting...\n",
+         "lower and upper address plus filename must follow -l limited read "
+         "option, aborting...\n",
+         "read"},
+        scan.settings.read_range, QStringLiteral("0"));
 }
 
-std::optional<Failure> on_limited_erase(Scan& scan)
+std::optional<Failure> on_erase_range(Scan& scan)
 {
     Settings& settings = scan.settings;
-    if (settings.limited_erase_wanted) {
+    if (settings.erase_range_wanted) {
         return Failure{QStringLiteral(
             "You specified a limited erase operation more than once, aborting...\n")};
     }
@@ -187,7 +189,7 @@ std::optional<Failure> on_limited_erase(Scan& scan)
         return Failure{QStringLiteral(
             "lower and upper address must follow -E limited erase option, aborting...\n")};
     }
-    settings.limited_erase_wanted = true;
+    settings.erase_range_wanted = true;
     return parse_range(scan, QLatin1String("erase"), settings.erase_range);
 }
 
@@ -278,10 +280,10 @@ const std::array<Option, 18> OPTIONS{{
     {QLatin1String("-M"), 1, on_baud},
     {QLatin1String("-B"), 1, on_bootloader_version},
     {QLatin1String("-w"), 1, on_write},
-    {QLatin1String("-W"), 3, on_limited_write},
+    {QLatin1String("-W"), 3, on_write_range},
     {QLatin1String("-r"), 1, on_read},
-    {QLatin1String("-l"), 3, on_limited_read},
-    {QLatin1String("-E"), 2, on_limited_erase},
+    {QLatin1String("-l"), 3, on_read_range},
+    {QLatin1String("-E"), 2, on_erase_range},
     {QLatin1String("-v"), 1, on_verify},
     {QLatin1String("-wv"), 1, on_write_and_verify},
     {QLatin1String("-R"), 0, on_reset},

@@ -19,17 +19,17 @@ struct Settings {
     unsigned int bootloader_version = 0; ///< 0: not given
 
     bool write_wanted = false;
-    bool limited_write_wanted = false;
+    bool write_range_wanted = false;
     TypedRange write_range;
     QString write_file;
 
     bool read_wanted = false;
-    bool limited_read_wanted = false;
+    bool read_range_wanted = false;
     TypedRange read_range;
     QString read_file;
 
     bool erase_all_wanted = false;
-    bool limited_erase_wanted = false;
+    bool erase_range_wanted = false;
     TypedRange erase_range;
 
     bool verify_wanted = false;

@@ -45,21 +45,21 @@ std::vector<Step> steps_of(const Settings& settings, bool read_file_lost)
     if (settings.erase_all_wanted) {
         steps.push_back({"", "", false, "", "Erased all flash!\n",
                          "Erase all flash failed? Aborting...\n", Verdict::Erase, true});
-    } else if (settings.limited_erase_wanted) {
+    } else if (settings.erase_range_wanted) {
         steps.push_back({"", "", false, "", "Erased flash range!\n",
                          "Failed to erase flash range, aborting...\n", Verdict::Erase, true});
     }
     if (settings.write_wanted) {
         steps.push_back({"write", "Now writing", false, "", "Memory written!\n",
                          "Failed to write memory, aborting...\n", Verdict::Write, true});
-    } else if (settings.limited_write_wanted) {
+    } else if (settings.write_range_wanted) {
         steps.push_back({"write", "Now writing", false, "", "Memory range written!\n",
                          "Failed to write memory range, aborting...\n", Verdict::Write, true});
     }
     if (settings.read_wanted) {
         steps.push_back({"", read, false, "", "Memory read!\n",
                          "Failed to read memory, aborting...\n", Verdict::Read, false});
-    } else if (settings.limited_read_wanted) {
+    } else if (settings.read_range_wanted) {
         steps.push_back({"", read, false, "", "Memory range read!\n",
                          "Failed to read memory range, aborting...\n", Verdict::Read, false});
     }

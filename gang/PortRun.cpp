@@ -12,7 +12,7 @@ namespace
 int phases_of(const Settings& settings, bool certified)
 {
     const bool writes =
-        settings.write_and_verify_wanted || settings.write_wanted || settings.limited_write_wanted;
+        settings.write_and_verify_wanted || settings.write_wanted || settings.write_range_wanted;
     const bool verifies = settings.verify_wanted && !settings.write_and_verify_wanted;
     return (writes ? 1 : 0) + (verifies ? 1 : 0) + (certified ? 1 : 0);
 }

@@ -112,8 +112,8 @@ QString ToolCommand::written_image() const
     if (m_settings.write_and_verify_wanted) {
         return m_settings.write_and_verify_file;
     }
-    return m_settings.write_wanted || m_settings.limited_write_wanted ? m_settings.write_file
-                                                                      : QString();
+    return m_settings.write_wanted || m_settings.write_range_wanted ? m_settings.write_file
+                                                                    : QString();
 }
 
 /// With "-wv" nothing is read, whatever else is asked for.
@@ -135,8 +135,8 @@ QStringList ToolCommand::doubts() const
     }
     const Settings& settings = m_settings;
     if (settings.write_and_verify_wanted &&
-        (settings.write_wanted || settings.limited_write_wanted || settings.read_wanted ||
-         settings.limited_read_wanted || settings.verify_wanted || settings.limited_erase_wanted)) {
+        (settings.write_wanted || settings.write_range_wanted || settings.read_wanted ||
+         settings.read_range_wanted || settings.verify_wanted || settings.erase_range_wanted)) {
         doubts << QStringLiteral("beside -wv, zserial carries out none of -E, -w, -W, -r, -l, -v");
     }
     if (settings.version_request_wanted && settings.bootloader_version == 0) {

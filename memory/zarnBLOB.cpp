@@ -96,7 +96,7 @@ void zarnBLOB::extend_to(unsigned int size)
 }
 
 template <typename Action>
-void zarnBLOB::for_each_stretch(unsigned int offset, unsigned int count, Action action) const
+void zarnBLOB::for_each_slab_part(unsigned int offset, unsigned int count, Action action) const
 {
     while (count > 0) {
         const unsigned int index = slab_of_chunk(offset / m_chunk_size);
@@ -113,7 +113,7 @@ void zarnBLOB::for_each_stretch(unsigned int offset, unsigned int count, Action 
 unsigned int zarnBLOB::read(unsigned int offset, unsigned int count, char* dst) const
 {
     const unsigned int copied = std::min(count, m_size - std::min(offset, m_size));
-    for_each_stretch(offset, copied, [&dst](const char* bytes, unsigned int length) {
+    for_each_slab_part(offset, copied, [&dst](const char* bytes, unsigned int length) {
         std::memcpy(dst, bytes, length);
         dst += length;
     });
@@ -134,7 +134,7 @@ void zarnBLOB::write(unsigned int offset, unsigned int count, const char* src)
         return;
     }
     extend_to(offset + count);
-    for_each_stretch(offset, count, [&src](char* bytes, unsigned int length) {
+    for_each_slab_part(offset, count, [&src](char* bytes, unsigned int length) {
         std::memcpy(bytes, src, length);
         src += length;
     });
@@ -154,8 +154,8 @@ unsigned int zarnBLOB::load_from_file(QString path)
     }
     extend_to(static_cast<unsigned int>(file.size()));
     // A file that gets shorter while it is read leaves zeros, as its size was taken before.
-    for_each_stretch(0, m_size,
-                     [&file](char* bytes, unsigned int length) { file.read(bytes, length); });
+    for_each_slab_part(0, m_size,
+                       [&file](char* bytes, unsigned int length) { file.read(bytes, length); });
     return m_size;
 }
 
@@ -168,7 +168,7 @@ unsigned int zarnBLOB::save_to_file(QString path) const
     // The last chunk contributes size % chunk_size bytes, which is none when it is full.
     const bool last_chunk_is_full = m_size > 0 && m_size % m_chunk_size == 0;
     const unsigned int count = last_chunk_is_full ? m_size - m_chunk_size : m_size;
-    for_each_stretch(
+    for_each_slab_part(
         0, count, [&file](const char* bytes, unsigned int length) { file.write(bytes, length); });
     return m_size;
 }

@@ -55,10 +55,10 @@ private:
     void add_slab();
     /// Makes room for `size` bytes and counts them as used; never shrinks.
     void extend_to(unsigned int size);
-    /// Calls action(char* bytes, unsigned int length) for each stretch of [offset, offset + count)
+    /// Calls action(char* bytes, unsigned int length) for each part of [offset, offset + count)
     /// that lies together in storage, in order. The range must be in use.
     template <typename Action>
-    void for_each_stretch(unsigned int offset, unsigned int count, Action action) const;
+    void for_each_slab_part(unsigned int offset, unsigned int count, Action action) const;
 
     unsigned int m_size = 0;
     unsigned int m_chunk_size;

@@ -148,24 +148,24 @@ bool DeviceMemory::stick_bits(unsigned int address, unsigned char mask, bool lev
     return true;
 }
 
-std::vector<DeviceMemory::Stretch> DeviceMemory::programmed_stretches() const
+std::vector<DeviceMemory::ProgrammedRange> DeviceMemory::programmed_ranges() const
 {
-    std::vector<Stretch> stretches;
-    std::uint64_t next = 0; // where the stretch at the end of the list would go on
+    std::vector<ProgrammedRange> ranges;
+    std::uint64_t next = 0; // where the range at the end of the list would go on
     for (const auto& [number, cells] : m_blocks) {
         for (int i = 0; i < cells.size(); ++i) {
             if (cells.at(i) == erased) {
                 continue;
             }
             const std::uint64_t address = number * block_size + static_cast<std::uint64_t>(i);
-            if (stretches.empty() || address != next) {
-                stretches.push_back({static_cast<unsigned int>(address), {}});
+            if (ranges.empty() || address != next) {
+                ranges.push_back({static_cast<unsigned int>(address), {}});
             }
-            stretches.back().bytes.append(cells.at(i));
+            ranges.back().bytes.append(cells.at(i));
             next = address + 1;
         }
     }
-    return stretches;
+    return ranges;
 }
 
 unsigned char DeviceMemory::cell(std::uint64_t address) const

@@ -27,7 +27,7 @@ public:
     };
 
     /// Bytes that follow each other in memory.
-    struct Stretch {
+    struct ProgrammedRange {
         unsigned int address;
         QByteArray bytes;
     };
@@ -64,8 +64,8 @@ public:
     /// them. False, with nothing done, when the device has no such byte.
     bool stick_bits(unsigned int address, unsigned char mask, bool level);
 
-    /// Every stretch of flash and EEPROM that is not 0xFF, in ascending order.
-    std::vector<Stretch> programmed_stretches() const;
+    /// Every range of flash and EEPROM that is not 0xFF, in ascending order.
+    std::vector<ProgrammedRange> programmed_ranges() const;
 
     const Statistics& statistics() const { return m_statistics; }
 

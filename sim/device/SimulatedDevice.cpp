@@ -124,7 +124,7 @@ int SimulatedDevice::work_ms(const Exchange& exchange) const
 }
 
 /// The echo of bytes in which several commands came together precedes the answers to all of them.
-void SimulatedDevice::echo(const Piece& heard, qint64 now_ns, const std::vector<Reply>& replies)
+void SimulatedDevice::echo(const Burst& heard, qint64 now_ns, const std::vector<Reply>& replies)
 {
     const bool answered_at_once = std::any_of(
         replies.begin(), replies.end(), [](const Reply& reply) { return reply.is_immediate(); });
@@ -151,14 +151,14 @@ void SimulatedDevice::post(const Reply& reply)
     const bool apart = reply.deliveries.size() > 1 || holds_answers_back();
     bool is_first = true;
     for (const Delivery& delivery : reply.deliveries) {
-        Piece piece{delivery.bytes, reply.baud};
+        Burst burst{delivery.bytes, reply.baud};
         if (is_first && reply.is_immediate() && !m_held_echo.isEmpty()) {
-            piece = {m_held_echo + delivery.bytes, reply.baud, m_held_echo.size(), true};
+            burst = {m_held_echo + delivery.bytes, reply.baud, m_held_echo.size(), true};
             m_held_echo.clear();
         }
         is_first = false;
         const qint64 delay_ns = std::max(delivery.delay_ms, 0) * ns_per_ms;
-        m_outbox.post(piece, reply.ready_ns + delay_ns, apart);
+        m_outbox.post(burst, reply.ready_ns + delay_ns, apart);
     }
 }
 

@@ -30,7 +30,7 @@ enum class Echo { None, Apart, Together };
 /// How a line that has an echo brings it.
 constexpr std::array<Named<Echo>, 2> echoes = {{
     {Echo::Apart, "apart", "can be read before the answer, unless times bring both together"},
-    {Echo::Together, "together", "comes in one piece with the answer"},
+    {Echo::Together, "together", "comes together with the answer"},
 }};
 
 struct Options {
@@ -137,7 +137,7 @@ private:
     std::vector<Delivery> deliveries_for(const Exchange& exchange) const;
     int work_ms(const Exchange& exchange) const;
     bool holds_answers_back() const;
-    void echo(const Piece& heard, qint64 now_ns, const std::vector<Reply>& replies);
+    void echo(const Burst& heard, qint64 now_ns, const std::vector<Reply>& replies);
     void post(const Reply& reply);
 
     const Profile& m_profile;

@@ -57,17 +57,17 @@ void Line::take_from_host(const QByteArray& bytes, unsigned int baud)
     move_on();
 }
 
-void Line::send(const Piece& piece)
+void Line::send(const Burst& burst)
 {
     if (!m_terminal.is_plugged_in()) {
         return;
     }
     const qint64 now_ns = Alarm::now_ns();
     if (m_options.paced) {
-        m_use.add(line_time_ns(piece.bytes.size() - piece.passed, piece.baud), now_ns);
-        m_to_host.add(piece, m_hearing_ns.value_or(now_ns));
+        m_use.add(line_time_ns(burst.bytes.size() - burst.passed, burst.baud), now_ns);
+        m_to_host.add(burst, m_hearing_ns.value_or(now_ns));
     } else {
-        hand_to_host(m_adapter.add(piece.bytes, now_ns));
+        hand_to_host(m_adapter.add(burst.bytes, now_ns));
     }
     if (!m_hearing_ns) {
         move_on();
@@ -147,7 +147,7 @@ void Line::set_alarm()
     if (!next) {
         return;
     }
-    // A receiver waits for the end of a piece; exact timing of every slice would keep a core busy.
+    // A receiver waits for the end of a burst; exact timing of every slice would keep a core busy.
     if (m_to_device.next_is_ending() || m_to_host.next_is_ending()) {
         m_alarm.set_exactly(*next);
     } else {

@@ -49,7 +49,7 @@ public:
     bool device_has_unread() const { return !m_to_device.is_empty(); }
 
     /// Sends to the host, as long as the line is plugged in.
-    void send(const Piece& piece);
+    void send(const Burst& burst);
     /// See PseudoTerminal::unplug().
     void unplug();
 

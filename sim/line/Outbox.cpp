@@ -13,7 +13,7 @@ namespace
 /// Bytes just written need a moment to get through the terminal before they count as waiting for
 /// the host; until then "nothing waiting" does not mean that they have been read.
 constexpr qint64 settle_ns = 2000000;
-/// A host that has not read after so many looks, at least this far apart, will not read pieces
+/// A host that has not read after so many looks, at least this far apart, will not read bursts
 /// separately. Looks are counted instead of time, because a machine that stalls for a while is not
 /// a host that doesn't read.
 constexpr int patience = 50;
@@ -26,17 +26,17 @@ Outbox::Outbox(Line& line) : m_line(line)
     connect(&m_alarm, &Alarm::went_off, this, &Outbox::send_due);
 }
 
-void Outbox::post(const Piece& piece, qint64 due_ns, bool apart)
+void Outbox::post(const Burst& burst, qint64 due_ns, bool apart)
 {
     if (m_waiting_bytes + m_line.bytes_for_host() >= room) {
-        m_lost_bytes += piece.bytes.size();
+        m_lost_bytes += burst.bytes.size();
         return;
     }
-    // From the end, where nearly every piece belongs.
+    // From the end, where nearly every burst belongs.
     const auto earlier = std::find_if(m_entries.rbegin(), m_entries.rend(),
                                       [due_ns](const Entry& e) { return e.due_ns <= due_ns; });
-    m_entries.insert(earlier.base(), {piece, due_ns, apart, 0});
-    m_waiting_bytes += piece.bytes.size();
+    m_entries.insert(earlier.base(), {burst, due_ns, apart, 0});
+    m_waiting_bytes += burst.bytes.size();
     send_due();
 }
 
@@ -56,10 +56,10 @@ void Outbox::send_due()
             m_alarm.set(next_ns);
             return;
         }
-        const Piece piece = m_entries.front().piece;
+        const Burst burst = m_entries.front().burst;
         m_entries.pop_front();
-        m_waiting_bytes -= piece.bytes.size();
-        m_line.send(piece);
+        m_waiting_bytes -= burst.bytes.size();
+        m_line.send(burst);
         m_last_write_ns = Alarm::now_ns();
     }
 }

@@ -19,7 +19,7 @@ struct Delivery {
     int delay_ms = 0;
 };
 
-/// Puts pieces on the line when they are due, in the order of their times and, for equal times,
+/// Puts bursts on the line when they are due, in the order of their times and, for equal times,
 /// in the order in which they were posted.
 class Outbox : public QObject
 {
@@ -29,11 +29,11 @@ public:
     /// The line must outlive the outbox.
     explicit Outbox(Line& line);
 
-    /// `due_ns` is by the clock of Alarm. A piece that is due with nothing before it goes out at
+    /// `due_ns` is by the clock of Alarm. A burst that is due with nothing before it goes out at
     /// once. One that is `apart` is held back until the host has read everything before it, so that
     /// no single read of the host returns both; a host that does not read at all gets it after a
     /// while all the same.
-    void post(const Piece& piece, qint64 due_ns, bool apart);
+    void post(const Burst& burst, qint64 due_ns, bool apart);
     /// Drops everything that has not gone out.
     void clear();
 
@@ -45,7 +45,7 @@ public:
 
 private:
     struct Entry {
-        Piece piece;
+        Burst burst;
         qint64 due_ns;
         bool apart;
         int looks; ///< at whether it may go yet

@@ -7,20 +7,20 @@
 namespace sim
 {
 
-void PacedQueue::add(const Piece& piece, qint64 now_ns)
+void PacedQueue::add(const Burst& burst, qint64 now_ns)
 {
     const qint64 start_ns = std::max(now_ns, m_free_ns);
-    const QByteArray timed = piece.bytes.mid(piece.passed);
-    if (piece.whole) {
-        m_free_ns = start_ns + line_time_ns(timed.size(), piece.baud);
-        append({piece.bytes, piece.baud, m_free_ns, true, true});
+    const QByteArray timed = burst.bytes.mid(burst.passed);
+    if (burst.whole) {
+        m_free_ns = start_ns + line_time_ns(timed.size(), burst.baud);
+        append({burst.bytes, burst.baud, m_free_ns, true, true});
         return;
     }
-    if (piece.passed > 0) {
-        append({piece.bytes.left(piece.passed), piece.baud, start_ns, timed.isEmpty(),
+    if (burst.passed > 0) {
+        append({burst.bytes.left(burst.passed), burst.baud, start_ns, timed.isEmpty(),
                 timed.isEmpty()});
     }
-    add_slices(timed, piece.baud, start_ns);
+    add_slices(timed, burst.baud, start_ns);
 }
 
 void PacedQueue::append(const Due& due)

@@ -9,14 +9,14 @@
 namespace sim
 {
 
-/// One piece of traffic in one direction.
-struct Piece {
+/// A burst of bytes in one direction.
+struct Burst {
     QByteArray bytes;
     unsigned int baud = 0;
     /// So many of the first bytes have had their time on the line already, as the echo of something
     /// that was sent.
     int passed = 0;
-    bool whole = false; ///< comes in one piece, when its last byte has passed
+    bool whole = false; ///< arrives at once, when its last byte has passed
 };
 
 /// One direction of a line that takes its time. Knows no clock: times are handed in, in
@@ -28,17 +28,17 @@ public:
         QByteArray bytes;
         unsigned int baud = 0;
         qint64 due_ns = 0;
-        bool last = false;   ///< ends its piece
-        bool ending = false; ///< among the last bytes of its piece
+        bool last = false;   ///< ends its burst
+        bool ending = false; ///< among the last bytes of its burst
     };
 
-    /// The piece begins at `now_ns` or, if later, when everything before it has passed.
-    void add(const Piece& piece, qint64 now_ns);
+    /// The burst begins at `now_ns` or, if later, when everything before it has passed.
+    void add(const Burst& burst, qint64 now_ns);
     /// The next bytes that have passed by `now_ns`.
     std::optional<Due> take(qint64 now_ns);
     /// When there will be something to take.
     std::optional<qint64> next_due_ns() const;
-    /// That will be among the last bytes of its piece, for which a receiver waits.
+    /// That will be among the last bytes of its burst, for which a receiver waits.
     bool next_is_ending() const;
 
     bool is_empty() const { return m_waiting.empty(); }

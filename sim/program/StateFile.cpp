@@ -32,10 +32,10 @@ QByteArray line_of(unsigned int address, const QByteArray& bytes)
 QList<QByteArray> lines_of(const DeviceMemory& memory, unsigned int version)
 {
     QList<QByteArray> lines = {title(version)};
-    for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
-        for (int done = 0; done < stretch.bytes.size(); done += bytes_per_line) {
-            lines.append(line_of(stretch.address + static_cast<unsigned int>(done),
-                                 stretch.bytes.mid(done, bytes_per_line)));
+    for (const DeviceMemory::ProgrammedRange& range : memory.programmed_ranges()) {
+        for (int done = 0; done < range.bytes.size(); done += bytes_per_line) {
+            lines.append(line_of(range.address + static_cast<unsigned int>(done),
+                                 range.bytes.mid(done, bytes_per_line)));
         }
     }
     lines.append(end_line);

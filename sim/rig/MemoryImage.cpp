@@ -75,18 +75,19 @@ QString agreement_text(const QString& path, unsigned int matching)
         .arg(path, QString::number(matching));
 }
 
-/// The records of one stretch, each within one 64 KiB segment as readers of such files expect.
-void append_stretch(QByteArray& text, const DeviceMemory::Stretch& stretch, unsigned short& upper)
+/// The records of one range, each within one 64 KiB segment as readers of such files expect.
+void append_range(QByteArray& text, const DeviceMemory::ProgrammedRange& range,
+                  unsigned short& upper)
 {
-    const auto size = static_cast<unsigned int>(stretch.bytes.size());
+    const auto size = static_cast<unsigned int>(range.bytes.size());
     AddressedBLOB blob(chunk_size);
-    blob.address = stretch.address;
-    blob.write(0, size, stretch.bytes.constData());
+    blob.address = range.address;
+    blob.write(0, size, range.bytes.constData());
     for (unsigned int done = 0; done < size;) {
-        const unsigned int address = stretch.address + done;
-        const unsigned int piece = std::min(size - done, 0x10000U - (address & 0xFFFFU));
-        intel_hex::append_content(text, blob, done, piece, upper);
-        done += piece;
+        const unsigned int address = range.address + done;
+        const unsigned int part = std::min(size - done, 0x10000U - (address & 0xFFFFU));
+        intel_hex::append_content(text, blob, done, part, upper);
+        done += part;
     }
 }
 
@@ -94,8 +95,8 @@ QByteArray image_text(const DeviceMemory& memory)
 {
     QByteArray text;
     unsigned short upper = 0;
-    for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
-        append_stretch(text, stretch, upper);
+    for (const DeviceMemory::ProgrammedRange& range : memory.programmed_ranges()) {
+        append_range(text, range, upper);
     }
     intel_hex::append_end_record(text);
     return text;

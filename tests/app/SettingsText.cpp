@@ -25,12 +25,12 @@ std::string text_of(const Settings& settings)
          << settings.entry_procedure_wanted << "\nversion_request_wanted "
          << settings.version_request_wanted << "\nbootloader_version "
          << settings.bootloader_version << "\nwrite_wanted " << settings.write_wanted
-         << "\nlimited_write_wanted " << settings.limited_write_wanted << "\nwrite_range "
+         << "\nwrite_range_wanted " << settings.write_range_wanted << "\nwrite_range "
          << settings.write_range << "\nwrite_file " << settings.write_file << "\nread_wanted "
-         << settings.read_wanted << "\nlimited_read_wanted " << settings.limited_read_wanted
+         << settings.read_wanted << "\nread_range_wanted " << settings.read_range_wanted
          << "\nread_range " << settings.read_range << "\nread_file " << settings.read_file
-         << "\nerase_all_wanted " << settings.erase_all_wanted << "\nlimited_erase_wanted "
-         << settings.limited_erase_wanted << "\nerase_range " << settings.erase_range
+         << "\nerase_all_wanted " << settings.erase_all_wanted << "\nerase_range_wanted "
+         << settings.erase_range_wanted << "\nerase_range " << settings.erase_range
          << "\nverify_wanted " << settings.verify_wanted << "\nverify_file " << settings.verify_file
          << "\nwrite_and_verify_wanted " << settings.write_and_verify_wanted
          << "\nwrite_and_verify_file " << settings.write_and_verify_file << "\nreset_wanted "

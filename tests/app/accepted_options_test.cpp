@@ -134,13 +134,13 @@ const AcceptedLine accepted_lines[] = {
      }},
     {"limited_write", "-W 0x80 128 fw.hex",
      [](Settings& s) {
-         s.limited_write_wanted = true;
+         s.write_range_wanted = true;
          s.write_range = {128, 128};
          s.write_file = QStringLiteral("fw.hex");
      }},
     {"limited_write_with_the_ends_reversed", "-W 2 1 fw.hex",
      [](Settings& s) {
-         s.limited_write_wanted = true;
+         s.write_range_wanted = true;
          s.write_range = {2, 1};
          s.write_file = QStringLiteral("fw.hex");
      }},
@@ -151,13 +151,13 @@ const AcceptedLine accepted_lines[] = {
      }},
     {"limited_read", "-l 0 0xFFFFFFFF out.hex",
      [](Settings& s) {
-         s.limited_read_wanted = true;
+         s.read_range_wanted = true;
          s.read_range = {0, 0xFFFFFFFF};
          s.read_file = QStringLiteral("out.hex");
      }},
     {"limited_erase_with_octal_lower_address", "-E 010 0x20",
      [](Settings& s) {
-         s.limited_erase_wanted = true;
+         s.erase_range_wanted = true;
          s.erase_range = {8, 0x20};
      }},
     {"verify", "-v fw.hex",
@@ -215,7 +215,7 @@ const AcceptedLine accepted_lines[] = {
      }},
     {"option_taken_as_limited_write_file", "-W 1 2 -W",
      [](Settings& s) {
-         s.limited_write_wanted = true;
+         s.write_range_wanted = true;
          s.write_range = {1, 2};
          s.write_file = QStringLiteral("-W");
      }},
@@ -231,13 +231,13 @@ const AcceptedLine accepted_lines[] = {
 
     {"write_and_limited_write_share_a_file", "-w a.hex -W 0 1 b.hex",
      [](Settings& s) {
-         s.write_wanted = s.limited_write_wanted = true;
+         s.write_wanted = s.write_range_wanted = true;
          s.write_range = {0, 1};
          s.write_file = QStringLiteral("b.hex");
      }},
     {"read_and_limited_read_share_a_file", "-l 0 1 a.hex -r b.hex",
      [](Settings& s) {
-         s.read_wanted = s.limited_read_wanted = true;
+         s.read_wanted = s.read_range_wanted = true;
          s.read_range = {0, 1};
          s.read_file = QStringLiteral("b.hex");
      }},
@@ -255,7 +255,7 @@ const AcceptedLine accepted_lines[] = {
      }},
     {"limited_write_before_write_and_verify", "-W 0 1 a.hex -wv b.hex",
      [](Settings& s) {
-         s.limited_write_wanted = s.write_and_verify_wanted = true;
+         s.write_range_wanted = s.write_and_verify_wanted = true;
          s.write_range = {0, 1};
          s.write_file = QStringLiteral("a.hex");
          s.write_and_verify_file = QStringLiteral("b.hex");

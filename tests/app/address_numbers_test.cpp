@@ -28,19 +28,19 @@ struct RangeOption {
 const RangeOption range_options[] = {
     {"Write", "-W", " fw.hex", "write", "",
      [](Settings& settings, TypedRange range) {
-         settings.limited_write_wanted = true;
+         settings.write_range_wanted = true;
          settings.write_range = range;
          settings.write_file = QStringLiteral("fw.hex");
      }},
     {"Read", "-l", " fw.hex", "read", "0",
      [](Settings& settings, TypedRange range) {
-         settings.limited_read_wanted = true;
+         settings.read_range_wanted = true;
          settings.read_range = range;
          settings.read_file = QStringLiteral("fw.hex");
      }},
     {"Erase", "-E", "", "erase", "",
      [](Settings& settings, TypedRange range) {
-         settings.limited_erase_wanted = true;
+         settings.erase_range_wanted = true;
          settings.erase_range = range;
      }},
 };

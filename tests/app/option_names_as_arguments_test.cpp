@@ -39,7 +39,7 @@ const Taker takers[] = {
     {"LimitedWrite",
      {QStringLiteral("-W"), QStringLiteral("1"), QStringLiteral("2")},
      [](Settings& settings, const QString& name) {
-         settings.limited_write_wanted = true;
+         settings.write_range_wanted = true;
          settings.write_range = {1, 2};
          settings.write_file = name;
      }},
@@ -52,7 +52,7 @@ const Taker takers[] = {
     {"LimitedRead",
      {QStringLiteral("-l"), QStringLiteral("1"), QStringLiteral("2")},
      [](Settings& settings, const QString& name) {
-         settings.limited_read_wanted = true;
+         settings.read_range_wanted = true;
          settings.read_range = {1, 2};
          settings.read_file = name;
      }},

@@ -54,24 +54,24 @@ void want_nothing(Settings& s)
 
 const CheckCase conflicts[] = {
     {"nothing", [](Settings&) {}, ""},
-    {"two_reads", [](Settings& s) { s.read_wanted = s.limited_read_wanted = true; }, two_reads},
-    {"two_writes", [](Settings& s) { s.write_wanted = s.limited_write_wanted = true; }, two_writes},
-    {"two_erases", [](Settings& s) { s.erase_all_wanted = s.limited_erase_wanted = true; },
+    {"two_reads", [](Settings& s) { s.read_wanted = s.read_range_wanted = true; }, two_reads},
+    {"two_writes", [](Settings& s) { s.write_wanted = s.write_range_wanted = true; }, two_writes},
+    {"two_erases", [](Settings& s) { s.erase_all_wanted = s.erase_range_wanted = true; },
      two_erases},
     {"reads_come_before_writes",
      [](Settings& s) {
-         s.read_wanted = s.limited_read_wanted = true;
-         s.write_wanted = s.limited_write_wanted = true;
+         s.read_wanted = s.read_range_wanted = true;
+         s.write_wanted = s.write_range_wanted = true;
      },
      two_reads},
     {"writes_come_before_erases",
      [](Settings& s) {
-         s.write_wanted = s.limited_write_wanted = true;
-         s.erase_all_wanted = s.limited_erase_wanted = true;
+         s.write_wanted = s.write_range_wanted = true;
+         s.erase_all_wanted = s.erase_range_wanted = true;
      },
      two_writes},
     {"write_and_verify_takes_no_part",
-     [](Settings& s) { s.write_and_verify_wanted = s.limited_write_wanted = true; }, ""},
+     [](Settings& s) { s.write_and_verify_wanted = s.write_range_wanted = true; }, ""},
     {"write_and_verify_beside_write",
      [](Settings& s) { s.write_and_verify_wanted = s.write_wanted = true; }, ""},
     {"one_of_each",
@@ -80,9 +80,7 @@ const CheckCase conflicts[] = {
      },
      ""},
     {"one_limited_of_each",
-     [](Settings& s) {
-         s.limited_read_wanted = s.limited_write_wanted = s.limited_erase_wanted = true;
-     },
+     [](Settings& s) { s.read_range_wanted = s.write_range_wanted = s.erase_range_wanted = true; },
      ""},
     {"two_ways_to_the_version",
      [](Settings& s) { s.version_request_wanted = s.entry_procedure_wanted = true; }, ""},
@@ -126,13 +124,13 @@ const CheckCase requests[] = {
     {"limited_read",
      [](Settings& s) {
          want_nothing(s);
-         s.limited_read_wanted = true;
+         s.read_range_wanted = true;
      },
      ""},
     {"limited_write",
      [](Settings& s) {
          want_nothing(s);
-         s.limited_write_wanted = true;
+         s.write_range_wanted = true;
      },
      ""},
     {"write",
@@ -156,7 +154,7 @@ const CheckCase requests[] = {
     {"limited_erase",
      [](Settings& s) {
          want_nothing(s);
-         s.limited_erase_wanted = true;
+         s.erase_range_wanted = true;
      },
      ""},
     {"version_request_of_a_version_that_is_given",

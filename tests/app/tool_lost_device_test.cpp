@@ -93,10 +93,10 @@ public:
     /// The device gets its power back, or its line.
     void restart()
     {
-        const auto remains = m_device->memory().programmed_stretches();
+        const auto remains = m_device->memory().programmed_ranges();
         plug_in({});
-        for (const auto& stretch : remains) {
-            m_device->memory().preset(stretch.address, stretch.bytes);
+        for (const auto& range : remains) {
+            m_device->memory().preset(range.address, range.bytes);
         }
         start();
     }

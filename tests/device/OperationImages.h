@@ -47,7 +47,7 @@ inline MemoryMap image_of(const Extents& extents)
     return image;
 }
 
-/// Stretches of bytes by their first address.
+/// Ranges of bytes by their first address.
 using Content = std::map<unsigned int, QByteArray>;
 
 inline Content content_of(const Extents& extents)

@@ -75,7 +75,7 @@ TEST(EraseAll, ErasesTheDevicesPages)
     line.simulated.memory().preset(0x0FF0, QByteArray(0x10, '\0'));
     EXPECT_TRUE(line.device.erase_all(true, true));
     EXPECT_EQ(line.simulated.memory().statistics().pages_erased, 300U);
-    const auto left = line.simulated.memory().programmed_stretches();
+    const auto left = line.simulated.memory().programmed_ranges();
     ASSERT_EQ(left.size(), 1U);
     EXPECT_EQ(left.front().address, 0x0FF0U);
     EXPECT_EQ(left.front().bytes, QByteArray(0x10, '\0'));

@@ -16,7 +16,7 @@ TEST(UnitCount, CountsWholeUnits)
     EXPECT_EQ(rows.partial(), 0U);
 }
 
-TEST(UnitCount, CountsAUnitThatTwoStretchesShareOnce)
+TEST(UnitCount, CountsAUnitThatTwoRangesShareOnce)
 {
     UnitCount rows(16);
     rows.add(0, 4);
@@ -25,7 +25,7 @@ TEST(UnitCount, CountsAUnitThatTwoStretchesShareOnce)
     EXPECT_EQ(rows.partial(), 1U);
 }
 
-TEST(UnitCount, JoinsStretchesThatFillAUnitTogether)
+TEST(UnitCount, JoinsRangesThatFillAUnitTogether)
 {
     UnitCount rows(16);
     rows.add(0, 4);

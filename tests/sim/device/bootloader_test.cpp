@@ -349,9 +349,9 @@ TEST_P(SimBootloaderRefusals, LeadToSilenceAndLeaveTheMemoryAlone)
     EXPECT_EQ(exchange.command.payload, GetParam().payload);
     EXPECT_EQ(exchange.command.refused, GetParam().kind != Command::Kind::Unknown);
     EXPECT_EQ(exchange.answer, silence);
-    const auto stretches = device.memory.programmed_stretches();
-    ASSERT_EQ(stretches.size(), 1U);
-    EXPECT_EQ(stretches.front().bytes, bytes("11"));
+    const auto ranges = device.memory.programmed_ranges();
+    ASSERT_EQ(ranges.size(), 1U);
+    EXPECT_EQ(ranges.front().bytes, bytes("11"));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -480,7 +480,7 @@ TEST(SimBootloader, AcknowledgesWritesOfWhichNothingIsStored)
     EXPECT_EQ(device.ask(flash_row).answer, make_frame(bytes("02")));
     const QByteArray eeprom_row = bytes("05 10 00 00 00") + QByteArray(0x10, '\x22');
     EXPECT_EQ(device.ask(eeprom_row).answer, make_frame(bytes("05")));
-    EXPECT_TRUE(device.memory.programmed_stretches().empty());
+    EXPECT_TRUE(device.memory.programmed_ranges().empty());
     EXPECT_EQ(device.memory.statistics().flash_rows_programmed, 0U);
     EXPECT_EQ(device.memory.statistics().eeprom_writes, 0U);
     // What it refuses is not acknowledged, stored or not.

@@ -24,8 +24,8 @@ QByteArray erased(int count)
 std::vector<std::pair<unsigned int, QByteArray>> content(const DeviceMemory& memory)
 {
     std::vector<std::pair<unsigned int, QByteArray>> content;
-    for (const DeviceMemory::Stretch& stretch : memory.programmed_stretches()) {
-        content.emplace_back(stretch.address, stretch.bytes);
+    for (const DeviceMemory::ProgrammedRange& range : memory.programmed_ranges()) {
+        content.emplace_back(range.address, range.bytes);
     }
     return content;
 }
@@ -167,7 +167,7 @@ TEST_F(SimDeviceMemory, PresetsAnythingThatIsMemoryAndCountsTheRest)
     EXPECT_EQ(content(memory), expected);
 }
 
-TEST_F(SimDeviceMemory, ListsStretchesAcrossItsBlocksAndWithoutErasedBytes)
+TEST_F(SimDeviceMemory, ListsRangesAcrossItsBlocksAndWithoutErasedBytes)
 {
     memory.preset(0xFFE, bytes("01 02 03 04 FF 05"));
     const Content expected = {{0xFFE, bytes("01 02 03 04")}, {0x1003, bytes("05")}};

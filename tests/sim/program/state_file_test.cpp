@@ -88,11 +88,11 @@ TEST_F(SimStateFile, IsThatOfAFreshDeviceWhereThereIsNone)
 {
     DeviceMemory memory(*profile);
     state.load(memory);
-    EXPECT_TRUE(memory.programmed_stretches().empty());
+    EXPECT_TRUE(memory.programmed_ranges().empty());
     state.save(memory);
     EXPECT_EQ(content(), "zserial-sim state of device 0123\nend\n");
     state.load(memory);
-    EXPECT_TRUE(memory.programmed_stretches().empty());
+    EXPECT_TRUE(memory.programmed_ranges().empty());
 }
 
 TEST_F(SimStateFile, IsRefusedUnlessItIsWholeAndThisDevices)
