@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <fcntl.h>
 
+namespace test
+{
+
 using Moment = Loss::Moment;
 
 namespace
@@ -90,3 +93,5 @@ void LostDevice::unplug_when_read()
         m_device.unplug();
     }
 }
+
+} // namespace test

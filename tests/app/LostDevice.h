@@ -6,6 +6,9 @@
 
 #include <QTimer>
 
+namespace test
+{
+
 /// When and how a device is lost.
 struct Loss {
     enum class Of { Power, Line };
@@ -61,3 +64,5 @@ private:
     bool m_is_lost = false;
     QTimer m_reading_host;
 };
+
+} // namespace test

@@ -2,6 +2,9 @@
 
 #include "tests/support/Bytes.h"
 
+namespace test
+{
+
 namespace
 {
 
@@ -201,3 +204,5 @@ QByteArray operations_image()
 {
     return image_file(image);
 }
+
+} // namespace test

@@ -2,6 +2,9 @@
 
 #include "tests/app/QuadTest.h"
 
+namespace test
+{
+
 /// A command of an operation on QUAD.
 struct Step {
     std::string command;
@@ -35,3 +38,5 @@ std::vector<Operation> other_operations();
 
 /// image.hex: both rows of the page at 0x80, the first row of the page at 0x100, and EEPROM.
 QByteArray operations_image();
+
+} // namespace test

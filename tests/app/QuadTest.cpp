@@ -3,6 +3,9 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/HexRecords.h"
 
+namespace test
+{
+
 namespace
 {
 
@@ -157,3 +160,5 @@ void QuadTest::reply_from(unsigned int sequence, const QByteArray& reply, std::s
         return bytes.isEmpty() ? std::vector<sim::Delivery>{} : std::vector<sim::Delivery>{{bytes}};
     });
 }
+
+} // namespace test

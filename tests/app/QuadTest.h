@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 // QUAD is as small as a device with everything can be. Flash beyond its bootloader goes from 0x40
 // to 0x140, in pages of 0x40 bytes and rows of 0x20; the pages at 0x80 and 0xC0 are unencrypted.
 // EEPROM goes from 0x1000 to 0x1020 in rows of 0x10.
@@ -80,3 +83,5 @@ private:
 protected:
     sim::SimulatedDevice m_device;
 };
+
+} // namespace test

@@ -2,6 +2,9 @@
 
 #include "tests/app/Words.h"
 
+namespace test
+{
+
 std::vector<RefusedLine> refused_lines()
 {
     const QStringList empty_number{QStringLiteral("-M"), QString()};
@@ -144,3 +147,5 @@ std::vector<RefusedLine> refused_lines()
          "Please specify -M suggested baud rate in decimal (9600), you passed fast"},
     };
 }
+
+} // namespace test

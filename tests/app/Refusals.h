@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 /// A command line that the scan refuses, and the whole message. Files in the folder "nowhere" can't
 /// be opened.
 struct RefusedLine {
@@ -22,3 +25,5 @@ inline std::ostream& operator<<(std::ostream& stream, const RefusedLine& line)
 {
     return stream << line.arguments.join(QLatin1Char(' ')).toStdString();
 }
+
+} // namespace test

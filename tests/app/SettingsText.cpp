@@ -2,6 +2,9 @@
 
 #include <sstream>
 
+namespace test
+{
+
 namespace
 {
 
@@ -39,3 +42,5 @@ std::string text_of(const Settings& settings)
          << settings.log_file;
     return text.str();
 }
+
+} // namespace test

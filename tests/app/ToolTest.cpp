@@ -8,6 +8,9 @@
 #include <QFile>
 #include <QSerialPort>
 
+namespace test
+{
+
 namespace
 {
 
@@ -87,3 +90,5 @@ ToolResult ToolTest::run(const sim::SimulatedDevice& device, const char* argumen
 {
     return m_tool.run(QStringList{QStringLiteral("-s"), device.port_path()} + words(arguments));
 }
+
+} // namespace test

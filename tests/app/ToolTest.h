@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 /// The bytes of a file of tests/app/data.
 QByteArray test_data(const char* file_name);
 
@@ -59,3 +62,5 @@ protected:
 private:
     sim::DeviceTable m_table;
 };
+
+} // namespace test

@@ -9,6 +9,8 @@
 
 #include <ostream>
 
+using namespace test;
+
 namespace
 {
 

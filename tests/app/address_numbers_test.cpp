@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace test;
+
 // The three options that take two word addresses, each with every way to write a number.
 
 namespace

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace test;
+
 // The words after an option are its arguments, even those that are options themselves.
 
 namespace

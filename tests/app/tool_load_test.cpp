@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <memory>
 
+using namespace test;
+
 namespace
 {
 

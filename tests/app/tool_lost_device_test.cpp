@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <memory>
 
+using namespace test;
+
 // The device is lost at every command of every operation; then the same run is made again on what
 // is left of it. A lost command costs twelve seconds, so that the runs wait side by side.
 

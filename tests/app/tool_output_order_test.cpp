@@ -8,6 +8,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+using namespace test;
+
 // Progress and error lines leave at once, the rest when it is flushed. What comes out is the same
 // bytes in the same order, whatever standard output is.
 

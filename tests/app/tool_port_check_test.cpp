@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+using namespace test;
+
 namespace
 {
 

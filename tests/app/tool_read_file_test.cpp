@@ -7,6 +7,8 @@
 
 #include <unistd.h>
 
+using namespace test;
+
 namespace
 {
 

@@ -2,6 +2,8 @@
 #include "tests/app/ToolTest.h"
 #include "tests/support/RowName.h"
 
+using namespace test;
+
 namespace
 {
 

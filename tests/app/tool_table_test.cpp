@@ -6,6 +6,8 @@
 #include <csignal>
 #include <ostream>
 
+using namespace test;
+
 namespace
 {
 

@@ -2,6 +2,8 @@
 #include "tests/app/QuadTest.h"
 #include "tests/support/Bytes.h"
 
+using namespace test;
+
 namespace
 {
 

@@ -5,6 +5,8 @@
 #include <ctime>
 #include <memory>
 
+using namespace test;
+
 namespace
 {
 

@@ -2,6 +2,8 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
 
+using namespace test;
+
 namespace
 {
 

@@ -1,5 +1,7 @@
 #include "tests/app/ToolTest.h"
 
+using namespace test;
+
 namespace
 {
 

@@ -2,6 +2,9 @@
 
 #include "tests/device/OperationBench.h"
 
+namespace test
+{
+
 // Whoever watches an operation asks it to stop at one of its signals.
 
 /// At the `number`th command (from 1), just when it has gone out.
@@ -21,3 +24,5 @@ inline void abort_at_progress(OperationBench& bench, unsigned int number)
     QObject::connect(&bench.line.device, &ZarnSerialDevice::sig_upload_progress, count);
     QObject::connect(&bench.line.device, &ZarnSerialDevice::sig_verify_progress, count);
 }
+
+} // namespace test

@@ -8,6 +8,9 @@
 #include <utility>
 #include <vector>
 
+namespace test
+{
+
 // Operations of a device object, for tables of tests. None of them is aborted.
 
 using Operation = std::function<bool(ZarnSerialDevice&)>;
@@ -38,3 +41,5 @@ inline Operation write_range(unsigned int start, unsigned int end)
         return device.write_range(&map, start, end, never, true, true);
     };
 }
+
+} // namespace test

@@ -7,6 +7,9 @@
 
 #include <vector>
 
+namespace test
+{
+
 inline void process_events()
 {
     QCoreApplication::processEvents();
@@ -42,3 +45,5 @@ public:
         simulated.set_reply_filter(first(replies));
     }
 };
+
+} // namespace test

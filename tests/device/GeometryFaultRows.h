@@ -6,6 +6,9 @@
 
 #include <string>
 
+namespace test
+{
+
 // Devices of operations_data whose geometry some operation cannot work with.
 
 struct GeometryFault {
@@ -43,3 +46,5 @@ inline constexpr auto device_name = [](const auto& row) -> std::string {
     }
     return name;
 };
+
+} // namespace test

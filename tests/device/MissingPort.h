@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+namespace test
+{
+
 /// A device on a port that does not exist. (One that has vanished may come back at any time with
 /// another device under that name.)
 struct MissingPort {
@@ -25,3 +28,5 @@ inline auto port_cannot_be_opened()
 {
     return testing::StartsWith("sig_error cannot open port no such port (");
 }
+
+} // namespace test

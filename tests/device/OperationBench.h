@@ -5,6 +5,9 @@
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Progress.h"
 
+namespace test
+{
+
 /// A device and an image to write to it or to compare it with.
 class OperationBench
 {
@@ -39,3 +42,5 @@ public:
     MemoryMap image;
     bool abort = false;
 };
+
+} // namespace test

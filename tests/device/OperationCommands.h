@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 // What crosses the line during an operation, as hexadecimal digits. Addresses are byte addresses;
 // flash of the devices in operations_data has the divisor 2, rows of 0x40 and pages of 0x80 bytes,
 // and their EEPROM has the divisor 1 and rows of 0x10 bytes. The tiny ones are an exception.
@@ -63,3 +66,5 @@ inline Commands times(std::size_t count, const std::string& command)
 {
     return Commands(count, command);
 }
+
+} // namespace test

@@ -5,6 +5,9 @@
 #include <set>
 #include <string>
 
+namespace test
+{
+
 // Ways in which a device spoils an operation, none of which takes the time of a wait.
 
 /// A read is tried this often.
@@ -50,3 +53,5 @@ inline sim::SimulatedDevice::ReplyFilter wrong_acknowledgement_of(unsigned int s
 {
     return to_command(sequence, frame_of("06"));
 }
+
+} // namespace test

@@ -7,6 +7,9 @@
 #include <map>
 #include <vector>
 
+namespace test
+{
+
 // Contents of memories and images whose bytes can be told apart by where they belong.
 
 inline QByteArray bytes_at(unsigned int address, int count)
@@ -82,3 +85,5 @@ inline QByteArray eeprom_row_of(const Extents& image, unsigned int address)
 {
     return row_with(image, address, eeprom_filler(0x10));
 }
+
+} // namespace test

@@ -13,6 +13,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 // Devices of all shapes that a table can describe and that work, in image bytes.
 
 /// Random numbers that are the same in every run.
@@ -237,3 +240,5 @@ inline Cells cells_of(const Extents& extents)
     }
     return cells;
 }
+
+} // namespace test

@@ -5,6 +5,9 @@
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/ProfileTable.h"
 
+namespace test
+{
+
 /// A device full of bytes that show where they belong, and a file to read them into.
 class ReadBench
 {
@@ -37,3 +40,5 @@ private:
         line.simulated.memory().preset(start, bytes_at(start, static_cast<int>(end - start)));
     }
 };
+
+} // namespace test

@@ -11,6 +11,9 @@
 #include <unistd.h>
 #include <vector>
 
+namespace test
+{
+
 /// A line whose far end takes nothing: what is sent stays in its buffer until that is full.
 class StalledLine
 {
@@ -58,3 +61,5 @@ private:
 
     std::vector<int> m_descriptors;
 };
+
+} // namespace test

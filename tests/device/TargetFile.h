@@ -9,6 +9,9 @@
 
 #include <stdexcept>
 
+namespace test
+{
+
 /// A file for an operation to write, in a folder of its own that lives as long as this.
 class TargetFile
 {
@@ -63,3 +66,5 @@ private:
 public:
     QFile file;
 };
+
+} // namespace test

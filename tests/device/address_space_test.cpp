@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+using namespace test;
 using testing::ElementsAre;
 
 // Addresses next to the end of the address space: an operation whose sums would wrap round to its

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <functional>
 
+using namespace test;
+
 // How long the tool waits for a device, by the clock of the device. A busy machine makes a wait
 // longer and never shorter, so the shortest of several counts. It must lie near what is due: half
 // or twice as long is wrong.

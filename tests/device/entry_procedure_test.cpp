@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Kind = sim::Command::Kind;

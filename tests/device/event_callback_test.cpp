@@ -8,6 +8,8 @@
 
 #include <functional>
 
+using namespace test;
+
 // Whoever makes the device object hands in a callback that processes events. Only the entry
 // procedure polls; all others wait in an event loop and have no use for it.
 

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
+
 // Frames with more than one fault: the first check that fails is the only one reported, and the
 // payload holds what came before the fault.
 

@@ -7,6 +7,7 @@
 
 #include <vector>
 
+using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

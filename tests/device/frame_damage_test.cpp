@@ -8,6 +8,8 @@
 #include <random>
 #include <vector>
 
+using namespace test;
+
 // What one byte that is changed, lost or added on the line does to a frame. The checksum is a plain
 // sum, so a zero that comes or goes leaves it as it is; nothing else may go unnoticed, and never
 // may a payload be taken for another of the same length, which is what a transaction goes by.

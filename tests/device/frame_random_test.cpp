@@ -5,6 +5,8 @@
 
 #include <random>
 
+using namespace test;
+
 namespace
 {
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+using namespace test;
 using testing::ElementsAre;
 
 // A profile table may come from anywhere. Geometry that no command can be built from ends in a
@@ -20,13 +21,6 @@ namespace
 Operation read(unsigned int address)
 {
     return read_memory(address, 2);
-}
-
-Operation write_row(unsigned int address, int num_bytes)
-{
-    return [=](ZarnSerialDevice& device) {
-        return device.write_memory(address, counting(num_bytes));
-    };
 }
 
 Operation erase_page(unsigned int address)
@@ -52,7 +46,7 @@ Operation erase_range()
 
 Operation write(unsigned int address)
 {
-    return ::write({{address, counting(16)}});
+    return test::write({{address, counting(16)}});
 }
 
 struct Unusable {
@@ -94,26 +88,26 @@ const Unusable unusable[] = {
     {"ReadWithImmenseWords", "immense-words", read(0x1000), immense_flash_words},
     {"WriteWithImmenseWords", "immense-words", write(0x1000), immense_flash_words},
     {"ReadWithoutFlashWords", "no-flash-words", read(0x1000), no_flash_words},
-    {"WriteMemoryWithoutFlashWords", "no-flash-words", write_row(0x1000, 64), no_flash_words},
+    {"WriteMemoryWithoutFlashWords", "no-flash-words", write_memory(0x1000, 64), no_flash_words},
     {"ErasePageWithoutFlashWords", "no-flash-words", erase_page(0x1000), no_flash_words},
     {"EraseAllWithoutFlashWords", "no-flash-words", erase_all(), no_flash_words},
     {"EraseRangeWithoutFlashWords", "no-flash-words", erase_range(), no_flash_words},
     {"WriteWithoutFlashWords", "no-flash-words", write(0x1000), no_flash_words},
     {"WriteRangeWithoutFlashWords", "no-flash-words", write_range(0x1000, 0x1040), no_flash_words},
     {"ReadOfFineFlash", "flash-divisor-zero", read(0x1000), fine_flash},
-    {"WriteMemoryOfFineFlash", "flash-divisor-zero", write_row(0x1000, 64), fine_flash},
+    {"WriteMemoryOfFineFlash", "flash-divisor-zero", write_memory(0x1000, 64), fine_flash},
     {"ErasePageOfFineFlash", "flash-divisor-zero", erase_page(0x1000), fine_flash},
     {"EraseAllOfFineFlash", "flash-divisor-zero", erase_all(), fine_flash},
     {"EraseRangeOfFineFlash", "flash-divisor-zero", erase_range(), fine_flash},
     {"WriteOfFineFlash", "flash-divisor-zero", write(0x1000), fine_flash},
     {"WriteRangeOfFineFlash", "flash-divisor-zero", write_range(0x1000, 0x1040), fine_flash},
     {"ReadWithoutEepromRow", "zero-eeprom-row", read(0x8000), no_eeprom_row},
-    {"WriteMemoryWithoutEepromRow", "zero-eeprom-row", write_row(0x8000, 16), no_eeprom_row},
+    {"WriteMemoryWithoutEepromRow", "zero-eeprom-row", write_memory(0x8000, 16), no_eeprom_row},
     {"WriteWithoutEepromRow", "zero-eeprom-row", write(0x8000), no_eeprom_row},
     {"WriteRangeWithoutEepromRow", "zero-eeprom-row", write_range(0x8000, 0x8010), no_eeprom_row},
     {"ReadWithoutEepromBlock", "zero-eeprom-block", read(0x8000), no_eeprom_block},
     {"ReadWithoutEepromWords", "no-eeprom-words", read(0x8000), no_eeprom_words},
-    {"WriteMemoryWithoutEepromWords", "no-eeprom-words", write_row(0x8000, 16), no_eeprom_words},
+    {"WriteMemoryWithoutEepromWords", "no-eeprom-words", write_memory(0x8000, 16), no_eeprom_words},
     {"WriteWithoutEepromWords", "no-eeprom-words", write(0x8000), no_eeprom_words},
     {"ReadOfMisplacedEeprom", "misplaced-eeprom", read(0x8004), misplaced_eeprom},
     {"ReadOfABlockLargerThanEeprom", "eeprom-block-above-eeprom", read(0x8000),
@@ -144,7 +138,7 @@ const Usable usable[] = {
     {"WriteOfFlashWithFineEeprom", "eeprom-divisor-zero", write(0x1000)},
     {"WriteOfMisplacedEeprom", "misplaced-eeprom", write(0x8010)},
     {"ReadWithRowBeyondAllMemory", "endless-row", read(0x1000)},
-    {"WriteMemoryWithRowBelowAWord", "flash-row-below-word", write_row(0x1000, 1)},
+    {"WriteMemoryWithRowBelowAWord", "flash-row-below-word", write_memory(0x1000, 1)},
     {"WriteWithRowBelowAWord", "flash-row-below-word", write(0x1000)},
     {"WriteOfEepromWithRowBelowAWord", "eeprom-row-below-word", write(0x8000)},
     {"WriteWithBlockBelowAWord", "flash-block-below-word", write(0x1000)},
@@ -166,7 +160,7 @@ const char* const different_types =
 const Strange strange[] = {
     {"WriteMemoryWithoutFlashRow",
      "zero-flash-row",
-     write_row(0x1000, 64),
+     write_memory(0x1000, 64),
      {"sig_error num_bytes must be exactly row_size (0)"}},
     {"ReadWithRowBelowAWord", "flash-row-below-word", read(0x1000), {nothing_expected}},
     {"ReadWithBlockBelowAWord", "flash-block-below-word", read(0x1000), {nothing_expected}},
@@ -289,7 +283,7 @@ TEST(EepromThatScalesToNothing, IsNoMemory)
 {
     DeviceOnLine line("eeprom-divisor-zero");
     EXPECT_FALSE(read(0x8000)(line.device));
-    EXPECT_FALSE(write_row(0x8000, 16)(line.device));
+    EXPECT_FALSE(write_memory(0x8000, 16)(line.device));
     EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_error unreadable memory area",
                                                    "sig_error unwritable memory area"));
 }

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <gmock/gmock.h>
 
+using namespace test;
 using testing::ElementsAre;
 using Echo = sim::Options::Echo;
 

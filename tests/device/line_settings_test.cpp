@@ -8,6 +8,8 @@
 #include <unistd.h>
 #include <vector>
 
+using namespace test;
+
 // A pseudo-terminal always has 8 data bits and no parity, whatever is asked of it. So this looks at
 // what the serial port library asks of the system, which would do the same for any adapter.
 

@@ -9,6 +9,7 @@
 
 #include <memory>
 
+using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

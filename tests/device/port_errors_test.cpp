@@ -11,6 +11,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+using namespace test;
+
 // A port may report an error and be none the worse for it.
 
 namespace

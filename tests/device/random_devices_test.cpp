@@ -9,6 +9,8 @@
 
 #include <set>
 
+using namespace test;
+
 // Operations on devices of random shapes, beside models that go byte by byte, or page by page
 // where runs of pages are what counts.
 

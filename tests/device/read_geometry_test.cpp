@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using testing::IsEmpty;
 using testing::Values;
 

@@ -6,6 +6,8 @@
 
 #include <set>
 
+using namespace test;
+
 namespace
 {
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+using namespace test;
 using testing::StartsWith;
 
 // A device that is busy for a while and takes no bytes is not an adapter that was pulled out: the

@@ -13,6 +13,7 @@
 
 #include <ctime>
 
+using namespace test;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::StartsWith;

@@ -8,6 +8,7 @@
 
 #include <functional>
 
+using namespace test;
 using testing::Contains;
 using testing::ElementsAre;
 

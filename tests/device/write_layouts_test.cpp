@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using testing::ElementsAre;
 
 // The sample writes flash from 0x800 to 0x4000 in rows of 64 and blocks of 16 bytes, EEPROM from

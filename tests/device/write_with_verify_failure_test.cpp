@@ -8,6 +8,8 @@
 #include <QTimer>
 #include <gmock/gmock.h>
 
+using namespace test;
+
 namespace
 {
 

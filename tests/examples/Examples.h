@@ -10,6 +10,9 @@
 #include <stdexcept>
 #include <vector>
 
+namespace test
+{
+
 inline QString example_path(const QString& file_name)
 {
     return QStringLiteral(EXAMPLES_FOLDER "/") + file_name;
@@ -46,3 +49,5 @@ inline std::string test_name(const char* device)
 {
     return QString::fromUtf8(device).replace(QLatin1Char('-'), QLatin1Char('_')).toStdString();
 }
+
+} // namespace test

@@ -5,6 +5,7 @@
 
 #include <array>
 
+using namespace test;
 using Kind = ProfileTableLine::Kind;
 using testing::Contains;
 using testing::ElementsAre;

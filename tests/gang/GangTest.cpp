@@ -10,6 +10,9 @@
 
 #include <csignal>
 
+namespace test
+{
+
 namespace
 {
 
@@ -216,3 +219,5 @@ std::vector<qint64> children_of(qint64 parent)
     }
     return children;
 }
+
+} // namespace test

@@ -13,6 +13,9 @@
 #include <ostream>
 #include <vector>
 
+namespace test
+{
+
 /// Words of a command line, separated by blanks.
 QStringList words(const char* text);
 
@@ -103,3 +106,5 @@ std::string text(const QJsonObject& object, const char* key);
 
 /// The number of the system's processes with this program whose parent is `parent`.
 std::vector<qint64> children_of(qint64 parent);
+
+} // namespace test

@@ -1,5 +1,7 @@
 #include "tests/gang/GangTest.h"
 
+using namespace test;
+
 namespace
 {
 

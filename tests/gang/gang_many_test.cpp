@@ -11,6 +11,8 @@
 #include <map>
 #include <set>
 
+using namespace test;
+
 namespace
 {
 

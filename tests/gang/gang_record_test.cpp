@@ -7,6 +7,8 @@
 
 #include <csignal>
 
+using namespace test;
+
 namespace
 {
 

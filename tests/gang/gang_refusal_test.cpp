@@ -3,6 +3,8 @@
 
 #include <QFile>
 
+using namespace test;
+
 namespace
 {
 

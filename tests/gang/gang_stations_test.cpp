@@ -4,6 +4,8 @@
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
+using namespace test;
+
 namespace
 {
 

@@ -5,6 +5,8 @@
 
 #include <csignal>
 
+using namespace test;
+
 namespace
 {
 

@@ -3,6 +3,8 @@
 
 #include <QJsonArray>
 
+using namespace test;
+
 namespace
 {
 

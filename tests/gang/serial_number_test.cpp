@@ -3,6 +3,8 @@
 #include "memory/MemoryMap.h"
 #include "tests/gang/GangTest.h"
 
+using namespace test;
+
 namespace
 {
 

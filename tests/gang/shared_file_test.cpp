@@ -5,6 +5,8 @@
 
 #include <QFile>
 
+using namespace test;
+
 namespace
 {
 

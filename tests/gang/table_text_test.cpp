@@ -1,6 +1,8 @@
 #include "gang/TableText.h"
 #include "tests/gang/GangTest.h"
 
+using namespace test;
+
 namespace
 {
 

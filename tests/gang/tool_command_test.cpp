@@ -4,6 +4,8 @@
 
 #include <QDir>
 
+using namespace test;
+
 namespace
 {
 

@@ -18,6 +18,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 /// Runs command lines of the program in this process, on files of a folder of its own.
 class InspectTest : public testing::Test
 {
@@ -100,3 +103,5 @@ inline QByteArray table_row(const Changes& changes = {})
     }
     return row + "\n";
 }
+
+} // namespace test

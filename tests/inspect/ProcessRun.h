@@ -6,6 +6,9 @@
 #include <QStringList>
 #include <gtest/gtest.h>
 
+namespace test
+{
+
 /// What another program made of its words.
 struct ProcessResult {
     int status;
@@ -26,3 +29,5 @@ inline ProcessResult run_process(const QString& program, const QStringList& word
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << program.toStdString();
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
+
+} // namespace test

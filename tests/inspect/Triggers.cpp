@@ -2,6 +2,9 @@
 
 #include "tests/inspect/InspectTest.h"
 
+namespace test
+{
+
 namespace
 {
 
@@ -170,3 +173,5 @@ const std::vector<Trigger>& triggers()
     }();
     return all;
 }
+
+} // namespace test

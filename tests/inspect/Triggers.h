@@ -5,6 +5,9 @@
 
 #include <vector>
 
+namespace test
+{
+
 /// A file, or two, that brings a problem of one code.
 struct Trigger {
     const char* code;
@@ -18,3 +21,5 @@ struct Trigger {
 
 /// For every code at least one.
 const std::vector<Trigger>& triggers();
+
+} // namespace test

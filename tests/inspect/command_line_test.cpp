@@ -2,6 +2,7 @@
 #include "tests/inspect/InspectTest.h"
 #include "tests/support/RowName.h"
 
+using namespace test;
 using CommandLine = InspectTest;
 
 TEST_F(CommandLine, WithoutASubcommandCannotBeCarriedOut)

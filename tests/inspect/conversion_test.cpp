@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
+
 // What the report and its documentation advise for files with segment records.
 
 using testing::ElementsAre;

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace test;
+
 // The drawing of a memory, as it is and as a renderer shows it.
 
 namespace

@@ -3,6 +3,8 @@
 
 #include <ostream>
 
+using namespace test;
+
 // Whole reports, as text and as JSON, on the sample files, on damaged files and on empty ones.
 
 namespace

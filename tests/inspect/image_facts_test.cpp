@@ -4,6 +4,7 @@
 #include <QCryptographicHash>
 #include <gmock/gmock.h>
 
+using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -7,6 +7,7 @@
 
 #include <set>
 
+using namespace test;
 using testing::Contains;
 using testing::Eq;
 

@@ -5,6 +5,8 @@
 
 #include <sys/stat.h>
 
+using namespace test;
+
 // The program as a process: what only shows there.
 
 namespace

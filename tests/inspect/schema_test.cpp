@@ -2,6 +2,8 @@
 #include "tests/inspect/ProcessRun.h"
 #include "tests/inspect/Triggers.h"
 
+using namespace test;
+
 // Every report is what the schemas say.
 
 namespace

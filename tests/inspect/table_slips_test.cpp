@@ -5,6 +5,8 @@
 
 #include <ostream>
 
+using namespace test;
+
 // Slips that people make in a table, each in the row of the sample table's first device.
 
 using testing::IsEmpty;

@@ -14,6 +14,9 @@
 #include <utility>
 #include <vector>
 
+namespace test
+{
+
 // Images, texts and files in forms that can be written down in a test and that a failure shows.
 
 /// A map's blobs in list order: address and bytes, the latter as upper-case hexadecimal digits.
@@ -57,3 +60,5 @@ inline QByteArray file_content(const QString& path)
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
     return file.readAll();
 }
+
+} // namespace test

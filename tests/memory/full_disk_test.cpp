@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+using namespace test;
+
 namespace
 {
 

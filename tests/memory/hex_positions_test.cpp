@@ -6,6 +6,8 @@
 #include <tuple>
 #include <vector>
 
+using namespace test;
+
 namespace intel_hex
 {
 

@@ -7,6 +7,8 @@
 #include <map>
 #include <random>
 
+using namespace test;
+
 namespace
 {
 

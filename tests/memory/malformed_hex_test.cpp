@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <thread>
 
+using namespace test;
+
 namespace
 {
 

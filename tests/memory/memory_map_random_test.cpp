@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+using namespace test;
+
 // A map that knows itself to be sorted and disjoint looks addresses up in another way than one
 // that does not, and does not search itself for overlaps. Whatever happened to a map, it must
 // answer as the plain walk over its list does.

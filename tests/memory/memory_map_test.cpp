@@ -10,6 +10,8 @@
 #include <type_traits>
 #include <vector>
 
+using namespace test;
+
 namespace
 {
 

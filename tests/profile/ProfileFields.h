@@ -4,6 +4,9 @@
 
 #include <QStringList>
 
+namespace test
+{
+
 /// The fields of a device with 2-byte flash words and with EEPROM far above its flash.
 inline QStringList example_fields()
 {
@@ -26,3 +29,5 @@ inline QStringList with_field(QStringList fields, Profile::Attr a, const char* t
     fields[a] = QString::fromUtf8(text);
     return fields;
 }
+
+} // namespace test

@@ -6,6 +6,9 @@
 
 #include <stdexcept>
 
+namespace test
+{
+
 /// The bytes of a file of tests/profile/data.
 inline QByteArray test_data(const char* file_name)
 {
@@ -15,3 +18,5 @@ inline QByteArray test_data(const char* file_name)
     }
     return file.readAll();
 }
+
+} // namespace test

@@ -8,6 +8,8 @@
 
 #include <array>
 
+using namespace test;
+
 namespace
 {
 

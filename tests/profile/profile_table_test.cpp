@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+using namespace test;
 using Kind = ProfileTableLine::Kind;
 
 namespace

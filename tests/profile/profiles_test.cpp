@@ -15,6 +15,8 @@
 #include <memory>
 #include <string>
 
+using namespace test;
+
 namespace
 {
 

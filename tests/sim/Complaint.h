@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace sim_test
+namespace test
 {
 
 /// The message of the error that `action` throws.
@@ -19,4 +19,4 @@ std::string complaint_of(Action action)
     return "nothing thrown";
 }
 
-} // namespace sim_test
+} // namespace test

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/sim/WaitUntil.h"
+#include "tests/support/Waiting.h"
 
 #include <QByteArray>
 #include <QSerialPort>
@@ -10,7 +10,7 @@
 #include <numeric>
 #include <vector>
 
-namespace sim_test
+namespace test
 {
 
 /// The host's side of a line: a serial port that remembers what each of its reads returned.
@@ -80,4 +80,4 @@ private:
     std::vector<QByteArray> m_pieces;
 };
 
-} // namespace sim_test
+} // namespace test

@@ -7,7 +7,7 @@
 #include <map>
 #include <memory>
 
-namespace sim_test
+namespace test
 {
 
 using Changes = std::map<Profile::Attr, const char*>;
@@ -32,4 +32,4 @@ inline std::unique_ptr<const Profile> sample_profile(const Changes& changes = {}
     return std::make_unique<const Profile>(sample_fields(changes));
 }
 
-} // namespace sim_test
+} // namespace test

@@ -8,7 +8,10 @@
 
 // Bytes as a test writes them down and as a failure shows them.
 
-/// Bytes from hexadecimal digits with blanks between.
+namespace test
+{
+
+/// Bytes from hexadecimal digits separated by spaces.
 inline QByteArray bytes(const char* digits)
 {
     return QByteArray::fromHex(digits);
@@ -52,8 +55,10 @@ inline QByteArray counting(int count, int first = 0)
     return bytes;
 }
 
-/// How googletest shows bytes.
+} // namespace test
+
+/// How GoogleTest shows bytes. It looks for this in the namespace of QByteArray.
 inline void PrintTo(const QByteArray& bytes, std::ostream* out)
 {
-    *out << '[' << hex(bytes) << ']';
+    *out << '[' << test::hex(bytes) << ']';
 }

@@ -6,6 +6,9 @@
 #include <QStringList>
 #include <QtGlobal>
 
+namespace test
+{
+
 /// Catches what any thread writes to the debug channel as long as it lives. Warnings and worse go
 /// where they went before. Of nested catchers only the innermost gets a message.
 class DebugMessages
@@ -62,3 +65,5 @@ private:
     QtMessageHandler m_previous = nullptr;
     QtMessageHandler m_fallback = nullptr;
 };
+
+} // namespace test

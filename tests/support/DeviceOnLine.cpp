@@ -3,6 +3,9 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/ProfileTable.h"
 
+namespace test
+{
+
 DeviceOnLine::DeviceOnLine(const char* name, Host host, sim::Options options)
     : simulated(profile_named(name), options),
       port(simulated.port_path()),
@@ -16,3 +19,5 @@ std::vector<std::string> DeviceOnLine::sent() const
 {
     return hex(simulated.payloads());
 }
+
+} // namespace test

@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 /// How the device object is made.
 struct Host {
     unsigned int baud = 9600;
@@ -34,3 +37,5 @@ public:
     ZarnSerialDevice device;
     SignalRecorder recorder;
 };
+
+} // namespace test

@@ -2,6 +2,9 @@
 
 #include <QByteArray>
 
+namespace test
+{
+
 // Lines of Intel HEX files.
 
 /// A record line with the right checksum. Of the address its lower 16 bits count.
@@ -27,3 +30,5 @@ inline QByteArray data_record(unsigned int address, const char* digits)
 }
 
 inline const QByteArray end_record = ":00000001FF\n";
+
+} // namespace test

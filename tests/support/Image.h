@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+namespace test
+{
+
 /// An image of these pieces, each cut into blobs of at most `chunk_size` bytes.
 inline MemoryMap image(const std::vector<std::pair<unsigned int, QByteArray>>& pieces,
                        unsigned int chunk_size = MemoryMap::default_chunk_size)
@@ -17,3 +20,5 @@ inline MemoryMap image(const std::vector<std::pair<unsigned int, QByteArray>>& p
     }
     return map;
 }
+
+} // namespace test

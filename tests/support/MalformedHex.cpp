@@ -1,5 +1,8 @@
 #include "tests/support/MalformedHex.h"
 
+namespace test
+{
+
 namespace
 {
 
@@ -230,3 +233,5 @@ const std::vector<MalformedHex>& malformed_hex_files()
     static const std::vector<MalformedHex> files = make_files();
     return files;
 }
+
+} // namespace test

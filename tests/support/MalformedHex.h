@@ -6,6 +6,9 @@
 #include <utility>
 #include <vector>
 
+namespace test
+{
+
 /// An Intel HEX file that is not as it should be, or is so in an unusual way.
 struct MalformedHex {
     const char* name;
@@ -18,3 +21,5 @@ struct MalformedHex {
 
 /// Small enough for every device of the tests; data that stay in place lie at 0x80 and 0xA0.
 const std::vector<MalformedHex>& malformed_hex_files();
+
+} // namespace test

@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace test
+{
+
 /// Knows whether this process has opened a port since the watch began.
 class PortWatch
 {
@@ -28,3 +31,5 @@ private:
     QString m_path;
     std::ptrdiff_t m_before;
 };
+
+} // namespace test

@@ -7,6 +7,9 @@
 
 #include <stdexcept>
 
+namespace test
+{
+
 /// The version under which the working directory's table lists the device `name`.
 inline unsigned short version_named(const char* name)
 {
@@ -23,3 +26,5 @@ inline const Profile& profile_named(const char* name)
 {
     return *Profiles::get_profile(version_named(name));
 }
+
+} // namespace test

@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+namespace test
+{
+
 // What a recorder shows of an operation on a whole memory.
 
 /// The signals of an operation that reports these counts of bytes, one after the other.
@@ -54,3 +57,5 @@ inline SignalRecorder::Lines failed_upload(const std::vector<unsigned int>& proc
 {
     return then(upload_progress(processed, total), "sig_error " + message);
 }
+
+} // namespace test

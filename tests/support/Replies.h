@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+namespace test
+{
+
 // What a simulated device puts on the line instead of its answers.
 
 using Reply = std::vector<sim::Delivery>;
@@ -65,3 +68,5 @@ inline sim::SimulatedDevice::ReplyFilter acknowledge_everything()
         return frame_of(command.payload.left(1));
     };
 }
+
+} // namespace test

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <iterator>
 
+namespace test
+{
+
 namespace
 {
 
@@ -61,3 +64,5 @@ SignalRecorder::Lines SignalRecorder::operation() const
                  });
     return lines;
 }
+
+} // namespace test

@@ -7,6 +7,9 @@
 
 class ZarnSerialDevice;
 
+namespace test
+{
+
 /// Writes down what all nine signals of a device say, in the order in which they say it: one line
 /// for each, the signal's name and its arguments, bytes as hexadecimal digits.
 class SignalRecorder
@@ -27,3 +30,5 @@ private:
     QObject m_receiver; ///< ends the connections
     Lines m_lines;
 };
+
+} // namespace test

@@ -4,6 +4,9 @@
 #include <stdexcept>
 #include <sys/resource.h>
 
+namespace test
+{
+
 /// Lets no file of this process grow beyond a size as long as it lives: for a writer, the disk
 /// is full.
 class SmallDisk
@@ -32,3 +35,5 @@ private:
     rlimit m_before{};
     void (*m_handler)(int) = nullptr;
 };
+
+} // namespace test

@@ -9,6 +9,9 @@
 #include <tuple>
 #include <utility>
 
+namespace test
+{
+
 namespace
 {
 
@@ -177,3 +180,5 @@ std::size_t ToolRun::most_at_once()
 {
     return ZSERIAL_RUNS_AT_ONCE;
 }
+
+} // namespace test

@@ -11,6 +11,9 @@
 #include <memory>
 #include <ostream>
 
+namespace test
+{
+
 /// How a run of the tool ended and what it left on its two streams.
 struct ToolResult {
     bool crashed = false; ///< ended by a signal
@@ -91,3 +94,5 @@ private:
     QByteArray m_awaited;
     RunningTool::Look m_look;
 };
+
+} // namespace test

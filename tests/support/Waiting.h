@@ -2,6 +2,9 @@
 
 #include <QTest>
 
+namespace test
+{
+
 /// For waits that something ends; long enough for the busiest machine.
 constexpr int patience_ms = 30000;
 
@@ -11,3 +14,5 @@ bool wait_until(Condition condition)
 {
     return QTest::qWaitFor(condition, patience_ms);
 }
+
+} // namespace test

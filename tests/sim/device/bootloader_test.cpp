@@ -6,14 +6,13 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::Bootloader;
 using sim::Command;
 using sim::DeviceMemory;
 using sim::Entry;
 using sim::Exchange;
 using sim::make_frame;
-using sim_test::Changes;
-using sim_test::sample_profile;
 
 namespace
 {

@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::DeviceMemory;
-using sim_test::sample_profile;
 
 namespace
 {

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::FrameReceiver;
 using sim::make_frame;
 using testing::ElementsAre;

@@ -5,10 +5,10 @@
 
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::byte_address_of;
 using sim::Command;
 using sim::rows_of;
-using sim_test::sample_profile;
 
 TEST(SimMemoryGeometry, GivesTheByteAddressOfACommand)
 {

@@ -8,15 +8,13 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::Alarm;
 using sim::Entry;
 using sim::line_time_ns;
 using sim::make_frame;
 using sim::Options;
 using sim::SimulatedDevice;
-using sim_test::HostPort;
-using sim_test::sample_profile;
-using sim_test::wait_until;
 using testing::ElementsAre;
 
 // Times are checked from below only: a busy machine may be late, but nothing may come early.

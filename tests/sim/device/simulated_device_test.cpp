@@ -7,15 +7,13 @@
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::Command;
 using sim::Delivery;
 using sim::Entry;
 using sim::make_frame;
 using sim::Options;
 using sim::SimulatedDevice;
-using sim_test::HostPort;
-using sim_test::sample_profile;
-using sim_test::wait_until;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::add_fault;
 using sim::Chance;
 using sim::fault_kind_named;
@@ -39,7 +40,7 @@ bool is_a_quarter(const Chance& chance)
 
 std::string complaint_about(const char* text)
 {
-    return sim_test::complaint_of([&] { settings_of(text); });
+    return test::complaint_of([&] { settings_of(text); });
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::apply_to_reply;
 using sim::Command;
 using sim::Delivery;

@@ -1,10 +1,10 @@
 #include "sim/line/Alarm.h"
-#include "tests/sim/WaitUntil.h"
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::Alarm;
-using sim_test::wait_until;
 
 namespace
 {

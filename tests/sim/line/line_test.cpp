@@ -10,10 +10,9 @@
 #include <termios.h>
 #include <unistd.h>
 
+using namespace test;
 using sim::Descriptor;
 using sim::Line;
-using sim_test::HostPort;
-using sim_test::wait_until;
 using testing::ElementsAre;
 
 namespace

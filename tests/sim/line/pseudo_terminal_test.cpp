@@ -10,13 +10,12 @@
 #include <memory>
 #include <sys/ioctl.h>
 
+using namespace test;
 using sim::Descriptor;
 using sim::has_port_lock;
 using sim::port_lock_folders;
 using sim::port_lock_name;
 using sim::PseudoTerminal;
-using sim_test::HostPort;
-using sim_test::wait_until;
 
 namespace
 {

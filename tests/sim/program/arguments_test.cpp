@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::Arguments;
 using sim::Entry;
 using sim::Error;
@@ -22,7 +23,7 @@ Arguments parse(const char* words = "")
 
 std::string complaint_about(const char* words)
 {
-    return sim_test::complaint_of([&] { parse(words); });
+    return test::complaint_of([&] { parse(words); });
 }
 
 } // namespace

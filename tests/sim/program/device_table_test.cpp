@@ -6,10 +6,9 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::DeviceTable;
 using sim::Error;
-using sim_test::Changes;
-using sim_test::sample_fields;
 
 namespace
 {

@@ -9,11 +9,10 @@
 
 #include <memory>
 
+using namespace test;
 using sim::Error;
 using sim::PortLink;
 using sim::PseudoTerminal;
-using sim_test::HostPort;
-using sim_test::wait_until;
 
 namespace
 {

@@ -19,10 +19,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace test;
 using sim::Descriptor;
 using sim::make_frame;
-using sim_test::HostPort;
-using sim_test::sample_fields;
 
 namespace
 {

@@ -8,9 +8,9 @@
 
 #include <stdexcept>
 
+using namespace test;
 using sim::Arguments;
 using sim::Session;
-using sim_test::sample_fields;
 
 namespace
 {

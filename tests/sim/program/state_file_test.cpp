@@ -9,10 +9,10 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::DeviceMemory;
 using sim::Error;
 using sim::StateFile;
-using sim_test::sample_profile;
 
 namespace
 {

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::Error;
 using sim::FrameLog;
 using sim::parse_frame_log;
@@ -28,7 +29,7 @@ Entries entries_of(const QByteArray& content)
 
 std::string complaint_about(const QByteArray& content)
 {
-    return sim_test::complaint_of([&] { entries_of(content); });
+    return test::complaint_of([&] { entries_of(content); });
 }
 
 } // namespace

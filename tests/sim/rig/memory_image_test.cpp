@@ -17,11 +17,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace test;
 using sim::DeviceMemory;
 using sim::Error;
 using sim::MemoryImage;
 using sim::save_memory;
-using sim_test::sample_profile;
 
 namespace
 {

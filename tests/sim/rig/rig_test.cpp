@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::add_fault;
 using sim::Entry;
 using sim::Error;
@@ -18,9 +19,6 @@ using sim::make_frame;
 using sim::Rig;
 using sim::RigOptions;
 using sim::Summary;
-using sim_test::HostPort;
-using sim_test::sample_profile;
-using sim_test::wait_until;
 using testing::ElementsAre;
 
 namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::Command;
 using sim::Tally;
 

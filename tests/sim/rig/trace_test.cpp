@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
+using namespace test;
 using sim::Command;
 using sim::FaultKind;
 using sim::Outcome;
 using sim::trace_line;
-using sim_test::sample_profile;
 
 namespace
 {

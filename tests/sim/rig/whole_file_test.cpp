@@ -13,6 +13,8 @@
 #include <system_error>
 #include <unistd.h>
 
+using namespace test;
+
 namespace
 {
 
