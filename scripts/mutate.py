@@ -13,7 +13,7 @@ import tempfile
 
 sys.dont_write_bytecode = True
 from mutation.mutants import mutants_of
-from mutation.tree import TESTS, End, Tree
+from mutation.tree import TESTS, End, Outcome, Tree
 
 SOURCE = pathlib.Path(__file__).resolve().parent.parent
 
@@ -50,40 +50,71 @@ def chosen(arguments):
 
 
 class Results:
-    """The outcome of each change, one line of JSON each."""
+    """The outcome of each change with some test programs, one line of JSON each."""
 
     def __init__(self, path):
         self.path = path
         lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
-        self.ends = {entry["key"]: End(entry["end"]) for entry in map(json.loads, lines)}
+        self.outcomes = {(entry["key"], entry["programs"]):
+                         Outcome(End(entry["end"]), entry["test"])
+                         for entry in map(json.loads, lines)}
 
-    def add(self, mutant, end):
-        self.ends[mutant.key] = end
-        with open(self.path, "a", encoding="utf-8") as file:
-            file.write(json.dumps({"key": mutant.key, "end": end.value}) + "\n")
+    def get(self, mutant, programs, find_out):
+        """Remembered, or else found out, printed and kept."""
+        at = (mutant.key, programs)
+        if at not in self.outcomes:
+            outcome = self.outcomes[at] = find_out()
+            with open(self.path, "a", encoding="utf-8") as file:
+                file.write(json.dumps({"key": mutant.key, "programs": programs,
+                                       "end": outcome.end.value, "test": outcome.test}) + "\n")
+            print(f"{outcome.end.value}: {mutant.key}  {outcome.test}", flush=True)
+        return self.outcomes[at]
 
 
-def try_all(arguments, mutants):
-    """The mutants tried, with their ends; those that do not compile do not count."""
-    arguments.work.mkdir(parents=True, exist_ok=True)
-    results = Results(arguments.work / ("quick.jsonl" if arguments.quick else "results.jsonl"))
-    tree = Tree(SOURCE, arguments.work, arguments.jobs)
-    tree.bring_up_to_date()
-    sound = set()
-    tried = {}
-    for mutant in mutants:
-        if len(tried) == arguments.count:
-            break
-        folder = pathlib.Path(mutant.path).parts[0]
-        if mutant.key not in results.ends:
-            if folder not in sound:
-                tree.require_success(folder)
-                sound.add(folder)
-            results.add(mutant, tree.try_out(mutant, not arguments.quick))
-            print(f"{results.ends[mutant.key].value}: {mutant.key}", flush=True)
-        if results.ends[mutant.key] is not End.STILLBORN:
-            tried[mutant] = results.ends[mutant.key]
-    return tried
+class Campaign:
+    def __init__(self, arguments):
+        arguments.work.mkdir(parents=True, exist_ok=True)
+        self.results = Results(arguments.work / "results.jsonl")
+        self.tree = Tree(SOURCE, arguments.work, arguments.jobs)
+        self.tree.bring_up_to_date()
+        self.sound = set()
+
+    def try_out(self, mutant, programs, labels):
+        def find_out():
+            self._require_success(labels)
+            return self.tree.try_out(mutant, labels)
+        return self.results.get(mutant, programs, find_out)
+
+    def try_own_tests(self, mutants, count):
+        """The mutants tried, with their outcomes; those that do not compile do not count."""
+        tried = {}
+        left = list(mutants)
+        while left and len(tried) < count:
+            missing = count - len(tried)
+            # One source after the other, because its last change has to be undone, too.
+            batch = sorted(left[:missing], key=lambda each: (each.path, each.start))
+            left = left[missing:]
+            for mutant in batch:
+                folder = pathlib.Path(mutant.path).parts[0]
+                outcome = self.try_out(mutant, "own", TESTS[folder])
+                if outcome.end is not End.STILLBORN:
+                    tried[mutant] = outcome
+        return tried
+
+    def try_other_tests(self, tried):
+        """Replaces what the tests of the folder do not notice by what all others make of it."""
+        survivors = [mutant for mutant, outcome in tried.items() if outcome.end is End.SURVIVED]
+        labels = self.tree.all_labels() if survivors else []
+        for mutant in survivors:
+            own = TESTS[pathlib.Path(mutant.path).parts[0]]
+            others = [label for label in labels if label not in own]
+            tried[mutant] = self.try_out(mutant, "others", others)
+
+    def _require_success(self, labels):
+        missing = [label for label in labels if label not in self.sound]
+        if missing:
+            self.tree.require_success(missing)
+            self.sound.update(missing)
 
 
 def main():
@@ -92,10 +123,14 @@ def main():
     if arguments.list:
         print(*(mutant.key for mutant in mutants), sep="\n")
         return 0
-    tried = try_all(arguments, mutants)
-    survivors = [mutant for mutant, end in tried.items() if end is End.SURVIVED]
-    print(f"\n{len(tried) - len(survivors)} of {len(tried)} killed, seed {arguments.seed}."
-          " Not noticed:")
+    campaign = Campaign(arguments)
+    tried = campaign.try_own_tests(mutants, arguments.count)
+    if not arguments.quick:
+        campaign.try_other_tests(tried)
+    hung = sum(outcome.end is End.HUNG for outcome in tried.values())
+    survivors = [mutant for mutant, outcome in tried.items() if outcome.end is End.SURVIVED]
+    print(f"\n{len(tried) - len(survivors)} of {len(tried)} killed, {hung} of them by a timeout,"
+          f" seed {arguments.seed}. Not noticed:")
     for mutant in sorted(survivors, key=lambda each: (each.path, each.line)):
         print(f"{mutant.path}:{mutant.line}: {mutant.kind}")
         print(f"  - {mutant.before}\n  + {mutant.after}")

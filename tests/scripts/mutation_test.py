@@ -10,6 +10,7 @@ import unittest
 sys.dont_write_bytecode = True
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
 from mutation.mutants import mutants_of
+from mutation.programs import Limits, Program, Verdict, notices
 from mutation.tree import Tree
 
 
@@ -79,24 +80,74 @@ class Trial(unittest.TestCase):
 
     def test_is_made_with_the_change_and_leaves_the_source_as_it_was(self):
         seen = []
-        self.tree._end_of = lambda folder, thorough: seen.append(self.source.read_text())
-        self.tree.try_out(self.mutant)
+        self.tree._outcome = lambda labels: seen.append(self.source.read_text())
+        self.tree.try_out(self.mutant, [])
         self.assertEqual((seen, self.source.read_text()), (["return false;"], "return true;"))
 
     def test_leaves_the_source_as_it_was_when_it_is_interrupted(self):
-        def interrupt(folder, thorough):
+        def interrupt(labels):
             raise KeyboardInterrupt
-        self.tree._end_of = interrupt
+        self.tree._outcome = interrupt
         with self.assertRaises(KeyboardInterrupt):
-            self.tree.try_out(self.mutant)
+            self.tree.try_out(self.mutant, [])
         self.assertEqual(self.source.read_text(), "return true;")
 
     def test_kills_what_hangs_with_all_that_it_has_started(self):
         mark = self.tree.tree / "mark"
         command = f"(sleep 1; touch {mark}) & sleep 1000"
-        self.assertFalse(self.tree._run(["sh", "-c", command], 0.1))
+        self.assertFalse(self.tree._run(["sh", "-c", command], longest_s=0.1))
         time.sleep(1.5)
         self.assertFalse(mark.exists())
+
+
+class Noticed(unittest.TestCase):
+    """By a test program that is a shell script."""
+
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def notices(self, script, limit_s=60):
+        path = pathlib.Path(self.folder.name) / "program"
+        path.write_text("#!/bin/sh\n" + script, encoding="utf-8")
+        path.chmod(0o700)
+        limits = Limits(path.with_name("limits.json"))
+        limits.of = lambda program: limit_s
+        return notices(Program("label", str(path), self.folder.name, alone=True), limits)
+
+    def test_is_what_fails_again_by_itself(self):
+        script = """
+            echo "$@" >> calls
+            echo "[ RUN      ] Suite.Name/row"
+            echo "[  FAILED  ] Suite.Name/row, where GetParam() = 1"
+            exit 1
+            """
+        self.assertEqual(self.notices(script), (Verdict.FAILED, "Suite.Name/row"))
+        self.assertEqual((pathlib.Path(self.folder.name) / "calls").read_text("utf-8"),
+                         "--gtest_fail_fast --gtest_filter=*\n"
+                         "--gtest_fail_fast --gtest_filter=Suite.Name/row\n")
+
+    def test_is_a_crash(self):
+        script = """
+            echo "[ RUN      ] Suite.Good"
+            echo "[       OK ] Suite.Good"
+            echo "[ RUN      ] Suite.Crashes"
+            kill -SEGV $$
+            """
+        self.assertEqual(self.notices(script), (Verdict.FAILED, "Suite.Crashes"))
+
+    def test_is_a_hang(self):
+        self.assertEqual(self.notices("echo '[ RUN      ] Suite.Hangs'; sleep 1000", limit_s=0.5),
+                         (Verdict.HUNG, "Suite.Hangs"))
+
+    def test_is_no_failure_by_chance(self):
+        script = """
+            [ -e mark ] && exit 0
+            touch mark
+            echo "[  FAILED  ] Suite.Name"
+            exit 1
+            """
+        self.assertEqual(self.notices(script), (Verdict.PASSED, None))
 
 
 if __name__ == "__main__":
