@@ -102,3 +102,24 @@ TEST_F(ToolLog, IsNotMadeWithoutAName)
     EXPECT_EQ(m_tool.files(), words("device.txt"));
     EXPECT_EQ(commands_of(device), std::vector<std::string>{"0307400000"});
 }
+
+TEST_F(ToolLog, IsNotMadeWhenItsOptionIsTheArgumentOfAnother)
+{
+    sim::SimulatedDevice device(solo());
+    EXPECT_EQ(run(device, "-B 0203 -w -x frames.log"),
+              exited(0, QByteArray("Version set to 0x0203 successfully!"
+                                   "\rProgress 0%"
+                                   "Now writingMemory written!\n") +
+                            success));
+    EXPECT_EQ(m_tool.files(), words("-x device.txt"));
+}
+
+TEST_F(ToolLog, MayHaveTheNameOfAnOption)
+{
+    sim::SimulatedDevice device(solo());
+    EXPECT_EQ(
+        run(device, "-B 0203 -x -e -R"),
+        exited(0, QByteArray("Version set to 0x0203 successfully!Resetting device\n") + success));
+    EXPECT_EQ(m_tool.file(QStringLiteral("-e")), "\nTX:555500000004");
+    EXPECT_EQ(m_tool.files(), words("-e device.txt"));
+}

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <unistd.h>
 
@@ -18,7 +19,8 @@ class ToolReadFile : public QuadTest
 protected:
     ToolReadFile() { m_device.memory().preset(0x80, m_row); }
 
-    /// Calls `act` when the device has heard the command of this sequence, before it answers.
+    /// Calls `act` when the device has received the command with this sequence number, before it
+    /// answers.
     template <typename Act>
     void at_command(unsigned int sequence, Act act)
     {
@@ -47,7 +49,7 @@ protected:
 
 const char* const cannot_save = "MemoryMap::save_to_hex_file(): could not open file ";
 
-/// What an image file holds in these `count` bytes.
+/// The `count` bytes from `address` on in an image file.
 QByteArray loaded(const QString& path, unsigned int address, unsigned int count)
 {
     MemoryMap map(MemoryMap::default_chunk_size);
@@ -75,6 +77,14 @@ TEST_F(ToolReadFile, StaysTheSameFileWithAllItsNames)
     ASSERT_EQ(::link(name.constData(), other.constData()), 0);
     EXPECT_EQ(operate("-l 0x80 0xA0 out.hex"), succeeded("Memory range read!\n"));
     EXPECT_EQ(file("other.hex"), m_saved);
+}
+
+TEST_F(ToolReadFile, IsMadeWhereADanglingLinkLeads)
+{
+    ASSERT_TRUE(QFile::link(QStringLiteral("out.hex"), m_tool.path(QStringLiteral("link"))));
+    EXPECT_EQ(operate("-l 0x80 0xA0 link"), succeeded("Memory range read!\n"));
+    EXPECT_EQ(file("out.hex"), m_saved);
+    EXPECT_TRUE(QFileInfo(m_tool.path(QStringLiteral("link"))).isSymLink());
 }
 
 TEST_F(ToolReadFile, StaysAsItWasUntilEverythingIsRead)

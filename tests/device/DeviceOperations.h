@@ -42,4 +42,33 @@ inline Operation write_range(unsigned int start, unsigned int end)
     };
 }
 
+inline Operation write_memory(unsigned int address, int num_bytes)
+{
+    return [=](ZarnSerialDevice& device) {
+        return device.write_memory(address, counting(num_bytes));
+    };
+}
+
+struct NamedOperation {
+    const char* name;
+    Operation run;
+};
+
+/// On the device `sample`, each with one command that is answered.
+inline const NamedOperation single_commands[] = {
+    {"Version",
+     [](ZarnSerialDevice& device) {
+         unsigned short version = 0;
+         return device.request_bootloader_version(&version);
+     }},
+    {"ReadFlash", read_memory(0x1000, 1)},
+    {"ReadEeprom", read_memory(0x8000, 1)},
+    {"WriteFlash", write_memory(0x1000, 64)},
+    {"WriteEeprom", write_memory(0x8000, 16)},
+    {"Erase",
+     [](ZarnSerialDevice& device) {
+         return device.erase_flash(0x1000, 1);
+     }},
+};
+
 } // namespace test

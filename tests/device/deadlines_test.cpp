@@ -1,3 +1,4 @@
+#include "tests/device/DeviceOperations.h"
 #include "tests/device/EntryLine.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/RowName.h"
@@ -6,20 +7,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
 using namespace test;
 
 // How long the tool waits for a device, by the clock of the device. A busy machine makes a wait
-// longer and never shorter, so the shortest of several counts. It must lie near what is due: half
-// or twice as long is wrong.
+// longer and never shorter, so the shortest of several counts. It must be close to the deadline:
+// half or twice as long is wrong.
 
 namespace
 {
 
 constexpr qint64 ns_per_ms = 1000000;
 
-/// What a device hears, and when.
+/// What a device receives, and when.
 class HeardTimes
 {
 public:
@@ -33,7 +33,7 @@ public:
     }
 
     /// The shortest time, in milliseconds, from the arrival of `bytes` to that of `next`, when
-    /// nothing arrived between them; that of a day if they never came in this order.
+    /// nothing arrived between them; that of a day if they never arrived in this order.
     double shortest_gap(const char* bytes, const char* next) const
     {
         return shortest_gap_where([&](const Arrival& one, const Arrival& other) {
@@ -76,42 +76,7 @@ void expect_near(double measured_ms, double due_ms)
     EXPECT_LT(measured_ms, 1.5 * due_ms);
 }
 
-struct Command {
-    const char* name;
-    std::function<bool(ZarnSerialDevice&)> send;
-};
-
-const Command commands[] = {
-    {"Version",
-     [](ZarnSerialDevice& device) {
-         unsigned short version = 0;
-         return device.request_bootloader_version(&version);
-     }},
-    {"ReadFlash",
-     [](ZarnSerialDevice& device) {
-         QByteArray data;
-         return device.read_memory(0x1000, 1, data);
-     }},
-    {"ReadEeprom",
-     [](ZarnSerialDevice& device) {
-         QByteArray data;
-         return device.read_memory(0x8000, 1, data);
-     }},
-    {"WriteFlash",
-     [](ZarnSerialDevice& device) {
-         return device.write_memory(0x1000, counting(64));
-     }},
-    {"WriteEeprom",
-     [](ZarnSerialDevice& device) {
-         return device.write_memory(0x8000, counting(16));
-     }},
-    {"Erase",
-     [](ZarnSerialDevice& device) {
-         return device.erase_flash(0x1000, 1);
-     }},
-};
-
-class SilenceBeforeARetry : public testing::TestWithParam<Command>
+class SilenceBeforeARetry : public testing::TestWithParam<NamedOperation>
 {
 };
 
@@ -125,12 +90,13 @@ TEST_P(SilenceBeforeARetry, LastsThreeTenthsOfASecond)
     DeviceOnLine line("sample");
     line.simulated.set_reply_filter(first(std::vector<Reply>(4, no_reply())));
     const HeardTimes heard(line.simulated);
-    EXPECT_TRUE(GetParam().send(line.device));
+    EXPECT_TRUE(GetParam().run(line.device));
     EXPECT_EQ(line.sent().size(), 5U);
     expect_near(heard.shortest_gap(), 300);
 }
 
-INSTANTIATE_TEST_SUITE_P(Deadline, SilenceBeforeARetry, testing::ValuesIn(commands), row_name);
+INSTANTIATE_TEST_SUITE_P(Deadline, SilenceBeforeARetry, testing::ValuesIn(single_commands),
+                         row_name);
 
 TEST(EntryDeadline, IsATenthOfASecondForAVersionRequestAndAFifthForAProbe)
 {

@@ -1,5 +1,6 @@
 #include "device/ZarnSerialDevice.h"
 #include "memory/MemoryMap.h"
+#include "tests/support/Interface.h"
 
 #include <QFile>
 #include <QMetaMethod>
@@ -9,24 +10,13 @@
 #include <type_traits>
 #include <vector>
 
+using namespace test;
+
 // The public members that other programs are written against: names, parameters in their order,
 // types and constness. What has changed here does not compile.
 
 namespace
 {
-
-/// Converts to this type alone.
-template <typename T>
-struct Exactly {
-    template <typename U, typename = std::enable_if_t<std::is_same_v<U, T>>>
-    operator U() const;
-};
-
-template <typename Expected, typename Member>
-constexpr bool is_exactly(Member /*member*/)
-{
-    return std::is_same_v<Expected, Member>;
-}
 
 using Device = ZarnSerialDevice;
 using Callback = void (*)();

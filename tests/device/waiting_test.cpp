@@ -1,3 +1,4 @@
+#include "tests/device/DeviceOperations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Replies.h"
@@ -6,14 +7,12 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace test;
 
 namespace
 {
 
-/// Goes off when the time has come and the event loop runs.
+/// Fires when its time has passed and the event loop runs.
 class Alarm
 {
 public:
@@ -32,33 +31,7 @@ private:
     bool m_gone_off = false;
 };
 
-struct Command {
-    const char* name;
-    std::function<bool(ZarnSerialDevice&)> send;
-};
-
-const Command commands[] = {
-    {"Version",
-     [](ZarnSerialDevice& device) {
-         unsigned short version = 0;
-         return device.request_bootloader_version(&version);
-     }},
-    {"Read",
-     [](ZarnSerialDevice& device) {
-         QByteArray data;
-         return device.read_memory(0x1000, 1, data);
-     }},
-    {"Write",
-     [](ZarnSerialDevice& device) {
-         return device.write_memory(0x1000, counting(64));
-     }},
-    {"Erase",
-     [](ZarnSerialDevice& device) {
-         return device.erase_flash(0x1000, 1);
-     }},
-};
-
-class LostAnswers : public testing::TestWithParam<Command>
+class LostAnswers : public testing::TestWithParam<NamedOperation>
 {
 };
 
@@ -70,10 +43,10 @@ TEST_P(LostAnswers, CostThreeTenthsOfASecond)
     line.simulated.set_reply_filter(first({no_reply()}));
     const Alarm just_before(290);
     const Alarm long_after(5000);
-    EXPECT_TRUE(GetParam().send(line.device));
+    EXPECT_TRUE(GetParam().run(line.device));
     EXPECT_TRUE(just_before.gone_off());
     EXPECT_FALSE(long_after.gone_off());
     EXPECT_EQ(line.sent().size(), 2U);
 }
 
-INSTANTIATE_TEST_SUITE_P(, LostAnswers, testing::ValuesIn(commands), row_name);
+INSTANTIATE_TEST_SUITE_P(, LostAnswers, testing::ValuesIn(single_commands), row_name);

@@ -62,6 +62,18 @@ protected:
     const QByteArray text = ":020000040000FA\n:0400000001020304F2\n:00000001FF\n";
 };
 
+/// A symbolic link to a file that is not there yet.
+class DanglingLink : public ExistingFile
+{
+protected:
+    QString link_to(const QString& target) const
+    {
+        const QString link = folder.filePath(QStringLiteral("link"));
+        EXPECT_TRUE(QFile::link(target, link));
+        return link;
+    }
+};
+
 } // namespace
 
 TEST_F(ExistingFile, HoldsNothingButTheImageAfterwards)
@@ -105,6 +117,34 @@ TEST_F(ExistingFile, IsFoundThroughASymbolicLinkThatStays)
     EXPECT_EQ(file_content(path), text);
 }
 
+TEST_F(DanglingLink, LeadsToTheFileThatIsMade)
+{
+    const QString target = folder.filePath(QStringLiteral("target.hex"));
+    const QString link = link_to(target);
+    EXPECT_TRUE(map.save_to_hex_file(link));
+    EXPECT_EQ(QFile::symLinkTarget(link), target);
+    EXPECT_EQ(file_content(target), text);
+}
+
+TEST_F(DanglingLink, IntoAMissingFolderFailsTheSaveAndStays)
+{
+    const QString target = folder.filePath(QStringLiteral("missing/target.hex"));
+    const QString link = link_to(target);
+    const DebugMessages messages;
+    EXPECT_FALSE(map.save_to_hex_file(link));
+    EXPECT_EQ(lines_of(messages),
+              std::vector<std::string>{"\"MemoryMap::save_to_hex_file(): could not open file '" +
+                                       link.toStdString() + "' for writing\""});
+    EXPECT_EQ(QFile::symLinkTarget(link), target);
+    EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("missing"))));
+}
+
+TEST_F(DanglingLink, ToItselfFailsTheSave)
+{
+    const QString link = link_to(folder.filePath(QStringLiteral("link")));
+    EXPECT_FALSE(map.save_to_hex_file(link));
+}
+
 TEST_F(ExistingFile, MayHaveAsLongANameAsTheSystemTakes)
 {
     for (const int length : {248, 249, 254, 255}) {
@@ -116,7 +156,7 @@ TEST_F(ExistingFile, MayHaveAsLongANameAsTheSystemTakes)
     }
 }
 
-// Whoever hands one file to a container mounts it by itself: no other file can take its place.
+// A single file that is passed into a container is a mount point: no other file can replace it.
 TEST_F(ExistingFile, MayBeAMountOfItsOwn)
 {
     const QString mounted = folder.filePath(QStringLiteral("mounted.hex"));
@@ -137,7 +177,7 @@ TEST_F(ExistingFile, MayBeAMountOfItsOwn)
     EXPECT_EQ(file_content(mounted), "below the mount");
 }
 
-// In a folder like /tmp nobody can move or replace the files of others.
+// In a folder like /tmp, users cannot move or replace the files of others.
 TEST_F(ExistingFile, MayBelongToAnotherUserInAStickyFolder)
 {
     ASSERT_EQ(::geteuid(), 0U) << "only root can give a file to another user";

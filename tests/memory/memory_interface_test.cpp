@@ -1,28 +1,20 @@
 #include "memory/MemoryMap.h"
+#include "tests/memory/Images.h"
+#include "tests/support/Interface.h"
 
 #include <QFile>
+#include <QTemporaryFile>
 #include <gtest/gtest.h>
 
 #include <type_traits>
+
+using namespace test;
 
 // The public members that other programs are written against: names, parameters in their order,
 // types and constness. What has changed here does not compile.
 
 namespace
 {
-
-template <typename Expected, typename Member>
-constexpr bool is_exactly(Member /*member*/)
-{
-    return std::is_same_v<Expected, Member>;
-}
-
-/// Only an overload of exactly this type converts to the parameter.
-template <typename Expected>
-constexpr bool has_overload(Expected /*member*/)
-{
-    return true;
-}
 
 using U32 = unsigned int;
 
@@ -107,4 +99,54 @@ TEST(MemoryInterface, ClearsABlobThroughItsBase)
     base.clear();
     EXPECT_EQ(blob.address, 0U);
     EXPECT_EQ(blob.size(), 0U);
+}
+
+// Neighbouring parameters of the same type, whose order no compiler checks.
+
+TEST(MemoryInterface, TakesAnOffsetBeforeACount)
+{
+    zarnBLOB blob(16);
+    blob.write(3, 2, "abc");
+    EXPECT_EQ(blob.size(), 5U);
+    QByteArray bytes;
+    EXPECT_EQ(blob.read(3, 1, bytes), 1U);
+    EXPECT_EQ(bytes, "a");
+    char byte = '?';
+    EXPECT_EQ(blob.read(4, 1, &byte), 1U);
+    EXPECT_EQ(byte, 'b');
+}
+
+TEST(MemoryInterface, TakesAnAddressBeforeACount)
+{
+    MemoryMap map(16);
+    map.write(3, 2, "abc");
+    EXPECT_EQ(blobs_of(map), (Blobs{{3, "6162"}}));
+    QByteArray bytes;
+    EXPECT_TRUE(map.read(4, 1, bytes));
+    EXPECT_EQ(bytes, "b");
+    char byte = '?';
+    EXPECT_TRUE(map.read(3, 1, &byte));
+    EXPECT_EQ(byte, 'a');
+}
+
+TEST(MemoryInterface, ReturnsAByteBeforeTheChecksum)
+{
+    QTemporaryFile file;
+    ASSERT_TRUE(file.open());
+    file.write("1F");
+    file.seek(0);
+    unsigned char value = 0;
+    unsigned char checksum = 0x10;
+    EXPECT_TRUE(MemoryMap(16).read_hex_byte_from_file(file, value, checksum));
+    EXPECT_EQ(value, 0x1F);
+    EXPECT_EQ(checksum, 0x2F);
+}
+
+TEST(MemoryInterface, AsksWhetherTheFirstBlobComesBeforeTheSecond)
+{
+    AddressedBLOB low(16);
+    AddressedBLOB high(16);
+    high.address = 1;
+    EXPECT_TRUE(AddressedBLOB::address_sort_compare(&low, &high));
+    EXPECT_FALSE(AddressedBLOB::address_sort_compare(&high, &low));
 }

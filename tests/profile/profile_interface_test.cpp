@@ -1,21 +1,18 @@
 #include "profile/MemoryAttributes.h"
 #include "profile/Profiles.h"
+#include "tests/support/Interface.h"
 
 #include <gtest/gtest.h>
 
 #include <type_traits>
+
+using namespace test;
 
 // The public members that other programs are written against: names, parameters in their order,
 // types and constness. What has changed here does not compile.
 
 namespace
 {
-
-template <typename Expected, typename Member>
-constexpr bool is_exactly(Member /*member*/)
-{
-    return std::is_same_v<Expected, Member>;
-}
 
 using U32 = unsigned int;
 using ByMemory = U32 (Profile::*)(MemoryType) const;
@@ -32,7 +29,7 @@ static_assert(is_exactly<QString (*)(Profile::Attr)>(&Profile::attr_to_string));
 static_assert(is_exactly<QStringList (Profile::*)() const>(&Profile::get_details));
 static_assert(is_exactly<const QMetaEnum*>(&meta_attr));
 
-// What it answers about a kind of memory.
+// Queries about a kind of memory.
 static_assert(is_exactly<ByMemory>(&Profile::get_word_size));
 static_assert(is_exactly<ByMemory>(&Profile::get_words_per_address));
 static_assert(is_exactly<ByMemory>(&Profile::get_block_size));
@@ -46,7 +43,7 @@ static_assert(is_exactly<ByMemory>(&Profile::get_address_divisor));
 static_assert(is_exactly<bool (Profile::*)(MemoryType) const>(&Profile::has_memory_type));
 static_assert(is_exactly<U32 (Profile::*)() const>(&Profile::get_endianness));
 
-// What it answers about an address.
+// Queries about an address.
 static_assert(is_exactly<ByAddress>(&Profile::is_flash));
 static_assert(is_exactly<ByAddress>(&Profile::is_eeprom));
 static_assert(is_exactly<ByAddress>(&Profile::is_bootloader));
@@ -55,7 +52,7 @@ static_assert(is_exactly<ByAddress>(&Profile::is_encrypted_flash));
 static_assert(is_exactly<MemoryType (Profile::*)(U32) const>(&Profile::get_memory_type));
 static_assert(is_exactly<U32 (Profile::*)(U32) const>(&Profile::byte_to_word_address));
 
-// Which attribute answers.
+// The attributes of these queries.
 static_assert(ATTR_MEMORY_WORD_SIZE[0] == 9 && ATTR_MEMORY_WORD_SIZE[1] == 16);
 static_assert(ATTR_WORDS_PER_ADDRESS[0] == 10 && ATTR_WORDS_PER_ADDRESS[1] == 17);
 static_assert(ATTR_MEMORY_BLOCK_SIZE[0] == 11 && ATTR_MEMORY_BLOCK_SIZE[1] == 19);
