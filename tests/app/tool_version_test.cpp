@@ -5,11 +5,18 @@ using namespace test;
 namespace
 {
 
-/// Whatever way to the version a command line takes here, the device must not notice.
+/// Ways to a version that do not ask the device.
 class ToolVersion : public ToolTest
 {
 protected:
     ToolResult run(const char* arguments) { return ToolTest::run(m_device, arguments); }
+
+    void expect_0x0102_without_asking(const char* arguments)
+    {
+        EXPECT_EQ(run(arguments),
+                  exited(0, QByteArray("Version set to 0x0102 successfully!") + success));
+        EXPECT_EQ(heard_by(m_device), "");
+    }
 
     sim::SimulatedDevice m_device{twin()};
 };
@@ -37,23 +44,17 @@ TEST_F(ToolVersion, RequestNeedsNoTable)
 
 TEST_F(ToolVersion, GivenIsTakenOnTrust)
 {
-    EXPECT_EQ(run("-B 102"),
-              exited(0, QByteArray("Version set to 0x0102 successfully!") + success));
-    EXPECT_EQ(heard_by(m_device), "");
+    expect_0x0102_without_asking("-B 102");
 }
 
 TEST_F(ToolVersion, GivenMakesTheEntryProcedureUnnecessary)
 {
-    EXPECT_EQ(run("-b -B 0x0102"),
-              exited(0, QByteArray("Version set to 0x0102 successfully!") + success));
-    EXPECT_EQ(heard_by(m_device), "");
+    expect_0x0102_without_asking("-b -B 0x0102");
 }
 
 TEST_F(ToolVersion, GivenMakesTheRequestUnnecessary)
 {
-    EXPECT_EQ(run("-B 0102 -V"),
-              exited(0, QByteArray("Version set to 0x0102 successfully!") + success));
-    EXPECT_EQ(heard_by(m_device), "");
+    expect_0x0102_without_asking("-B 0102 -V");
 }
 
 TEST_F(ToolVersion, GivenIsShownInLowerCase)

@@ -2,6 +2,7 @@
 #include "tests/support/DebugMessages.h"
 #include "tests/support/DeviceOnLine.h"
 #include "tests/support/Replies.h"
+#include "tests/support/RowName.h"
 #include "tests/support/Waiting.h"
 
 #include <gmock/gmock.h>
@@ -41,6 +42,29 @@ std::string gave_up(int attempts, const std::string& faults)
            " attempts, with errors (" + faults + ')';
 }
 
+struct BadAnswer {
+    const char* name;
+    Reply reply;
+    std::vector<std::string> signals;
+};
+
+const BadAnswer bad_answers[] = {
+    {"Damaged",
+     raw("55 55 00 02 01 03 FB 04"),
+     {"sig_encoded_response 55 55 00 02 01 03 FB 04",
+      "sig_error response checksum mismatch (expected FA, got FB)"}},
+    {"ToAnotherCommand",
+     frame_of("00 03 01 02"),
+     {"sig_encoded_response 55 55 00 03 01 02 FA 04", "sig_decoded_response 00 03 01 02"}},
+    {"OfTheWrongLength",
+     frame_of("00 02 01"),
+     {"sig_encoded_response 55 55 00 02 01 FD 04", "sig_decoded_response 00 02 01"}},
+};
+
+class RetriesAfterABadAnswer : public Retries, public testing::WithParamInterface<BadAnswer>
+{
+};
+
 } // namespace
 
 TEST_F(Retries, ReplaceALostAnswer)
@@ -52,39 +76,18 @@ TEST_F(Retries, ReplaceALostAnswer)
                 ElementsAre("sig_unencoded_command 00 02", sent, sent, received, decoded));
 }
 
-TEST_F(Retries, ReplaceADamagedAnswerThatIsReportedAtOnce)
+TEST_P(RetriesAfterABadAnswer, ReplaceItAtOnce)
 {
-    line.simulated.set_reply_filter(first({raw("55 55 00 02 01 03 FB 04")}));
+    line.simulated.set_reply_filter(first({GetParam().reply}));
     EXPECT_TRUE(ask(2, patience_ms));
     EXPECT_EQ(response, bytes("01 02"));
-    EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", sent,
-                            "sig_encoded_response 55 55 00 02 01 03 FB 04",
-                            "sig_error response checksum mismatch (expected FA, got FB)", sent,
-                            received, decoded));
+    std::vector<std::string> expected{"sig_unencoded_command 00 02", sent};
+    expected.insert(expected.end(), GetParam().signals.begin(), GetParam().signals.end());
+    expected.insert(expected.end(), {sent, received, decoded});
+    EXPECT_EQ(line.recorder.lines(), expected);
 }
 
-TEST_F(Retries, ReplaceAnAnswerToAnotherCommand)
-{
-    line.simulated.set_reply_filter(first({frame_of("00 03 01 02")}));
-    EXPECT_TRUE(ask(2, patience_ms));
-    EXPECT_EQ(response, bytes("01 02"));
-    EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", sent,
-                            "sig_encoded_response 55 55 00 03 01 02 FA 04",
-                            "sig_decoded_response 00 03 01 02", sent, received, decoded));
-}
-
-TEST_F(Retries, ReplaceAnAnswerOfTheWrongLength)
-{
-    line.simulated.set_reply_filter(first({frame_of("00 02 01")}));
-    EXPECT_TRUE(ask(2, patience_ms));
-    EXPECT_EQ(response, bytes("01 02"));
-    EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", sent,
-                            "sig_encoded_response 55 55 00 02 01 FD 04",
-                            "sig_decoded_response 00 02 01", sent, received, decoded));
-}
+INSTANTIATE_TEST_SUITE_P(, RetriesAfterABadAnswer, testing::ValuesIn(bad_answers), row_name);
 
 TEST_F(Retries, EndWithTheLastAttempt)
 {

@@ -29,8 +29,8 @@ class Load
 public:
     Load() { m_elapsed.start(); }
 
-    /// Waiting took nearly no processor time; a notifier that fires without end would take all
-    /// that there is.
+    /// Waiting took nearly no processor time; a notifier that fires endlessly would keep a core
+    /// busy.
     bool is_low() const
     {
         return seconds_of_processor() - m_before <
@@ -57,14 +57,14 @@ std::string given_up(int attempts)
            " attempts, with errors (" + errors + ")";
 }
 
-/// Calls it when events are handled next, since a line must not vanish from within its own doings.
+/// Calls it when events are handled next: a line must not be removed from within its own signal.
 template <typename Action>
 void soon(Action action)
 {
     QTimer::singleShot(0, action);
 }
 
-/// A name for ports that come and go.
+/// A name that can be given to one port after another.
 class Link
 {
 public:
@@ -82,6 +82,15 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// Asks for the version, as often as that, of a line that does not answer.
+void expect_no_answer_and_no_load(ZarnSerialDevice& device, unsigned char attempts)
+{
+    const Load load;
+    QByteArray response;
+    EXPECT_FALSE(device.send_and_receive(bytes("00 02"), response, 2, attempts, 300));
+    EXPECT_TRUE(load.is_low());
+}
+
 } // namespace
 
 TEST(VanishedLine, IsLikeASilentDeviceAndCostsNoProcessorTime)
@@ -92,10 +101,7 @@ TEST(VanishedLine, IsLikeASilentDeviceAndCostsNoProcessorTime)
         line.simulated.unplug();
         return no_reply();
     });
-    const Load load;
-    QByteArray response;
-    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 5, 300));
-    EXPECT_TRUE(load.is_low());
+    expect_no_answer_and_no_load(line.device, 5);
     EXPECT_THAT(line.recorder.lines(),
                 ElementsAre("sig_unencoded_command 00 02", version_frame, given_up(5)));
     EXPECT_FALSE(line.port.is_open());
@@ -106,10 +112,7 @@ TEST(VanishedLine, BetweenTwoCommandsIsLikeASilentDeviceToo)
     DeviceOnLine line("sample");
     ASSERT_TRUE(line.device.open_port());
     line.simulated.unplug();
-    const Load load;
-    QByteArray response;
-    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 5, 300));
-    EXPECT_TRUE(load.is_low());
+    expect_no_answer_and_no_load(line.device, 5);
     EXPECT_EQ(line.recorder.lines().back(), given_up(5));
 }
 
@@ -121,10 +124,7 @@ TEST(VanishedLine, WithUnreadBytesOnItIsLikeASilentDeviceToo)
         soon([&] { line.simulated.unplug(); });
         return Reply{{QByteArray(3000, '\x55')}};
     });
-    const Load load;
-    QByteArray response;
-    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 5, 300));
-    EXPECT_TRUE(load.is_low());
+    expect_no_answer_and_no_load(line.device, 5);
     EXPECT_EQ(line.recorder.lines().back(), given_up(5));
     EXPECT_FALSE(line.port.is_open());
 }
@@ -139,10 +139,7 @@ TEST(VanishedLine, OfADeviceThatWasSilentBeforeChangesNothing)
         }
         return no_reply();
     });
-    const Load load;
-    QByteArray response;
-    EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 7, 300));
-    EXPECT_TRUE(load.is_low());
+    expect_no_answer_and_no_load(line.device, 7);
     EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_unencoded_command 00 02", version_frame,
                                                    version_frame, version_frame, given_up(7)));
     EXPECT_FALSE(line.port.is_open());

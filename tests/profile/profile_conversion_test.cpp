@@ -13,6 +13,21 @@ using namespace test;
 namespace
 {
 
+/// That a row of these fields is refused, and which message says so.
+void expect_unparsable(const QStringList& fields, Profile::Attr attribute, const QString& value,
+                       const QString& device)
+{
+    const DebugMessages messages;
+    EXPECT_THROW(Profile{fields}, QException);
+    EXPECT_EQ(
+        messages.texts(),
+        QStringList{
+            QStringLiteral("\"could not parse attr '%1' (value = '%2') for device profile '%3'\"")
+                .arg(Profile::attr_to_string(attribute), value, device)});
+}
+
+const QString example_name = QStringLiteral("DEV-A128");
+
 struct GoodNumber {
     const char* name;
     const char* field;
@@ -62,13 +77,8 @@ class ProfileFieldError : public testing::TestWithParam<BadNumber>
 
 TEST_P(ProfileFieldError, IsReportedAndThrown)
 {
-    const DebugMessages messages;
-    EXPECT_THROW(Profile(with_field(example_fields(), Profile::flash_row_size, GetParam().field)),
-                 QException);
-    const QString text =
-        QStringLiteral("\"could not parse attr 'flash row size' (value = '%1') for "
-                       "device profile 'DEV-A128'\"");
-    EXPECT_EQ(messages.texts(), QStringList{text.arg(QString::fromUtf8(GetParam().field))});
+    expect_unparsable(with_field(example_fields(), Profile::flash_row_size, GetParam().field),
+                      Profile::flash_row_size, QString::fromUtf8(GetParam().field), example_name);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -100,12 +110,7 @@ TEST(ProfileFields, NulInAFieldIsNoDigit)
 TEST(ProfileFields, FailureBeforeTheNameShowsNoName)
 {
     for (const Profile::Attr a : {Profile::bootloader_version, Profile::max_baud}) {
-        const DebugMessages messages;
-        EXPECT_THROW(Profile(with_field(example_fields(), a, "x")), QException);
-        EXPECT_EQ(messages.texts(),
-                  QStringList{QStringLiteral("\"could not parse attr '%1' (value = 'x') for device "
-                                             "profile ''\"")
-                                  .arg(Profile::attr_to_string(a))});
+        expect_unparsable(with_field(example_fields(), a, "x"), a, QStringLiteral("x"), QString());
     }
 }
 
@@ -113,11 +118,7 @@ TEST(ProfileFields, FirstOfTwoBadFieldsIsReported)
 {
     QStringList fields = with_field(example_fields(), Profile::eeprom_max_size, "late");
     fields = with_field(fields, Profile::flash_page_size, "early");
-    const DebugMessages messages;
-    EXPECT_THROW(Profile{fields}, QException);
-    EXPECT_EQ(messages.texts(),
-              QStringList{QStringLiteral("\"could not parse attr 'flash page size' (value = "
-                                         "'early') for device profile 'DEV-A128'\"")});
+    expect_unparsable(fields, Profile::flash_page_size, QStringLiteral("early"), example_name);
 }
 
 TEST(ProfileFields, NameIsTakenAsItStands)
@@ -131,11 +132,8 @@ TEST(ProfileFields, NameWithPlaceMarkersIsReportedAsItStands)
 {
     QStringList fields = with_field(example_fields(), Profile::device_name, "%1 %2");
     fields = with_field(fields, Profile::eeprom_row_size, "%3");
-    const DebugMessages messages;
-    EXPECT_THROW(Profile{fields}, QException);
-    EXPECT_EQ(messages.texts(),
-              QStringList{QStringLiteral("\"could not parse attr 'eeprom row size' (value = '%3') "
-                                         "for device profile '%1 %2'\"")});
+    expect_unparsable(fields, Profile::eeprom_row_size, QStringLiteral("%3"),
+                      QStringLiteral("%1 %2"));
 }
 
 TEST(ProfileFields, FurtherFieldsAreIgnored)
@@ -148,11 +146,8 @@ TEST(ProfileFields, FurtherFieldsAreIgnored)
 
 TEST(ProfileFields, MissingFieldIsAFieldThatDoesNotConvert)
 {
-    const DebugMessages messages;
-    EXPECT_THROW(Profile(example_fields().mid(0, 24)), QException);
-    EXPECT_EQ(messages.texts(),
-              QStringList{QStringLiteral("\"could not parse attr 'flash unencrypted end address' "
-                                         "(value = '') for device profile 'DEV-A128'\"")});
+    expect_unparsable(example_fields().mid(0, 24), Profile::flash_unencrypted_end_address,
+                      QString(), example_name);
 }
 
 TEST(ProfileFields, FieldNGivesAttributeN)
@@ -181,13 +176,8 @@ class ZeroWordsPerAddress : public testing::TestWithParam<BadDivisor>
 
 TEST_P(ZeroWordsPerAddress, IsRejectedLikeAFieldThatDoesNotConvert)
 {
-    const DebugMessages messages;
-    EXPECT_THROW(Profile(with_field(example_fields(), GetParam().attribute, GetParam().field)),
-                 QException);
-    const QString text = QStringLiteral("\"could not parse attr '%1' (value = '%2') for device "
-                                        "profile 'DEV-A128'\"");
-    EXPECT_EQ(messages.texts(), QStringList{text.arg(Profile::attr_to_string(GetParam().attribute),
-                                                     QLatin1String(GetParam().field))});
+    expect_unparsable(with_field(example_fields(), GetParam().attribute, GetParam().field),
+                      GetParam().attribute, QString::fromLatin1(GetParam().field), example_name);
 }
 
 INSTANTIATE_TEST_SUITE_P(

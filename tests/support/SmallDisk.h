@@ -16,8 +16,9 @@ public:
     {
         getrlimit(RLIMIT_FSIZE, &m_before);
         const rlimit limit{largest_file, m_before.rlim_max};
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        if (m_handler == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0) {
+        Action ignore{};
+        ignore.sa_handler = SIG_IGN;
+        if (sigaction(SIGXFSZ, &ignore, &m_handler) != 0 || setrlimit(RLIMIT_FSIZE, &limit) != 0) {
             throw std::runtime_error("cannot limit the size of files");
         }
     }
@@ -25,15 +26,17 @@ public:
     ~SmallDisk()
     {
         setrlimit(RLIMIT_FSIZE, &m_before);
-        static_cast<void>(std::signal(SIGXFSZ, m_handler));
+        sigaction(SIGXFSZ, &m_handler, nullptr);
     }
 
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
 
 private:
+    using Action = struct sigaction;
+
     rlimit m_before{};
-    void (*m_handler)(int) = nullptr;
+    Action m_handler{};
 };
 
 } // namespace test
