@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Why a run ends early: a command line that is not carried out, or a step that failed.
+/// Why a run ends early: a command line that is refused, or a step that failed.
 struct Failure {
     QString message; ///< printed as it stands, with its newline if it has one
     bool with_usage = false;

@@ -34,8 +34,8 @@ inline AddressRange clip(AddressRange range, AddressRange limits)
     return part;
 }
 
-/// Calls `body` with start, start + step, ... below the end for as long as it returns true; true
-/// when it always did. `step` must not be 0.
+/// Calls `body` with start, start + step, ... below the end while it returns true. True if it
+/// always did. `step` must not be 0.
 template <typename Body>
 bool walk(AddressRange range, unsigned int step, Body body)
 {

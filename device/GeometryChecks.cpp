@@ -38,11 +38,11 @@ bool fits(const Profile& profile, MemoryType type, unsigned int address, unsigne
            quint64{address} + num_bytes <= profile.get_max_address(type);
 }
 
-/// What a walk over addresses comes to.
+/// The result of a walk over addresses.
 struct Walk {
     bool any_admitted = false;
     quint64 highest = 0;                ///< the highest number that it counts to
-    std::optional<unsigned int> lowest; ///< admitted addresses whose `length` bytes fit
+    std::optional<unsigned int> lowest; ///< the lowest admitted address whose `length` bytes fit
     std::optional<unsigned int> last;
 };
 

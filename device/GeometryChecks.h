@@ -26,10 +26,10 @@ Reason check_row(const Profile& profile, MemoryType type);
 Reason check_block(const Profile& profile, MemoryType type);
 /// The page size of flash is 0.
 Reason check_page(const Profile& profile);
-/// The page size of flash comes to 0 when it is counted in address units.
+/// The page size of flash is 0 when it is counted in address units.
 Reason check_page_step(const Profile& profile);
 /// `last`, the highest number that an operation counts to on this memory in steps of the attribute
-/// in `unit`, is no 32-bit number.
+/// in `unit`, is not a 32-bit number.
 Reason check_no_wrap(const Profile& profile, MemoryType type, const MemoryAttributes& unit,
                      quint64 last);
 
@@ -44,8 +44,8 @@ Reason check_block_start(const Profile& profile, MemoryType type, unsigned int a
 Reason check_request(const Profile& profile, MemoryType type, unsigned int address,
                      unsigned int num_bytes);
 
-/// How far apart a whole-flash erase takes its pages to be: the table's figure is in address units
-/// there, and in bytes everywhere else. 0 where the table's figures give none.
+/// The distance between pages that a whole-flash erase assumes: the table's figure counts address
+/// units there, and bytes everywhere else. 0 if the table's figures define none.
 unsigned int page_step(const Profile& profile);
 
 /// Reading `length` bytes from each address of `rows`, `step` bytes apart, that `areas` lets

@@ -1,6 +1,6 @@
-// The device object and its port: opening it, reporting, and what becomes of a port with an error.
-// A port that has vanished counts as open and silent, so that nothing is sent to what may have its
-// name by then.
+// The device object and its port: opening it, reporting, and handling its errors. A port that
+// has vanished counts as open and silent, so that nothing is sent to another device that may have
+// been given its name.
 
 #include "device/ZarnSerialDevice.h"
 
@@ -62,12 +62,13 @@ void ZarnSerialDevice::process_events()
 
 /// The notifier of a port that is gone fires endlessly and would keep a core busy through every
 /// wait that follows. A closed port is silent, so the rest of the run sees a device that does not
-/// answer. The port counts as open: whatever has its name by now may be another device.
+/// answer. The port counts as open: its name may belong to another device by now.
 ///
 /// A port that is still there may also report an error, such as when another process reads a byte
 /// from it. Some errors stop its notifications until it is read.
 ///
-/// The error itself says nothing of this, and may belong to an earlier opening of the port.
+/// The error code does not distinguish the two, and it may belong to an earlier opening of the
+/// port.
 void ZarnSerialDevice::look_after_port(QSerialPort::SerialPortError error)
 {
     const bool concerns_line = error == QSerialPort::ReadError ||

@@ -59,8 +59,8 @@ public:
     {
     }
 
-    /// The range is widened to whole blocks, and what lies outside of it is dropped. What begins
-    /// where the memory has ended is not asked for.
+    /// The range is widened to whole blocks, and what lies outside of it is dropped. A block that
+    /// begins at or after the end of the memory is not requested.
     bool read(unsigned int address, QByteArray& data)
     {
         const quint64 block_size = m_profile.get_block_size(m_type);

@@ -71,8 +71,8 @@ public:
                                    .arg(hex8(address))));
     }
 
-    /// Saves under the file's name. How that went shows on the debug channel only; nothing read is
-    /// a failure.
+    /// Saves under the file's name. A failed save is reported on the debug channel only; having
+    /// read nothing is a failure.
     bool save(const QFile& file) const
     {
         if (m_map.size() == 0) {

@@ -80,7 +80,7 @@ private:
 
 } // namespace
 
-/// Rows before the image's first byte are passed over without being sent, so starting at the flash
+/// Rows before the image's first byte are skipped, so starting at the flash
 /// minimum costs nothing. Where EEPROM lies below the image (or there is none) the walk starts at
 /// the image itself, which must then begin on a row.
 bool ZarnSerialDevice::write(const MemoryMap* map, const bool& abort_requested,

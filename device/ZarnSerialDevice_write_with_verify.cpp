@@ -1,6 +1,6 @@
 // Bringing the pages that an image touches up to date: compare, erase, write, read back. A page
-// that has a row without image bytes never matches and is always rewritten; what it held besides
-// the image is lost. EEPROM rows are written and not read back. The commands: Protocol.h.
+// that has a row without image bytes never matches and is always rewritten; what else it
+// held is lost. EEPROM rows are written and not read back. The commands: Protocol.h.
 
 #include "device/GeometryChecks.h"
 #include "device/RowWriter.h"
@@ -189,8 +189,8 @@ private:
         return compared ? Page::Matches : Page::Aborted;
     }
 
-    /// A row that the image has no byte of counts as different: its page is brought to the erased
-    /// state there. So does one that cannot be read, unless the filler is what the image asks for.
+    /// A row without image bytes counts as different: its page is brought to the erased state
+    /// there. So does one that cannot be read, unless the image holds exactly the filler.
     bool row_matches(unsigned int address)
     {
         QByteArray device_row;

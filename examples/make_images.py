@@ -23,7 +23,7 @@ def code(seed, size):
 
 
 def start_table(base, entries):
-    """Start addresses of interrupt routines behind the table itself."""
+    """Start addresses of interrupt routines after the table itself."""
     first = base + 4 * entries
     return b"".join((first + 24 * i).to_bytes(4, "little") for i in range(entries))
 
@@ -63,7 +63,7 @@ IMAGES = {
         (0x11000, program(0x11000, 5, 2030, "meter 1.3 for DUNLIN-48")),
         (0x17E00, program(0x17E00, 6, 0x3F0, "meter keys")),
     ],
-    # WREN-32E: one piece that runs from the end of flash into the EEPROM right behind it.
+    # WREN-32E: one piece that runs from the end of flash into the EEPROM right after it.
     "wren-32e.hex": [
         (0x00400, program(0x400, 7, 1270, "door 0.9 for WREN-32E")),
         (0x07F00, program(0x7F00, 8, 0x100, "door codes") + settings("W32-001200", 7, 1, 2, 3)),

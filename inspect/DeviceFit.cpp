@@ -156,7 +156,7 @@ void Fitter::check_crossing(const Segment& blob)
         line_of(m_image.path, other->range.start), uploader);
 }
 
-/// Where -w begins: at the begin of flash when the image's flash lies below the EEPROM.
+/// Where -w begins: at the start of flash when the image's flash lies below the EEPROM.
 void Fitter::check_rows()
 {
     quint64 flash = end_of_addresses;
@@ -181,7 +181,7 @@ void Fitter::check_row(MemoryType memory, quint64 first)
         return;
     }
     add(Code::NotOnRow,
-        QStringLiteral("%1: the first byte in %2 is %3, which is no multiple of the row of %4.")
+        QStringLiteral("%1: the first byte in %2 is %3, which is not a multiple of the row of %4.")
             .arg(m_profile.name,
                  memory == MEMORY_FLASH ? QStringLiteral("flash") : QStringLiteral("EEPROM"),
                  address_text(first), size_text(row)),

@@ -42,7 +42,7 @@ void check_row_against_block(RowLint& lint, MemoryType memory)
     if (memory == MEMORY_EEPROM) {
         uploader = QStringLiteral("Widens each EEPROM read to whole blocks and sends it in rows.");
     } else if (block < row) {
-        uploader = QStringLiteral("Reads one row at the begin of each block: -r reads bytes twice "
+        uploader = QStringLiteral("Reads one row at the start of each block: -r reads bytes twice "
                                   "and fails where the last row reaches past the end of flash; -l "
                                   "saves a file with overlaps, which cannot be loaded.");
     }
@@ -52,7 +52,7 @@ void check_row_against_block(RowLint& lint, MemoryType memory)
              uploader);
 }
 
-/// Whether begin and end of a memory lie on multiples of a size.
+/// Whether start and end of a memory lie on multiples of a size.
 void check_limits(RowLint& lint, Code code, MemoryType memory, unsigned int size,
                   const char* size_name)
 {
@@ -62,7 +62,7 @@ void check_limits(RowLint& lint, Code code, MemoryType memory, unsigned int size
         const unsigned int address = lint.profile.attributes.at(static_cast<std::size_t>(limit));
         if (address % size != 0) {
             lint.add(code, limit,
-                     QStringLiteral("%1 %2 at %3, which is no multiple of the %4 of %5.")
+                     QStringLiteral("%1 %2 at %3, which is not a multiple of the %4 of %5.")
                          .arg(name_of(memory),
                               limit == limits.front() ? QStringLiteral("begins")
                                                       : QStringLiteral("ends"),

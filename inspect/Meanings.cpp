@@ -16,8 +16,8 @@ constexpr std::array<const char*, Profile::_enum_size> MEANINGS = {
     "name in messages",
     "end of flash as a word address; not used",
     "end of flash, exclusive: byte address %1",
-    "begin of the bootloader: byte address %1",
-    "end of the bootloader, begin of user flash: byte address %1",
+    "start of the bootloader: byte address %1",
+    "end of the bootloader, start of user flash: byte address %1",
     "%2 of flash per page of an erase command",
     "%2 per flash write or read",
     "%2 per flash word",
@@ -25,7 +25,7 @@ constexpr std::array<const char*, Profile::_enum_size> MEANINGS = {
     "flash reads begin and end at multiples of %2",
     "erased flash word, laid out from its top byte",
     "bytes of that word; not used",
-    "begin of EEPROM: byte address %1",
+    "start of EEPROM: byte address %1",
     "end of EEPROM, exclusive, in EEPROM addresses: byte address %1",
     "%2 per EEPROM word",
     "EEPROM words from one address to the next: %3 per address",
@@ -34,7 +34,7 @@ constexpr std::array<const char*, Profile::_enum_size> MEANINGS = {
     "erased EEPROM word, laid out from its top byte",
     "bytes of that word; not used",
     "%2 of EEPROM; not used",
-    "begin of unencrypted flash: byte address %1",
+    "start of unencrypted flash: byte address %1",
     "end of unencrypted flash, exclusive: byte address %1",
 };
 

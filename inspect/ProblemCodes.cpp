@@ -12,15 +12,15 @@ constexpr Severity warning = Severity::Warning;
 const char* const ends_abnormally =
     "Ends abnormally (status 134) as soon as a version is known, whichever device is asked for.";
 const char* const skips_row =
-    "Skips the line without a word. A device of this version is refused, because there is no "
-    "profile for it, or gets another row of the same version.";
+    "Skips the line silently. A device of this version is refused, because there is no profile for "
+    "it, or gets another row of the same version.";
 const char* const refuses_memory =
     "Takes the row. Every operation that needs the figure fails before it sends anything, with "
     "\"unusable geometry in device profile ...\".";
 const char* const refuses_file =
     "Refuses the file. -w, -W, -v and -wv send nothing of it and end with status 1; an -e on the "
     "same line has erased the flash by then.";
-const char* const make_again = "Have the file made or copied again.";
+const char* const make_again = "Create or copy the file again.";
 
 } // namespace
 
@@ -38,14 +38,14 @@ const std::vector<ProblemKind>& problem_kinds()
 {
     static const std::vector<ProblemKind> kinds = {
         {Code::TableUnreadable, "T001", error, "The table cannot be read", ends_abnormally,
-         "Name a readable table, in the uploader's case ./device.txt."},
-        {Code::RowWithBlanks, "T002", error, "Blanks where tabs separate columns", skips_row,
+         "Name a readable table; the uploader itself reads ./device.txt."},
+        {Code::RowWithBlanks, "T002", error, "Spaces where tabs should separate columns", skips_row,
          "Separate the columns by tabs."},
         {Code::RowColumns, "T003", error, "A device row without 25 columns", skips_row,
          "Give the row 25 columns. Empty columns do not count: several tabs are one. Write 0."},
         {Code::RowVersion, "T004", error, "A row of 25 columns that begins with no version",
          ends_abnormally, "Begin the row with v, four hexadecimal digits and a colon: v0110:"},
-        {Code::FieldIsNoNumber, "T005", error, "A field that is no number", ends_abnormally,
+        {Code::FieldIsNoNumber, "T005", error, "A field that is not a number", ends_abnormally,
          "Write a decimal number, or digits after 0x, 0o or 0b, below 4294967296."},
         {Code::WordsPerAddressZero, "T006", error, "Words per address is 0", ends_abnormally,
          "Write how many words lie from one word address to the next."},
@@ -56,13 +56,13 @@ const std::vector<ProblemKind>& problem_kinds()
          "Finds no profile for any version and ends with status 1.",
          "Give the table rows of 25 columns, separated by tabs, in UTF-8."},
         {Code::WordSizeRange, "T009", error, "A word size that cannot work", refuses_memory,
-         "Write the bytes of one word, or 0 when the device has no such memory."},
+         "Write the number of bytes in a word, or 0 if the device has no such memory."},
         {Code::WordsPerAddressRange, "T010", error, "More words per address than bytes in a word",
          refuses_memory,
          "Correct the word size or the words per address: a word address must stand for a whole "
          "number of bytes."},
         {Code::RowSizeRange, "T011", error, "A row size that cannot work", refuses_memory,
-         "Write the bytes that one write command takes."},
+         "Write the number of bytes that one write command takes."},
         {Code::BlockSizeRange, "T012", error, "A block size that cannot work",
          "Takes the row. -r, -l, -v and -wv fail before they send anything, with \"unusable "
          "geometry in device profile ...\" (EEPROM: -r, -l and -v).",
@@ -70,64 +70,60 @@ const std::vector<ProblemKind>& problem_kinds()
         {Code::PageSizeRange, "T013", error, "A page size that cannot work",
          "Takes the row. -e and -wv fail before they send anything, with \"unusable geometry in "
          "device profile ...\".",
-         "Write the bytes that one page of the erase command has."},
+         "Write the number of bytes in a page of the erase command."},
         {Code::MemoryEmpty, "T014", error, "A memory with words and without addresses",
          "Finds no address in this memory: leaves out what an image holds for it, erases and reads "
          "nothing of it, and succeeds. -l of addresses in it fails.",
-         "Correct begin or end; or write a word size of 0 when the device has no such memory."},
+         "Correct the start or the end, or write a word size of 0 if the device has no such "
+         "memory."},
         {Code::MemoryWithoutWords, "T015", error, "A memory with addresses and without words",
-         refuses_memory, "Write the word size, or 0 for begin and end."},
+         refuses_memory, "Write the word size, or 0 for start and end."},
         {Code::RateUnusable, "T016", error, "A rate that no port can be set to",
          "Fails with \"cannot open port ... (Invalid baud rate value)\" before the first "
-         "operation, "
-         "after the device has been found.",
+         "operation, after the device has been found.",
          "Write the rate that the device is served at, in baud."},
         {Code::EepromInsideBlock, "T017", error, "EEPROM begins inside a block",
          "Fails with \"unusable geometry in device profile ...\" where -r, -l or -v would read the "
          "EEPROM's first block.",
-         "Begin EEPROM on a multiple of its block size, or correct the block size."},
+         "Start EEPROM on a multiple of its block size, or correct the block size."},
         {Code::AddressesWrap, "T018", error, "An address beyond 32 bits",
          "Drops the upper bits of the scaled address and works with the rest.",
          "Correct the address, or the divisor that scales it."},
         {Code::CommandWords, "T019", warning, "More than 255 words in one command",
          "Sends the count in one byte, which drops its upper bits. A count of 0 fails; another one "
          "makes reads go in pieces, of which the last can reach past the memory and fail, and "
-         "EEPROM "
-         "writes announce too few words.",
+         "EEPROM writes announce too few words.",
          "Make row and block at most 255 words."},
-        {Code::PageNotRows, "T020", warning, "A page that is no multiple of the row",
+        {Code::PageNotRows, "T020", warning, "A page that is not a multiple of the row",
          "Steps through each page in rows: the last row of a page reaches into the next one, and "
          "-wv fails on a page that does not begin on a row.",
          "Correct the page or the row size."},
-        {Code::RowNotWords, "T021", warning, "A row that is no multiple of the word",
+        {Code::RowNotWords, "T021", warning, "A row that is not a multiple of the word",
          "Counts whole words in its commands: a read brings less than the row and another one "
          "follows; an EEPROM write announces fewer bytes than it sends.",
          "Correct the row or the word size."},
-        {Code::BlockNotWords, "T022", warning, "A block that is no multiple of the word",
+        {Code::BlockNotWords, "T022", warning, "A block that is not a multiple of the word",
          "Counts whole words: a read of a block brings less than the block and another one "
-         "follows. "
-         "Where a block does not begin on a word address, the address sent is rounded down.",
+         "follows. Where a block does not begin on a word address, the address sent is rounded "
+         "down.",
          "Correct the block or the word size."},
         {Code::RowNotBlock, "T023", warning, "Row and block differ",
-         "Reads one row at the begin of each block: -r leaves out what a larger block has more.",
+         "Reads one row at the start of each block: -r leaves out the rest of a larger block.",
          "Make the two equal, unless the device's documents say otherwise."},
         {Code::LimitOffPage, "T024", warning, "Flash begins or ends inside a page",
-         "Fails on that page in -e (begin) or -wv (begin and end); -e of a flash that ends inside "
-         "a "
-         "page asks the device to erase that page, too.",
+         "Fails on that page in -e (at the start) or -wv (at either end); if flash ends inside a "
+         "page, -e asks the device to erase that page, too.",
          "Correct the limit or the page size."},
         {Code::LimitOffRow, "T025", warning, "A memory begins or ends inside a row",
          "Fails on the row that does not lie wholly in the memory. Where flash begins inside a "
-         "row, "
-         "every row of -w does so, and fails.",
+         "row, every row of -w does so, and fails.",
          "Correct the limit or the row size."},
         {Code::LimitOffBlock, "T026", warning, "A memory begins or ends inside a block",
-         "Reads whole blocks and drops what lies outside of the memory. -l and -W refuse a begin "
-         "of "
-         "flash that is no multiple of the block.",
+         "Reads whole blocks and drops what lies outside of the memory. -l and -W refuse a start "
+         "of flash that is not a multiple of the block.",
          "Correct the limit or the block size."},
         {Code::AreaOutsideFlash, "T027", warning, "The unencrypted area is not inside flash",
-         "Takes only flash addresses from the begin up to the end of the area as unencrypted, and "
+         "Takes only flash addresses from the start up to the end of the area as unencrypted, and "
          "all other flash as encrypted.",
          "Correct the area's limits; for a device without one, make both the end of flash."},
         {Code::AreaOffPage, "T028", warning, "The unencrypted area begins or ends inside a page",
@@ -141,121 +137,117 @@ const std::vector<ProblemKind>& problem_kinds()
         {Code::NoBootloader, "T030", warning, "No room for a bootloader",
          "Takes everything from the bootloader's end on as user flash: -e asks the device to erase "
          "it, -wv where the image has data there.",
-         "Write the bootloader's begin and end, in word addresses."},
+         "Write the bootloader's start and end as word addresses."},
         {Code::FillerNotErased, "T031", warning, "A filler that is not the erased state",
-         "Programs these bytes into what an image leaves open of a row.",
+         "Programs these bytes into the parts of a row that an image leaves open.",
          "Write the filler from its top byte on."},
         {Code::MemoryBeyondHex, "T032", warning, "A memory that no HEX file can address",
-         "Reads it, but cannot write it from a file: what an address record says of it ends up at "
-         "0xFF800000 and above.",
+         "Reads it, but cannot write it from a file: an address record for it leads to 0xFF800000 "
+         "and above.",
          "Place EEPROM below 0x800000; the line counts EEPROM addresses from 0 anyway."},
         {Code::DivisorNotOne, "T033", warning, "A divisor other than 1",
          "Steps -e by the page size times the divisor and counts one page per step, from the "
          "lowest page on: the upper part of flash stays as it was on a device that counts pages in "
          "bytes.",
          "Check -e on a device, or use -wv, which takes the page size in bytes."},
-        {Code::DivisorRounded, "T034", warning, "A word that is no multiple of words per address",
-         "Rounds the divisor down.", "Correct the word size or the words per address."},
+        {Code::DivisorRounded, "T034", warning,
+         "A word that is not a multiple of words per address", "Rounds the divisor down.",
+         "Correct the word size or the words per address."},
         {Code::RateNotStandard, "T035", warning, "A rate that is not a standard one",
-         "Asks the port for exactly this rate; many adapters cannot do it, and then nobody "
+         "Asks the port for exactly this rate; many adapters cannot set it, and then no device "
          "answers.",
-         "Check the rate. If it is right, check that the adapter can do it."},
+         "Check the rate. If it is right, check that the adapter can set it."},
         {Code::VersionLowByte, "T036", warning, "A version that no device can report",
-         "Takes a second byte of 0x80 or more for a negative number, which turns the first one "
-         "into "
+         "Takes a second byte of 0x80 or more as a negative number, which turns the first one into "
          "0xFF. The row is found with -B only.",
          "Begin the row with the version that the uploader sees."},
         {Code::FlashEndsDisagree, "T037", warning, "The two ends of flash disagree",
          "Uses the end in bytes and never looks at the one in words.",
          "Correct the wrong one of the two, or the divisor."},
         {Code::EepromSizesDisagree, "T038", warning, "EEPROM limits and size disagree",
-         "Uses begin and end and never looks at the size.",
+         "Uses start and end and never looks at the size.",
          "Correct the wrong one of the three, or the divisor that scales the end."},
         {Code::FillerSizeDisagrees, "T039", warning, "Filler size and word size disagree",
          "Uses the word size and never looks at the filler's.",
          "Correct the wrong one of the two."},
         {Code::RowTooSlow, "T040", error, "A row that takes longer than an answer may",
          "Waits 300 ms for an answer, asks 40 times and fails.",
-         "Make row and block smaller, or the rate higher, if the device can do it."},
+         "Make row and block smaller, or the rate higher, if the device supports it."},
         {Code::WordAddressTooLong, "T041", error, "Addresses beyond 24 bits",
          "Sends 24 bits of a word address: what lies beyond is read, written and erased at the "
          "address that is left.",
          "Correct the end of the memory."},
         {Code::AnswerTooLong, "T042", warning, "An answer of more than 65535 bytes",
-         "Compares the length of an answer in 16 bits, so one that is shorter by 65536 bytes is "
-         "only "
-         "found to be too short in the end, and not asked for again.",
+         "Compares the length of an answer in 16 bits, so one that is 65536 bytes too short is "
+         "noticed only at the end, and is not requested again.",
          "Make word, row and block smaller."},
         {Code::DiffersFromOther, "T043", warning, "A value differs from the other table",
          "Works with this table's value.", "Find out which of the two is right."},
-        {Code::MissingInOther, "T044", warning, "A device that one table has and the other has not",
+        {Code::MissingInOther, "T044", warning, "A device that is in only one of the tables",
          "Knows the devices of its own table only.", "Find out which of the two is right."},
 
         {Code::ImageUnreadable, "I001", error, "The image cannot be read",
          "Creates a missing file, empty, when it reads its command line, and then writes nothing "
-         "of "
-         "it and succeeds; refuses one that cannot be opened for reading and writing.",
+         "of it and succeeds; refuses one that cannot be opened for reading and writing.",
          "Name a readable file."},
         {Code::ImageWithoutData, "I002", error, "An image without data",
          "Takes it as a good image: -w and -wv write nothing and succeed, -v fails.",
-         "Check that this is the right file and that it was made without an error."},
+         "Check that this is the right file and that it was created without an error."},
         {Code::RecordCutShort, "I003", error, "A record that is cut short", refuses_file,
          make_again},
-        {Code::RecordBadDigit, "I004", error, "A character that is no hexadecimal digit",
+        {Code::RecordBadDigit, "I004", error, "A character that is not a hexadecimal digit",
          refuses_file, make_again},
-        {Code::RecordChecksum, "I005", error, "A checksum that does not fit", refuses_file,
-         "Have the file made or copied again. Do not correct the checksum: the record is damaged."},
+        {Code::RecordChecksum, "I005", error, "A checksum that does not match", refuses_file,
+         "Create or copy the file again. Do not correct the checksum: the record is damaged."},
         {Code::NoFurtherRecord, "I006", error, "Text without a \":\" where a record should be",
          refuses_file, make_again},
         {Code::SegmentAddress, "I007", error, "A segment address record", refuses_file,
-         "Have the file made with 32-bit linear addresses, or convert it."},
+         "Create the file with 32-bit linear addresses, or convert it."},
         {Code::SegmentStart, "I008", error, "A segment start record", refuses_file,
-         "Have the file made with 32-bit linear addresses, or convert it."},
+         "Create the file with 32-bit linear addresses, or convert it."},
         {Code::Overlap, "I009", error, "The same address twice", refuses_file,
          "Find out which of the two is right; equal bytes are refused, too."},
         {Code::LostColon, "I010", error, "A record that has lost its \":\"",
-         "Passes over the line without a word. Its data are missing, and if it is an address "
-         "record "
-         "the data after it go to the wrong addresses. -v and -wv do not notice.",
+         "Skips the line silently. Its data are missing, and if it is an address record, the data "
+         "after it go to the wrong addresses. -v and -wv do not notice.",
          make_again},
-        {Code::TextBetween, "I011", warning, "Text between records", "Passes over it.",
+        {Code::TextBetween, "I011", warning, "Text between records", "Skips it.",
          "Check that nothing is missing there."},
         {Code::RecordsAfterEnd, "I012", warning, "Records after the end record",
-         "Stops at the end record. What follows is not written, and -v does not miss it.",
+         "Stops at the end record. What follows is not written, and -v does not notice.",
          "Load the files one by one, or join them with a tool that knows HEX files."},
         {Code::NoEndRecord, "I013", warning, "No end record",
-         "Loads the file. If its end is missing, so are the data there, and -v does not miss them.",
+         "Loads the file. If its end is missing, so are the data there, and -v does not notice.",
          "Check that the file is complete."},
         {Code::AddressBit23, "I014", error, "An address with bit 23 set",
          "Widens the second byte of the address as a signed number: the data that follow go to "
-         "0xFF800000 and above, where no device has memory. -w and -v pass over them.",
+         "0xFF800000 and above, where no device has memory. -w and -v skip them.",
          "Link the data to addresses with bit 23 clear."},
         {Code::StartAddressBeforeData, "I015", error, "A start address before data",
-         "Takes a start address (type 5) for the upper address of the data that follow, which "
-         "move.",
+         "Takes a start address (type 5) as the upper address of the data that follow, which end "
+         "up elsewhere.",
          "Move the record to the end of the file, or remove it."},
         {Code::AddressRecordLength, "I016", warning, "An address record of unusual length",
-         "Takes missing bytes as 0 and ignores further ones.",
-         "Have the file made again: type 4 records have two bytes, type 5 records four."},
-        {Code::UnknownType, "I017", warning, "A record of an unknown type", "Passes over it.",
+         "Takes missing bytes as 0 and ignores extra ones.",
+         "Create the file again: type 4 records have two bytes, type 5 records four."},
+        {Code::UnknownType, "I017", warning, "A record of an unknown type", "Skips it.",
          "Find out what the record is for."},
         {Code::EndOfAddresses, "I018", error, "Data up to the end of the address space",
          "Writes no byte of a piece that reaches 0xFFFFFFFF or beyond.", "Correct the addresses."},
         {Code::OutsideDevice, "I019", error, "Bytes outside the device",
-         "Passes over them: -w, -wv and -v do their work without them and succeed.",
+         "Skips them: -w, -wv and -v do their work without them and succeed.",
          "Check that image and device belong together."},
         {Code::InBootloader, "I020", warning, "Bytes in the bootloader",
-         "Never writes the bootloader: passes over them, and succeeds.",
+         "Never writes the bootloader: skips them and succeeds.",
          "Leave the bootloader out of the image, or know that it stays as it is."},
         {Code::AcrossLimit, "I021", error, "A record that runs across a limit",
-         "Takes the whole piece for what it begins in: -w leaves out what lies after the end of "
-         "that "
-         "memory and succeeds, -v and -wv fail there.",
+         "Treats the whole piece as part of the memory in which it begins: -w leaves out what lies "
+         "after the end of that memory and succeeds, -v and -wv fail there.",
          "Split the record at the limit."},
         {Code::NotOnRow, "I022", warning, "Data that begin inside a row",
          "-w fails with \"address must be a multiple of row_size\". -wv rounds down to whole rows "
          "and works.",
-         "Let the data begin on a row, or use -wv."},
+         "Let the data start on a row, or use -wv."},
         {Code::NothingInDevice, "I023", error, "Nothing of the image lies in the device",
          "-w and -wv write nothing and succeed, -v fails.",
          "Check that image and device belong together."},

@@ -21,7 +21,7 @@ public:
     static bool address_sort_compare(const AddressedBLOB* a, const AddressedBLOB* b);
 
     // Intel HEX out. `file` must be open for writing; record addresses are the low 16 bits of
-    // byte addresses. False when the file did not take all of it.
+    // byte addresses. False if not all of it could be written.
     bool write_record_to_file(QFile& file, IntelHexFileRecordType type,
                               unsigned short record_address, QByteArray data) const;
     bool write_data_record_to_file(QFile& file, unsigned short record_address,

@@ -17,8 +17,8 @@ struct Record {
     QByteArray data;
 };
 
-/// What becomes of a record. A field is missing when the text ends in it or when it holds a
-/// character that is no hexadecimal digit.
+/// The outcome of parsing a record. A field is missing if the text ends within it or if it holds a
+/// character that is not a hexadecimal digit.
 enum class RecordOutcome {
     Complete,
     NoColon, ///< no record begins before the end of the text
@@ -37,11 +37,11 @@ const char* message_of(RecordOutcome outcome);
 struct ParsedRecord {
     RecordOutcome outcome;
     /// How many characters after the colon fit. If the record is neither complete nor damaged by
-    /// its checksum alone, the next one is no digit, or there is none.
+    /// its checksum alone, the next one is not a digit, or there is none.
     std::ptrdiff_t consumed;
 };
 
-/// Takes apart the record whose colon stands right before `begin`. A record without all of its data
+/// Parses the record whose colon is right before `begin`. A record without all of its data
 /// changes only `record.data`, to the bytes that came before; one with a missing or wrong checksum
 /// is filled in.
 ParsedRecord parse_record(const char* begin, const char* end, Record& record);

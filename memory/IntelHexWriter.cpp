@@ -27,7 +27,7 @@ class RecordBlocks
 public:
     explicit RecordBlocks(QFile& file) : m_file(file) { m_text.reserve(2 * block_size); }
 
-    /// False, here and below, when the file has not taken everything.
+    /// False, here and below, if not everything could be written.
     bool add(const AddressedBLOB& blob, unsigned short upper)
     {
         unsigned int count = 0;
@@ -68,7 +68,7 @@ bool write_image(QFile& file, const MemoryMap& map)
            records.finish();
 }
 
-/// Whether the file has taken all that was written, what it still held included.
+/// Whether everything was written, buffered text included.
 bool close(QFile& file)
 {
     file.close();

@@ -20,8 +20,8 @@ struct Record;
 class RecordReader;
 } // namespace intel_hex
 
-/// A sparse image of device memory: blobs in the order in which they came. Where blobs overlap,
-/// the later one wins. Addresses are 32-bit byte addresses and wrap.
+/// A sparse image of device memory: blobs in the order in which they were added. Where blobs
+/// overlap, the later one wins. Addresses are 32-bit byte addresses and wrap.
 class MemoryMap
 {
 public:
@@ -36,7 +36,7 @@ public:
 
     /// Index of the first blob that holds `address`, or -1.
     int get_blob_index(unsigned int address) const;
-    /// The blobs in list order, owned by the map and only to be looked at until it changes.
+    /// The blobs in list order, owned by the map and valid until it changes.
     const Blobs& blobs() const;
 
     /// Copies the image's bytes of [address, address + count) to `dst`, which must have room for
@@ -70,7 +70,7 @@ public:
     /// `boundaries` (byte addresses) begins a new blob. Failures are reported on the debug channel
     /// and may leave the blobs read so far in the map. The map is left sorted by address.
     bool load_from_hex_file(QString path, QSet<unsigned int> boundaries);
-    /// Looks at a record that has been read and what became of it, before it is stored or refused.
+    /// Called with each record that has been read and its outcome, before it is stored or refused.
     using RecordObserver = std::function<void(
         const intel_hex::RecordReader&, const intel_hex::ParsedRecord&, const intel_hex::Record&)>;
     /// The same with the records of a reader, from where it stands up to the end record.
@@ -79,7 +79,7 @@ public:
                                const RecordObserver& observer = {});
     /// Writes all blobs in list order as an Intel HEX file. An existing file keeps its owner, mode
     /// and links and loses its content as soon as it is open. One that cannot be opened, or that
-    /// does not take everything, is reported on the debug channel; false then.
+    /// cannot be written in full, is reported on the debug channel; false then.
     bool save_to_hex_file(QString path) const;
 
 private:

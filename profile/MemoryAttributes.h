@@ -19,7 +19,7 @@ inline constexpr MemoryAttributes ATTR_MEMORY_ROW_SIZE{Profile::flash_row_size,
 /// EEPROM is written without erasing pages first and has none.
 inline constexpr MemoryAttributes ATTR_MEMORY_PAGE_SIZE{Profile::flash_page_size,
                                                         Profile::_enum_size};
-/// The bootloader sits at the bottom of flash; what a user may touch begins where it ends.
+/// The bootloader sits at the bottom of flash; user flash begins where it ends.
 inline constexpr MemoryAttributes ATTR_MEMORY_MIN_ADDR{Profile::bootloader_end_address,
                                                        Profile::eeprom_start_address};
 inline constexpr MemoryAttributes ATTR_MEMORY_MAX_ADDR{Profile::flash_end_address_bytes,

@@ -11,7 +11,7 @@
 #include <array>
 
 /// One device of the family as its row of the profile table describes it. Read-only once built;
-/// the registry owns every profile and everybody else only points to it.
+/// the registry owns every profile and everyone else only points to it.
 ///
 /// All addresses that the queries take and return are byte addresses of the image unless a name
 /// says "word".
@@ -58,7 +58,7 @@ public:
 
     /// The attribute whose key name is exactly `key`, or -1.
     static Attr string_to_attr(QString key);
-    /// The key name of `a` with blanks for underscores; empty for a value that is no attribute.
+    /// The key name of `a` with spaces for underscores; empty for a value that is not an attribute.
     static QString attr_to_string(Attr a);
 
     /// A listing for people: one line per attribute, then the address divisors.
@@ -106,6 +106,6 @@ private:
     QString detail(Attr a) const;
 };
 
-/// Key names and values of Profile::Attr. Inline, so that it is ready before anything that a source
-/// including this header makes ahead of main().
+/// Key names and values of Profile::Attr. Inline, so that it is initialized before the global
+/// objects of any source that includes this header.
 inline const QMetaEnum meta_attr = QMetaEnum::fromType<Profile::Attr>();

@@ -10,7 +10,7 @@
 namespace
 {
 
-/// Columns are lined up with as many tabs as it takes.
+/// People align columns with several tabs, so a run of tabs separates two fields.
 QString with_single_tabs(QString line)
 {
     const QChar tab = QLatin1Char('\t');
@@ -29,7 +29,7 @@ QStringList split_fields(const QString& line)
     return fields;
 }
 
-/// Whether the four characters between are digits shows when the profile converts the field.
+/// The profile checks whether the four characters in between are digits when it converts the field.
 bool is_version_field(const QString& field)
 {
     return field.size() == 6 && field.startsWith(QLatin1Char('v')) &&

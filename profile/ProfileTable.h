@@ -6,10 +6,10 @@
 
 class QIODevice;
 
-/// What one line of a profile table is to its readers.
+/// A line of a profile table, by what it holds.
 struct ProfileTableLine {
     enum class Kind {
-        Remark,     ///< any number of fields but 25: blank lines, titles, notes
+        Remark,     ///< any number of fields except 25: blank lines, titles, notes
         Header,     ///< the row of column titles
         Row,        ///< one device
         Unparsable, ///< 25 fields, but the first is neither "Version" nor like "v0102:"
@@ -20,10 +20,10 @@ struct ProfileTableLine {
     QStringList fields;
 };
 
-/// Takes a line, given without its line end, apart.
+/// Splits a line, given without its line end, into fields.
 ProfileTableLine parse_profile_table_line(QString line);
 
-/// Reads the next line of a table as UTF-8 text; bytes that are none become replacement characters.
+/// Reads the next line of a table as UTF-8 text; invalid bytes become replacement characters.
 /// A line ends at "\n", which goes together with one "\r" before it, or at the end of the device.
 /// Nothing at the end of the device and when reading fails. Every call takes exactly one line, so
 /// the number of calls is the number of the line.

@@ -51,7 +51,7 @@ Profiles::Profiles()
             enter(std::make_unique<Profile>(line->fields));
         }
     }
-    // Half a table is no table: the device that is asked for might be in the other half.
+    // Part of a table is not used: the requested device might be in the missing part.
     if (file.error() != QFile::NoError) {
         fail(QStringLiteral("file read error: ") + file.fileName());
     }

@@ -9,7 +9,7 @@
 #include <memory>
 
 /// The one registry of device profiles, from 16-bit bootloader version to Profile. The first
-/// question to it reads ./device.txt; any error in that file is reported on the debug
+/// query reads ./device.txt; any error in that file is reported on the debug
 /// channel and leaves that first call as a thrown `QException*`.
 class Profiles : public QObject
 {
@@ -18,7 +18,7 @@ class Profiles : public QObject
 public:
     static Profiles& get_instance();
 
-    /// One line per profile in ascending version order: eight hexadecimal digits, blank, name.
+    /// One line per profile in ascending version order: eight hexadecimal digits, space, name.
     static QStringList dump();
     static bool has_profile(unsigned short version);
     /// The profile of `version`, owned by the registry. Asking for an unknown version returns null
@@ -29,7 +29,7 @@ public:
 
 private:
     Profiles();
-    /// Takes the profile in under its version, in place of an earlier one.
+    /// Enters the profile under its version, replacing an earlier one.
     void enter(std::unique_ptr<Profile> profile);
 
     /// The profiles are children of the registry.

@@ -16,7 +16,7 @@ namespace Platform
 void occupy_standard_descriptors();
 
 /// From here on, writing to a pipe whose reader has gone away, or to a file that must not grow any
-/// further, fails; by itself it would end the process.
+/// further, fails instead of ending the process.
 void let_impossible_writes_fail();
 
 /// Reads up to `size` bytes from the open file's current position, past its buffer. Waits while
@@ -28,11 +28,11 @@ enum class StandardStream { Output, Error };
 /// How writing to a stream has ended.
 enum class WriteOutcome {
     Complete,
-    ReaderGone, ///< whoever read the pipe has closed it
+    ReaderGone, ///< the reader has closed the pipe
     Failed,
 };
 
-/// Writes all of `bytes`, past any buffer. Waits while the stream takes nothing.
+/// Writes all of `bytes`, past any buffer. Waits while the stream accepts nothing.
 WriteOutcome write_all(StandardStream stream, const QByteArray& bytes);
 
 /// Whether the stream is a terminal. False where the system cannot be asked.

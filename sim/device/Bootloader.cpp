@@ -77,7 +77,7 @@ std::vector<Exchange> Bootloader::hear(const QByteArray& bytes, unsigned int bau
     return exchanges;
 }
 
-/// The first probe ends the state in which probes are heard, unless the device is a silent one.
+/// The first probe ends the state in which probes are answered, unless the device is a silent one.
 void Bootloader::hear_probe(const QByteArray& bytes, unsigned int baud,
                             std::vector<Exchange>& exchanges)
 {
@@ -101,7 +101,7 @@ bool Bootloader::listens_to_probe(unsigned int baud) const
 
 bool Bootloader::listens_to_frames(unsigned int baud) const
 {
-    // A silent device is listened through, not with: it hears what any of the others would.
+    // A silent device records what a device in any other state would receive.
     const bool identifies = m_running || m_entry == Entry::Silent;
     return baud == m_profile.attributes[Profile::max_baud] ||
            (identifies && baud == identification_baud);
@@ -129,7 +129,7 @@ Exchange Bootloader::handle(const QByteArray& payload, unsigned int baud)
     return exchange;
 }
 
-/// What gets to the device; marks a command that does not.
+/// The payload that reaches the device; marks a command that does not.
 std::optional<QByteArray> Bootloader::let_through(Command& command) const
 {
     std::optional<QByteArray> payload = m_gate ? m_gate(command) : command.payload;
@@ -137,7 +137,7 @@ std::optional<QByteArray> Bootloader::let_through(Command& command) const
     return payload;
 }
 
-/// The payload of the answer, empty where there is none; marks a command that is refused.
+/// The payload of the answer, empty if there is none; marks a command that is refused.
 QByteArray Bootloader::carry_out(Command& command)
 {
     QByteArray answer;
@@ -191,7 +191,7 @@ QByteArray Bootloader::write(const Command& command)
     return done ? command.payload.left(1) : QByteArray();
 }
 
-/// One row at a time, at its place in the row grid: that is how the cells are wired.
+/// One row at a time, at its place in the row grid, as the cells are wired.
 bool Bootloader::program_row(const Command& command, unsigned int address)
 {
     const MemoryGeometry flash = geometry_of(m_profile, false);

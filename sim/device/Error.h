@@ -7,8 +7,8 @@
 namespace sim
 {
 
-/// What was asked for can't be done; what() says why, in words for the user that name no option of
-/// a program.
+/// A request cannot be carried out; what() says why, in words for the user that do not mention the
+/// options of a program.
 class Error : public std::runtime_error
 {
 public:

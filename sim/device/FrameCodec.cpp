@@ -10,7 +10,7 @@ constexpr char sync = '\x55';
 constexpr char escape = '\x05';
 constexpr char terminator = '\x04';
 
-/// A line that never sends a terminator must not eat all memory; no frame is near this long.
+/// A line that never sends a terminator must not use up all memory; no frame is nearly this long.
 constexpr int longest_body = 1 << 20;
 
 bool is_special(char byte)
@@ -65,7 +65,7 @@ void FrameReceiver::reset()
     m_body.clear();
 }
 
-/// True when the byte completes a sound frame, whose payload and checksum are then in the body.
+/// True if the byte completes a valid frame, whose payload and checksum are then in the body.
 bool FrameReceiver::take(char byte)
 {
     switch (m_state) {

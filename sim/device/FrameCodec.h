@@ -11,17 +11,17 @@ namespace sim
 QByteArray make_frame(const QByteArray& payload);
 
 /// Finds frames in a stream of bytes. A device cannot report errors: whatever is not a valid
-/// frame is dropped, and the next pair of sync symbols starts anew.
+/// frame is dropped, and the next pair of sync symbols starts a new one.
 class FrameReceiver
 {
 public:
-    /// Takes the next bytes from the line, cut anywhere, and returns the payloads of the frames
+    /// Takes the next bytes from the line, split anywhere, and returns the payloads of the frames
     /// that they complete.
     std::vector<QByteArray> receive(const QByteArray& bytes);
     /// Forgets the frame that has begun.
     void reset();
 
-    /// Frames that began with sync symbols and came to nothing: bad checksum, needless escape,
+    /// Frames that began with sync symbols and were dropped: bad checksum, needless escape,
     /// a sync symbol in the middle, no payload.
     unsigned int dropped_frames() const { return m_dropped_frames; }
 

@@ -9,8 +9,8 @@
 namespace sim
 {
 
-/// One value of an enumeration: what users call it and what it means. An enumeration has one table
-/// of these, which must have all of its values.
+/// A value of an enumeration with its name for users and its meaning. Each enumeration has one
+/// table of these, which must list all of its values.
 template <typename Kind>
 struct Named {
     Kind kind;

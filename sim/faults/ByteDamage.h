@@ -7,8 +7,8 @@
 namespace sim
 {
 
-/// A bad line in one direction: turns a random bit of a byte over now and then. What happens to the
-/// nth byte does not depend on the pieces in which the bytes come.
+/// A bad line in one direction: now and then flips a random bit of a byte. What happens to the nth
+/// byte does not depend on how the bytes are split.
 class ByteDamage
 {
 public:
@@ -25,11 +25,11 @@ private:
     unsigned int m_count = 0;
 };
 
-/// The bytes with one bit turned over, which one being chosen by a random number.
+/// The bytes with one bit flipped, which a random number chooses.
 QByteArray with_bit_turned(QByteArray bytes, std::uint64_t draw);
 
-/// The bytes with the top bits of the last two turned over, which leaves their checksum as it was.
-/// They must be two or more.
+/// The bytes with the top bits of the last two flipped, which leaves their checksum as it was.
+/// There must be two or more.
 QByteArray with_same_sum(QByteArray bytes);
 
 } // namespace sim

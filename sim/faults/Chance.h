@@ -20,7 +20,7 @@ public:
 
     bool is_never() const { return m_threshold == 0; }
 
-    /// Whether it happens, given a random number. The number's low bits take no part.
+    /// Whether it happens, given a random number. The number's low bits are not used.
     bool covers(std::uint64_t draw) const { return draw >> unused_bits < m_threshold; }
 
 private:
@@ -30,8 +30,8 @@ private:
     std::uint64_t m_threshold = 0;
 };
 
-/// Random numbers that are the same on every machine for the same seed and name, and have nothing
-/// to do with those of another name.
+/// Random numbers that are the same on every machine for the same seed and name, and independent of
+/// those of another name.
 class DrawStream
 {
 public:

@@ -31,7 +31,7 @@ bool is_on_request(FaultKind kind, const Command& command)
     }
 }
 
-/// What the device gets of the payload.
+/// The payload as the device receives it.
 std::optional<QByteArray> payload_after(std::optional<FaultKind> fault, const QByteArray& payload)
 {
     if (fault == FaultKind::AlterRequest) {
@@ -101,7 +101,7 @@ FaultInjector::Reply FaultInjector::reply(const Command& command, const QByteArr
     const Decision decision = m_decisions.front();
     m_decisions.pop_front();
     Reply reply;
-    // What the device refuses anyway it neither pretends to do nor halves.
+    // A command that the device refuses anyway is neither faked nor halved.
     const bool happened = !command.refused || decision.on_request == FaultKind::AlterRequest;
     if (decision.on_request && happened) {
         reply.applied.push_back(*decision.on_request);

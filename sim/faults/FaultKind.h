@@ -10,9 +10,9 @@
 namespace sim
 {
 
-/// In the order in which they take their effect; fault_kinds says what each is.
+/// In the order in which they take effect; fault_kinds describes each.
 enum class FaultKind {
-    // Whatever else is to happen, these do.
+    // Whatever other faults there are, these take effect.
     PowerLoss,
     Unplug,
     // On the way to the device.
@@ -38,22 +38,23 @@ enum class FaultKind {
 };
 
 constexpr std::array<Named<FaultKind>, 18> fault_kinds = {{
-    {FaultKind::PowerLoss, "power-loss", "no sign of life from this command on"},
+    {FaultKind::PowerLoss, "power-loss", "the device is dead from this command on"},
     {FaultKind::Unplug, "unplug", "the port vanishes"},
-    {FaultKind::LoseRequest, "lose-request", "the device never hears the command"},
-    {FaultKind::CorruptRequest, "corrupt-request", "the device drops the command for a bad frame"},
-    {FaultKind::AlterRequest, "alter-request", "the command is damaged, its checksum fits"},
-    {FaultKind::PhantomWrite, "phantom-write", "a write is acknowledged and not done"},
-    {FaultKind::HalfWrite, "half-write", "a write is acknowledged and half done"},
+    {FaultKind::LoseRequest, "lose-request", "the device never receives the command"},
+    {FaultKind::CorruptRequest, "corrupt-request",
+     "the command is damaged; the device drops it"},
+    {FaultKind::AlterRequest, "alter-request", "the command is damaged, its checksum matches"},
+    {FaultKind::PhantomWrite, "phantom-write", "a write is acknowledged but not carried out"},
+    {FaultKind::HalfWrite, "half-write", "a write is acknowledged but half carried out"},
     {FaultKind::WrongAck, "wrong-ack", "a write or erase gets a wrong acknowledgement"},
-    {FaultKind::StuckBits, "stuck-bits", "bits of a cell hold their level from the start"},
+    {FaultKind::StuckBits, "stuck-bits", "bits of a cell never change"},
     {FaultKind::LoseResponse, "lose-response", "the answer is lost"},
-    {FaultKind::AlterResponse, "alter-response", "the answer is damaged, its checksum fits"},
+    {FaultKind::AlterResponse, "alter-response", "the answer is damaged, its checksum matches"},
     {FaultKind::CorruptResponse, "corrupt-response", "one bit of the answer is wrong"},
     {FaultKind::TruncateResponse, "truncate-response", "the end of the answer is missing"},
-    {FaultKind::DelayResponse, "delay-response", "the answer comes late"},
-    {FaultKind::DuplicateResponse, "duplicate-response", "the answer comes twice"},
-    {FaultKind::Noise, "noise", "bytes of any value come before the answer"},
+    {FaultKind::DelayResponse, "delay-response", "the answer is late"},
+    {FaultKind::DuplicateResponse, "duplicate-response", "the answer is sent twice"},
+    {FaultKind::Noise, "noise", "random bytes precede the answer"},
     {FaultKind::RequestBytes, "request-bytes", "each byte of a command may have a wrong bit"},
     {FaultKind::ResponseBytes, "response-bytes", "each byte of an answer may have a wrong bit"},
 }};
@@ -68,7 +69,7 @@ QString form_of(FaultKind kind);
 /// All names, separated by commas.
 QString fault_kind_list();
 
-/// The fault hits single bytes rather than commands.
+/// Whether the fault affects single bytes rather than commands.
 bool hits_bytes(FaultKind kind);
 
 } // namespace sim

@@ -15,7 +15,8 @@ FaultPlan::FaultPlan(std::vector<FaultRule> rules, std::uint64_t seed)
     }
 }
 
-/// Rules of one kind draw numbers of their own, or the rarer of two would never hit by itself.
+/// Each rule of a kind draws a number of its own; otherwise the rarer of two would never apply
+/// alone.
 void FaultPlan::add(const FaultRule& rule, std::uint64_t seed)
 {
     std::string name = name_of(rule.kind);

@@ -15,7 +15,7 @@ struct FaultRule {
     FaultKind kind = FaultKind::LoseResponse;
     Chance chance;
     std::set<unsigned int> commands; ///< by number, the first being 1
-    int delay_ms = 0;                ///< of a delayed response
+    int delay_ms = 0;                ///< of a delayed answer
 };
 
 /// A fault that is to happen to one command.
@@ -25,15 +25,15 @@ struct Fault {
     int delay_ms = 0;
 };
 
-/// Which faults happen to which command. The same seed and rules always give the same plan; what
-/// chance does to one rule has no influence on the others.
+/// Which faults happen to which command. The same seed and rules always give the same plan, and
+/// the rules are independent of each other.
 class FaultPlan
 {
 public:
     FaultPlan(std::vector<FaultRule> rules, std::uint64_t seed);
 
-    /// The faults for the next command, the first call's being number 1; each kind once at most, by
-    /// the first of its rules that hits, in the order of the kinds.
+    /// The faults for the next command, the first call's being number 1; each kind at most once, by
+    /// the first of its rules that applies, in the order of the kinds.
     std::vector<Fault> next();
 
 private:

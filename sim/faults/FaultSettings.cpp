@@ -13,7 +13,7 @@ namespace
 
 constexpr int longest_delay_ms = 600000;
 
-/// What the user wrote, taken apart but not yet understood.
+/// What the user wrote, split into words but not yet interpreted.
 struct Words {
     QString kind;
     QStringList parameters;

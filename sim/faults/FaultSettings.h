@@ -7,14 +7,14 @@
 namespace sim
 {
 
-/// Bits of a memory cell that hold their level whatever is done.
+/// Bits of a memory cell that never change their level.
 struct StuckBits {
     unsigned int address = 0;
     unsigned char mask = 0;
     bool level = false;
 };
 
-/// Everything that is to go wrong.
+/// All faults of a run.
 struct FaultSettings {
     std::vector<FaultRule> rules;
     Chance request_bytes;
@@ -35,8 +35,8 @@ struct FaultSettings {
 ///     KIND@N[,N...]                    at the Nth command
 ///     stuck-bits:ADDRESS:MASK:LEVEL    from the start
 ///
-/// where delay-response is followed by a colon and its milliseconds, and the kinds that hit single
-/// bytes only take a probability. Throws Error.
+/// where delay-response is followed by a colon and its milliseconds, and the kinds that affect
+/// single bytes only take a probability. Throws Error.
 void add_fault(FaultSettings& settings, const QString& text);
 
 } // namespace sim

@@ -13,8 +13,8 @@ namespace
 
 constexpr std::uint64_t longest_noise = 8;
 
-/// Works its way from the device outwards: what the device answers, what the line makes of it, and
-/// when it comes.
+/// Applies faults from the device outwards: to its answer, to the bytes on the line, to their
+/// timing.
 class ReplyMaker
 {
 public:
@@ -83,7 +83,7 @@ private:
         return replace_answer(make_frame(QByteArray(1, wrong)));
     }
 
-    /// The answer to a probe is no frame and has no checksum to fit.
+    /// The answer to a probe is not a frame and has no checksum to match.
     bool alter()
     {
         const std::vector<QByteArray> payloads = FrameReceiver().receive(m_answer);

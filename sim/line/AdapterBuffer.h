@@ -8,14 +8,14 @@
 namespace sim
 {
 
-/// What a USB adapter does with the bytes that come from the device: a full packet goes to the host
-/// at once, a short one when nothing has filled it up for the latency time. Knows no clock.
+/// How a USB adapter passes on bytes from the device: a full packet goes to the host at once, a
+/// short one if it has not been filled within the latency time. The caller supplies the time.
 class AdapterBuffer
 {
 public:
     static constexpr int packet_size = 62; ///< payload of a full-speed USB packet
 
-    /// Without latency everything goes to the host at once.
+    /// With a latency of 0 everything goes to the host at once.
     explicit AdapterBuffer(qint64 latency_ns) : m_latency_ns(latency_ns) {}
 
     /// Takes bytes and returns the full packets that they complete, one after the other.

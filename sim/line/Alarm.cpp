@@ -54,7 +54,7 @@ void Alarm::set_exactly(qint64 time_ns)
 
 void Alarm::arm(qint64 time_ns)
 {
-    // All zeros would disarm the timer instead of letting it go off at once.
+    // All zeros would disarm the timer instead of firing it at once.
     const qint64 time = std::max<qint64>(time_ns, 1);
     itimerspec setting{};
     setting.it_value.tv_sec = time / ns_per_second;

@@ -8,23 +8,23 @@
 namespace sim
 {
 
-/// Goes off once at a point in time. Finer than the event loop's own timers, whose milliseconds are
-/// many bytes long on a fast line, and set to the point itself rather than to a time from now.
+/// A single-shot timer with an absolute deadline. Finer than the event loop's own timers: on a fast
+/// line many bytes pass in one of their milliseconds.
 class Alarm : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Throws std::system_error when the system gives no timer.
+    /// Throws std::system_error if the system provides no timer.
     Alarm();
 
-    /// The clock of the alarm: steady, in nanoseconds, from no particular beginning.
+    /// The clock of the alarm: steady, in nanoseconds, from an arbitrary origin.
     static qint64 now_ns();
 
-    /// Goes off at that time, at once if it is past, instead of at the time set before.
+    /// Fires at that time, at once if it is past; replaces the time set before.
     void set(qint64 time_ns);
-    /// The same, not some 50 microseconds later as the system wakes a sleeper: the end of the time
-    /// is waited for awake.
+    /// The same without the 50 microseconds or so that the system needs to wake a sleeping process:
+    /// it polls the clock for the last part of the wait.
     void set_exactly(qint64 time_ns);
     void stop();
 

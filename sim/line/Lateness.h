@@ -7,7 +7,8 @@
 namespace sim
 {
 
-/// How far the simulator fell behind its own schedule: a busy machine's part in what a host saw.
+/// How late the simulator was against its own schedule: the part of what a host saw that is due to
+/// a busy machine.
 class Lateness
 {
 public:

@@ -43,7 +43,7 @@ std::vector<Slice> slices(qint64 start_ns, int count, unsigned int baud)
     for (int offset = 0; offset < count; offset += result.back().count) {
         const bool ending = offset >= ending_begin;
         const int most = bytes_within(ending ? ending_slice_ns : slice_ns, baud);
-        // A short slice comes first, so that the last one follows on the one before in good time.
+        // The short slice comes first, so that the last one does not wait for the one before it.
         const int size = ((ending ? count : ending_begin) - offset - 1) % most + 1;
         result.push_back({offset, size, start_ns + line_time_ns(offset + size, baud), ending});
     }

@@ -7,8 +7,8 @@
 namespace sim
 {
 
-/// How much of the time from the first byte on the line to the last one bytes were passing: what is
-/// left are the pauses that host, device and machine made.
+/// The share of the time from the first byte on the line to the last in which bytes were passing.
+/// The rest is pauses of the host, the device and the machine.
 class LineUse
 {
 public:

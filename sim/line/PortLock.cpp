@@ -24,7 +24,7 @@ bool is_left_by_the_dead(const QString& lock)
     return converted && process > 0 && ::kill(process, 0) != 0 && errno == ESRCH;
 }
 
-/// A program that wants the port removes the lock of a dead one, if it is allowed to.
+/// A program that opens the port removes the lock of a dead process, if it has permission.
 bool is_in_force(const QString& lock)
 {
     const bool can_be_removed = QFileInfo(lock).ownerId() == ::geteuid();

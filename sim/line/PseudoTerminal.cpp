@@ -49,7 +49,7 @@ QString slave_path(const Descriptor& master)
 }
 
 /// A host whose port has vanished frees its number a moment before it removes its lock file. A new
-/// port of that number could not be opened in between, so locked numbers are passed over.
+/// port of that number could not be opened in between, so locked numbers are skipped.
 Descriptor open_master_without_lock()
 {
     std::vector<Descriptor> passed_over;
@@ -148,7 +148,7 @@ void PseudoTerminal::read_available()
         release_port();
         Q_EMIT received(QByteArray(buffer.data(), static_cast<int>(count)), baud);
     } else if (count == 0 || !try_again_later()) {
-        // Nothing can come any more; a notifier left on would keep a core busy for nothing.
+        // No more data can arrive; an enabled notifier would only keep a core busy.
         unplug();
     }
 }

@@ -23,7 +23,7 @@ class PseudoTerminal : public QObject
     Q_OBJECT
 
 public:
-    /// Throws std::system_error when the system gives no pseudo-terminal.
+    /// Throws std::system_error if the system provides no pseudo-terminal.
     PseudoTerminal();
     ~PseudoTerminal() override;
 
@@ -34,7 +34,7 @@ public:
 
     /// The rate that the host has set, custom rates included; 0 once unplugged.
     unsigned int host_baud() const;
-    /// The host has bytes waiting that it has not read yet.
+    /// Whether the host has bytes waiting that it has not read yet.
     bool host_has_unread() const;
 
     /// Bytes that the terminal has had no room for.
@@ -43,7 +43,7 @@ public:
     /// While not listening, what the host sends stays where it is until the host has to wait.
     void set_listening(bool listening);
 
-    /// Puts bytes on the line. What the terminal has no room for is kept and follows by itself.
+    /// Puts bytes on the line. What the terminal has no room for is kept and sent later.
     void write(const QByteArray& bytes);
     /// Closes both ends and drops what was still to be written: the host's port vanishes.
     void unplug();

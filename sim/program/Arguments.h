@@ -10,7 +10,7 @@
 namespace sim
 {
 
-/// What the user of the program zserial-sim asks for. Empty names: not asked for.
+/// What the command line of zserial-sim requests. An empty name: not requested.
 struct Arguments {
     enum class Action { Serve, ListDevices, ShowHelp, ShowVersion };
 
@@ -22,7 +22,7 @@ struct Arguments {
     QString memory_image;
     QString save_image;
     QString check_image;
-    bool ignore_outside = false; ///< bytes of that image that the device has no place for
+    bool ignore_outside = false; ///< bytes of that image that lie outside the device
     QString state;
     QString link;
     QString replay;
@@ -32,7 +32,7 @@ struct Arguments {
     bool json = false;
 };
 
-/// Takes the command line apart, the program's name first. Throws Error.
+/// Parses the command line, which begins with the program's name. Throws Error.
 Arguments parse_arguments(const QStringList& command_line);
 
 } // namespace sim

@@ -19,16 +19,15 @@ public:
     CommandRunner(const QStringList& command, const QString& port_path);
 
     void start();
-    /// Asks the command to end; when asked for the second time, makes it end.
+    /// Asks the command to end; the second call kills it.
     void stop();
 
 Q_SIGNALS:
-    /// Comes once, when the command has ended or turned out not to start; `complaint` says why not.
+    /// Emitted once, when the command has ended or failed to start; `complaint` says why.
     void ended(const sim::CommandEnd& end, const QString& complaint);
 
 private:
-    /// A child that has its signals as programs expect them, whatever this process does with its
-    /// own.
+    /// A child with the signal settings that programs expect, whatever those of this process are.
     class Process : public QProcess
     {
     protected:

@@ -5,7 +5,7 @@
 namespace sim
 {
 
-/// A line on standard output, there at once: whoever started the program waits for the first one.
+/// Prints a line on standard output at once: the process that started this one waits for the first.
 void print(const QString& line);
 
 /// A line on standard error.

@@ -16,7 +16,7 @@ namespace sim
 class DeviceTable
 {
 public:
-    /// Reads the table. Throws Error when it can't be read or holds a bad row.
+    /// Reads the table. Throws Error if it cannot be read or has a bad row.
     explicit DeviceTable(const QString& path);
 
     /// One line per device in ascending order: the version as four hexadecimal digits, the name.

@@ -8,7 +8,7 @@
 namespace sim
 {
 
-/// A file that the user named, and what for.
+/// A file that the user named, and its use.
 struct NamedFile {
     enum class Use {
         Read,
@@ -21,7 +21,7 @@ struct NamedFile {
     Use use = Use::Read;
 };
 
-/// Two of the files are one and the same, by whatever names, and one of them would be lost.
+/// Two names lead to the same file, whose content would be lost.
 struct FileClash {
     QString option;
     QString other_option;

@@ -7,11 +7,11 @@
 namespace sim
 {
 
-/// The program's command line taken apart into words, by the table of its options.
+/// The program's command line, split according to the table of its options.
 class OptionParser
 {
 public:
-    /// Throws Error for what is no option or lacks its value.
+    /// Throws Error for an unknown option or a missing value.
     explicit OptionParser(const QStringList& command_line);
 
     bool has(const char* name) const { return m_parser.isSet(QString::fromLatin1(name)); }
@@ -22,7 +22,7 @@ public:
     /// All values given, in their order.
     QStringList values(const char* name) const;
 
-    /// What is left when all options are taken.
+    /// The words that are neither options nor their values.
     QStringList rest() const { return m_parser.positionalArguments(); }
 
     QString help_text() const { return m_parser.helpText(); }

@@ -9,9 +9,8 @@ namespace sim
 class PortLink
 {
 public:
-    /// Takes the place of a link that a simulator left behind: one that leads nowhere or to a
-    /// pseudo-terminal. Throws Error when anything else is there, or when there can't be a
-    /// link.
+    /// Replaces a link that another simulator has left: one that is dangling or leads to a
+    /// pseudo-terminal. Throws Error if anything else is there, or if the link cannot be made.
     PortLink(const QString& path, const QString& port_path);
     /// Removes the link, unless another simulator has taken its place.
     ~PortLink();

@@ -3,7 +3,7 @@
 namespace sim
 {
 
-/// How a command went that was run on the port.
+/// How a command that was run on the port ended.
 struct CommandEnd {
     enum class Kind { Exited, Killed, NotStarted };
 

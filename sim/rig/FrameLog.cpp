@@ -23,7 +23,7 @@ bool is_hexadecimal(const QByteArray& digits)
     return std::all_of(digits.begin(), digits.end(), is_digit);
 }
 
-/// The line is one of a log as far as it goes.
+/// Whether the line is the beginning of a line of a log.
 bool may_be_cut(const QByteArray& line)
 {
     const QByteArray prefix = line.left(prefix_length);

@@ -9,14 +9,14 @@ namespace sim
 
 class DeviceMemory;
 
-/// An Intel HEX file beside a device's memory.
+/// An Intel HEX file that fills a device's memory or is compared with it.
 class MemoryImage
 {
 public:
     /// Loads the file. Throws Error when that fails.
     explicit MemoryImage(const QString& path);
 
-    /// Fills the memory; returns how many bytes of the image the device has no place for.
+    /// Fills the memory; returns the number of bytes of the image that lie outside the device.
     unsigned int fill(DeviceMemory& memory) const;
 
     struct Comparison {
@@ -25,10 +25,10 @@ public:
         unsigned int outside_bytes = 0; ///< of the image, that lie neither in flash nor in EEPROM
     };
 
-    /// Compares what the image holds for user flash and EEPROM with the memory. The rest of an
-    /// image, the bootloader's part included, is nothing that an uploader could have written. An
-    /// image that holds nothing for the device does not match. Bytes outside of the device are
-    /// counted and are no difference.
+    /// Compares what the image holds for user flash and EEPROM with the memory. An uploader
+    /// cannot have written the rest of an image, the bootloader's part included. An image without
+    /// bytes for the device does not match. Bytes outside of the device are
+    /// counted, but are not differences.
     Comparison compare(const DeviceMemory& memory) const;
 
 private:

@@ -11,7 +11,7 @@ namespace sim
 namespace
 {
 
-/// Enough to see what a host did that the recorded one had not done.
+/// Enough to see where a host departed from the recording.
 constexpr std::size_t most_unmatched = 100;
 
 } // namespace

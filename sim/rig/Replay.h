@@ -9,12 +9,12 @@
 namespace sim
 {
 
-/// Answers as a recorded device did. Requests are looked for from where the last one was found
-/// onwards, so a host may leave out what the recorded one did, but not go back.
+/// Answers as a recorded device did. Each request is searched for after the previous match, so a
+/// host may leave out requests of the recording, but not go back.
 class Replay
 {
 public:
-    /// A request that was not in what remained of the log, made so many times in a row.
+    /// A request that was not in the rest of the log, and how often it was made in a row.
     struct Unmatched {
         QByteArray payload;
         int times = 0;
@@ -22,16 +22,16 @@ public:
 
     explicit Replay(FrameLog log);
 
-    /// What followed the request in the log; empty where nothing did, and for a request that is not
-    /// in what remains of the log.
+    /// The recorded answer to the request; empty if there is none or if the request is not in the
+    /// rest of the log.
     QByteArray answer_to(const QByteArray& payload);
 
-    /// Recorded requests that a host has made so far, and all there are.
+    /// The number of recorded requests that a host has made so far, and of all.
     int matched() const { return m_matched; }
 
     int recorded() const { return static_cast<int>(m_log.entries.size()); }
 
-    /// The first of the requests that were not in what remained of the log.
+    /// The first of the requests that were not in the rest of the log.
     const std::vector<Unmatched>& unmatched() const { return m_unmatched; }
 
     /// How many different ones came after those.

@@ -1,9 +1,9 @@
 #pragma once
 
-// This folder puts a device, its faults, a recorded log, the trace and the account of a run
-// together. What a trace shows is the command as the device took it, after the faults of the way
-// there, and the bytes as they went out, after those of the way back. docs/simulator.md has the
-// formats of trace and summary; logs are those of the tool's option -x.
+// This folder combines a device, its faults, a recorded log, the trace and the summary of a run. A
+// trace shows the command as the device received it, after faults on the way there, and the bytes
+// as they were sent, after faults on the way back. docs/simulator.md describes the formats of trace
+// and summary; logs are those of the tool's option -x.
 
 #include "sim/device/SimulatedDevice.h"
 #include "sim/faults/FaultInjector.h"
@@ -21,13 +21,13 @@ struct RigOptions {
     FaultSettings faults;
 };
 
-/// A simulated device with everything around it that a user may ask for: faults that happen to it,
-/// a log that speaks in its place, a trace of what it does, and the account at the end.
+/// A simulated device with everything that a user may request: faults, a recorded log that answers
+/// in its place, a trace of what it does, and the summary at the end.
 class Rig
 {
 public:
-    /// The profile must outlive the rig. Throws Error for stuck bits where there is no memory,
-    /// std::system_error when the system gives no line.
+    /// The profile must outlive the rig. Throws Error for stuck bits outside of its memory,
+    /// std::system_error if the system provides no line.
     Rig(const Profile& profile, const RigOptions& options);
 
     SimulatedDevice& device() { return m_device; }
@@ -37,10 +37,10 @@ public:
     /// Begins a trace, see Trace; throws what that throws.
     void start_trace(const QString& path);
 
-    /// How things stand; without a check, which is the caller's.
+    /// The summary so far, without the check, which is up to the caller.
     Summary summary() const;
 
-    /// No line of a trace is missing in its file.
+    /// Whether every line of the trace is in its file.
     bool is_trace_whole() const { return !m_trace || m_trace->is_whole(); }
 
 private:

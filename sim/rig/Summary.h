@@ -20,7 +20,7 @@
 namespace sim
 {
 
-/// What is reported about a device's run when it is over.
+/// What is reported about a run at its end.
 struct Summary {
     struct Pace {
         Lateness lateness;
@@ -51,9 +51,9 @@ struct Summary {
     std::optional<CommandEnd> command;
 };
 
-/// For a reader.
+/// As text for people.
 QStringList text_of(const Summary& summary);
-/// For a program.
+/// As JSON for programs.
 QJsonObject json_of(const Summary& summary);
 
 } // namespace sim

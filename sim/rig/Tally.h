@@ -7,7 +7,7 @@
 namespace sim
 {
 
-/// Counts what a device was asked for.
+/// Counts the commands to a device.
 class Tally
 {
 public:
@@ -17,7 +17,8 @@ public:
 
     unsigned int refused() const { return m_refused; }
 
-    /// Frames that were the same as the one before: what a host does that got no good answer.
+    /// Frames that were the same as the one before: a host repeats a command without a valid
+    /// answer.
     unsigned int repeated() const { return m_repeated; }
 
 private:

@@ -20,7 +20,7 @@ QString field(const char* name, qint64 value)
     return QStringLiteral("%1=%2").arg(QString::fromLatin1(name), QString::number(value));
 }
 
-/// The bytes of memory that a read asks for or a write brings.
+/// The number of bytes that a read requests or a write sends.
 qint64 data_size(const Profile& profile, const Command& command)
 {
     if (command.kind == Command::Kind::Write) {
@@ -80,8 +80,8 @@ QString fault_names(const std::vector<FaultKind>& faults)
     return names.isEmpty() ? QStringLiteral("none") : names.join(QLatin1Char(','));
 }
 
-/// Never waits: neither for a reader of a pipe to come, nor later for it to read. A device that
-/// waited would miss its times.
+/// Never waits, neither for a pipe to get a reader nor for the reader: a device that waited would
+/// miss its deadlines.
 int open_trace(const QString& path)
 {
     constexpr mode_t by_umask = 0666;

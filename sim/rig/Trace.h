@@ -14,7 +14,7 @@ class Profile;
 namespace sim
 {
 
-/// What a command led to.
+/// The outcome of a command.
 struct Outcome {
     QByteArray answer; ///< before the faults; empty where the device stays silent
     bool is_recorded = false;
@@ -25,19 +25,18 @@ struct Outcome {
 /// The line of a trace for one command, without its time.
 QString trace_line(const Profile& profile, const Command& command, const Outcome& outcome);
 
-/// A file with a line for every command that the device made out.
+/// A file with a line for every command that the device recognised.
 class Trace
 {
 public:
-    /// Begins the file anew and the time at 0. Throws Error when the file can't be written, as is a
-    /// pipe without a reader.
-    /// The profile must outlive the trace.
+    /// Truncates the file and starts the time at 0. Throws Error if the file cannot be written,
+    /// such as a pipe without a reader. The profile must outlive the trace.
     Trace(const QString& path, const Profile& profile);
 
-    /// A line is in the file at once, for those who follow it.
+    /// Writes the line at once, for readers that follow the file.
     void add(const Command& command, const Outcome& outcome);
 
-    /// Every line so far has got into the file, or into the pipe, whose reader may be too slow.
+    /// Whether every line so far is in the file or pipe; the reader of a pipe may be too slow.
     bool is_whole() const { return m_is_whole; }
 
 private:

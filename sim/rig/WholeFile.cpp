@@ -23,8 +23,8 @@ std::unique_ptr<QFileDevice> target_for(const QString& path)
     return file;
 }
 
-/// Ends the file that took the `complete` content or not; whether all of it has arrived. commit()
-/// alone does not notice when the disk takes only a part of what was still buffered.
+/// Finishes the file; `complete` says whether all content was accepted so far. Whether all of it
+/// was written: commit() alone does not notice if the disk takes only a part of the buffer.
 bool finish(QFileDevice& file, bool complete)
 {
     const bool arrived = complete && file.flush();

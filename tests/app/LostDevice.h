@@ -16,10 +16,10 @@ struct Loss {
     /// Within the command at which it happens.
     enum class Moment {
         Unheard,      ///< the device has not read it; as long as it has power
-        Undone,       ///< nothing of it is done
-        Unanswered,   ///< it is done, and nothing of the answer is sent
-        HalfAnswered, ///< it is done, and half of the answer has arrived
-        Repeated,     ///< nothing of it is done, nor of some of its repetitions
+        Undone,       ///< it is not carried out
+        Unanswered,   ///< it is carried out, and nothing of the answer is sent
+        HalfAnswered, ///< it is carried out, and half of the answer has arrived
+        Repeated,     ///< neither it nor some of its repetitions are carried out
     };
 
     Of of = Of::Power;
@@ -28,8 +28,8 @@ struct Loss {
     std::size_t command = 0;
 };
 
-/// A device that is lost at one of its commands. Its port's name goes to no other device as long as
-/// it lives.
+/// A device that is lost at one of its commands. No other device gets the name of its port as
+/// long as it lives.
 class LostDevice
 {
 public:

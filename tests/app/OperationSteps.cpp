@@ -18,7 +18,7 @@ const QByteArray eeprom_1010 = counting(0x10, 0xE0);
 const std::vector<Piece> image{
     {0x80, row_80 + row_a0}, {0x100, row_100}, {0x1000, eeprom_1000 + eeprom_1010}};
 
-/// What is in a device that has been used before.
+/// The contents of a device that has been programmed before.
 const Piece old_flash{0x40, counting(0x100, 0x01)};
 const Piece old_eeprom{0x1000, counting(0x20, 0x31)};
 
@@ -58,7 +58,8 @@ Step eeprom_step(unsigned int address, const QByteArray& row, const QByteArray& 
             {address, row}};
 }
 
-/// A row that cannot be read for the comparison has its page written.
+/// A read that compares a row. After a failed one the tool tries to rewrite the page: it sends an
+/// erase, which a lost device does not answer either.
 Step compare_step(unsigned int page, unsigned int row)
 {
     return {

@@ -17,13 +17,13 @@ struct Step {
     Commands aftermath{};
 };
 
-/// An operation of the tool on a device that does what it is asked to.
+/// An operation of the tool on a device that carries out every command.
 struct Operation {
     const char* name;
     const char* arguments;
     std::vector<Piece> before; ///< in the device
     std::vector<Step> steps;
-    QByteArray begun; ///< what is printed at the start
+    QByteArray begun; ///< printed at the start
     QByteArray first_progress;
     QByteArray failed;
     QByteArray done;

@@ -25,7 +25,7 @@ QByteArray records(const std::vector<Piece>& pieces, const QByteArray& before_ea
     return text + end_record;
 }
 
-/// `head`, then the address in three bytes, low one first.
+/// `head`, then the address in three bytes, low byte first.
 std::string command(const char* head, unsigned int word_address)
 {
     QByteArray address;

@@ -10,11 +10,11 @@
 namespace test
 {
 
-// QUAD is as small as a device with everything can be. Flash beyond its bootloader goes from 0x40
-// to 0x140, in pages of 0x40 bytes and rows of 0x20; the pages at 0x80 and 0xC0 are unencrypted.
-// EEPROM goes from 0x1000 to 0x1020 in rows of 0x10.
+// QUAD is the smallest device that has everything. Flash after its bootloader is at 0x40 to 0x140,
+// in pages of 0x40 bytes and rows of 0x20; the pages at 0x80 and 0xC0 are unencrypted. EEPROM is at
+// 0x1000 to 0x1020, in rows of 0x10.
 
-/// Bytes and where they belong.
+/// Bytes and their address.
 struct Piece {
     unsigned int address;
     QByteArray bytes;
@@ -23,7 +23,7 @@ struct Piece {
 /// An image file of these pieces.
 QByteArray image_file(const std::vector<Piece>& pieces);
 
-/// What the tool saves when it reads these pieces: each record brings its upper address half.
+/// The file that the tool saves when it reads these pieces: an address record precedes each record.
 std::string saved_file(const std::vector<Piece>& pieces);
 
 /// Payloads in hexadecimal.
@@ -38,7 +38,7 @@ std::string erase_page(unsigned int address);
 std::string read_eeprom(unsigned int address);
 std::string write_eeprom(unsigned int address, const QByteArray& row);
 
-/// What a read of all the device sends, and of all but its EEPROM.
+/// The commands of a read of the whole device, and of all but its EEPROM.
 Commands read_everything();
 Commands read_all_flash();
 
@@ -48,12 +48,12 @@ extern const char* const reset;
 /// The progress line at each of these percentages.
 QByteArray progress(std::initializer_list<int> percentages);
 
-/// The console text after a command whose every answer is that of no command.
+/// The console text after a command all of whose answers belong to no command.
 QByteArray given_up_on_wrong_answers();
-/// How often a command is sent before it is given up.
+/// How often a command is sent before it has failed.
 constexpr std::size_t attempts = 40;
 
-/// And of one that is not answered.
+/// The console text after a command that is not answered.
 QByteArray given_up_on_silence(std::size_t after = attempts);
 
 /// Runs the tool beside QUAD, which is the only device in the table.
@@ -69,12 +69,12 @@ protected:
     /// With the version given.
     ToolResult operate(const char* arguments) const;
 
-    /// What such a run comes to that prints `text` between the version and the end.
+    /// The result of such a run that prints `text` between the version and the end.
     static ToolResult succeeded(const QByteArray& text);
     static ToolResult failed(const QByteArray& text);
 
-    /// Gives every command from the one of this sequence on this reply, empty for none; `count`
-    /// commands only, if given.
+    /// Gives this reply (empty: none) to every command from this sequence number on, or to `count`
+    /// commands.
     void reply_from(unsigned int sequence, const QByteArray& reply, std::size_t count = SIZE_MAX);
 
 private:

@@ -18,7 +18,7 @@ struct RefusedLine {
     QByteArray message;
 };
 
-/// Every message of the scan, with what comes before it in the order of the checks.
+/// Every message of the scan, and the order of its checks.
 std::vector<RefusedLine> refused_lines();
 
 inline std::ostream& operator<<(std::ostream& stream, const RefusedLine& line)

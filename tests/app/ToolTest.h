@@ -21,26 +21,27 @@ QByteArray test_data(const char* file_name);
 /// The frame of a payload that begins with `header`, given in hexadecimal.
 QByteArray frame(const char* header, const QByteArray& data = {});
 
-/// Takes these replies to the commands in order; answers to commands that follow pass as they are.
+/// Replaces the answers to the first commands by these replies, in order; later answers pass
+/// unchanged.
 void script_replies(sim::SimulatedDevice& device,
                     const std::vector<std::vector<sim::Delivery>>& replies);
 
-/// Every byte that the device has heard, in hexadecimal.
+/// Every byte that the device has received, in hexadecimal.
 std::string heard_by(const sim::SimulatedDevice& device);
 
-/// The payloads of the framed commands that the device has heard, in hexadecimal.
+/// The payloads of the frames that the device has received, in hexadecimal.
 std::vector<std::string> commands_of(const sim::SimulatedDevice& device);
 
 /// The lock files on a port, wherever they are kept.
 QStringList locks_on(const QString& port);
 
-/// What the tool says about a port that is not there.
+/// The tool's message about a port that does not exist.
 QByteArray cannot_open(const QString& port);
 
-/// What a run prints whose version was given and whose operations all went well.
+/// The last line of a run that succeeds.
 extern const char* const success;
 
-/// Runs the tool beside a simulated device. The tool's folder holds the table of tests/app/data.
+/// Runs the tool on a simulated device. The tool's folder holds the table of tests/app/data.
 class ToolTest : public testing::Test
 {
 protected:

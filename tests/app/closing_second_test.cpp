@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <limits>
 
-// A busy machine makes the wait longer, so the shortest of several counts. That it is never shorter
-// than a second is tested with the rest of the console.
+// A busy machine makes the wait longer, so the shortest of several counts. console_test.cpp tests
+// that it is never shorter than a second.
 TEST(ClosingSecond, IsASecondAndNotMuchLonger)
 {
     qint64 shortest_ms = std::numeric_limits<qint64>::max();

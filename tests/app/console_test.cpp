@@ -47,7 +47,7 @@ class ProgressLine : public testing::TestWithParam<ProgressCase>
 {
 };
 
-/// The frame log on a file of its own.
+/// The frame log, open on a temporary file.
 class FrameLog : public testing::Test
 {
 protected:
@@ -148,8 +148,8 @@ TEST(EventCallback, ProcessesWhatIsPending)
     EXPECT_TRUE(processed);
 }
 
-// A timer that may be early is so, by as much as 50 ms, when the second would end shortly after a
-// full one of the clock.
+// A coarse timer fires up to 50 ms early if the second would end shortly after a full second of the
+// clock.
 TEST(ClosingSecond, IsNeverShort)
 {
     QElapsedTimer clock;

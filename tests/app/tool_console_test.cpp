@@ -53,7 +53,7 @@ class ToolWithoutStreams : public ToolConsole, public testing::WithParamInterfac
 
 TEST_F(ToolConsole, ThatNobodyReadsDoesNotStopAWrite)
 {
-    // A pipe that has lost its only reader before the first byte goes in.
+    // A pipe that has lost its only reader before the first byte is written.
     const ToolResult result = run_in_shell("mkfifo pipe; exec 3<>pipe; exec 4>pipe; exec 3>&-; "
                                            "\"$@\" >&4; echo $? >status",
                                            "-B 0708 -e -w image.hex");

@@ -19,7 +19,7 @@ protected:
         m_device.memory().preset(0x1000, m_eeprom);
     }
 
-    /// A cell that has a value of its own after every command.
+    /// A cell that has this value after every command, whatever was written.
     void stick_cell(unsigned int address, char value)
     {
         QObject::connect(
@@ -27,7 +27,7 @@ protected:
             [this, address, value] { m_device.memory().preset(address, QByteArray(1, value)); });
     }
 
-    /// What an upload prints that fails.
+    /// The output of an upload that fails.
     static ToolResult not_uploaded(const QByteArray& text)
     {
         return failed("Uploading firmware\n" + text + "\nWrite-and-verify failure!\n");
@@ -46,7 +46,7 @@ protected:
 
 } // namespace
 
-// A device that stops answering. Each command takes twelve seconds to be given up.
+// A device that stops answering. The tool gives up on each command after twelve seconds.
 
 TEST_F(ToolDeviceFailure, OfADeviceGoneSilentEndsARead)
 {

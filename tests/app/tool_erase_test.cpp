@@ -39,7 +39,8 @@ const EraseCase whole_erases[] = {
     {"neither", "-e -xe -xu", {}},
 };
 
-// The area flags become the two addresses, 1 by default. With pages of one byte each shows.
+// The area flags become the two addresses, which are 1 by default. Pages of one byte make each
+// visible.
 const EraseCase range_erases[] = {
     {"default_is_1_to_1_addressed_at_the_minimum", "-E 0x100 0x1ff", {"0301000000"}},
     {"without_encrypted_is_0_to_1", "-E 0x100 0x1ff -xe", {"0302000000"}},

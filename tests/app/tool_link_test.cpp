@@ -11,7 +11,7 @@ using sim::Delivery;
 
 const QByteArray acknowledgement = QByteArray::fromHex("555502FE04");
 
-/// A write over a line that is not as good as it might be.
+/// A write over a line that loses, delays or echoes bytes.
 class ToolLink : public ToolTest
 {
 protected:

@@ -12,8 +12,8 @@ namespace
 constexpr int device_count = 32;
 
 /// As many devices as a rack holds, each with an image of its own and a run of the tool to itself.
-/// So many runs at once may wait for the processor until their answers are late. Where all
-/// acknowledgements are the same that costs time only, so images hold flash alone and none is
+/// With this many runs at once, answers may be late because a run waits for the processor. If all
+/// acknowledgements are the same, that only costs time, so images hold only flash and nothing is
 /// erased.
 class ToolLoad : public QuadTest
 {

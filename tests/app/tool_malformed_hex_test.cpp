@@ -105,8 +105,8 @@ long peak_memory(qint64 process)
     return match.captured(1).toLong();
 }
 
-/// A file of 1 GiB that has no size and takes no room on the disk: a pipe that brings the same
-/// character over and over, as the event loop finds room in it.
+/// A stream of 1 GiB that takes no space on the disk: a pipe that is filled with the same character
+/// over and over, whenever the event loop finds room in it.
 class HugeFile
 {
 public:
@@ -116,8 +116,8 @@ public:
         QObject::connect(m_room.get(), &QSocketNotifier::activated, [this] { write(); });
     }
 
-    /// Calls `look` once, when that much has been written: all of it but what the pipe holds, which
-    /// is far less, has been read then.
+    /// Calls `look` once, when this much has been written. All of it except the content of the
+    /// pipe, which is far less, has then been read.
     void once_written(qint64 count, std::function<void()> look)
     {
         m_looks[count] = std::move(look);

@@ -10,7 +10,7 @@
 
 using namespace test;
 
-// Progress and error lines leave at once, the rest when it is flushed. What comes out is the same
+// Progress and error lines are written at once, the rest when it is flushed. The output is the same
 // bytes in the same order, whatever standard output is.
 
 namespace
@@ -19,7 +19,7 @@ namespace
 struct Run {
     const char* name;
     const char* arguments;
-    QByteArray text; ///< all that comes out
+    QByteArray text; ///< the whole output
     int status;
 };
 
@@ -55,7 +55,7 @@ const Run runs[] = {
     {"RefusedLine", "-B", "Please specify -B version in hex (0x16) or decimal (22)", 1},
 };
 
-/// A terminal for the tool to write to that changes nothing of it.
+/// A terminal that passes the tool's output on unchanged.
 class Terminal
 {
 public:
@@ -83,7 +83,7 @@ public:
         return QString::fromLocal8Bit(name.data());
     }
 
-    /// Everything that has come out; the runs here print less than a terminal holds.
+    /// The whole output; the runs here print less than a terminal buffers.
     QByteArray text() const
     {
         QByteArray text;

@@ -8,7 +8,7 @@ using namespace test;
 namespace
 {
 
-/// The first look at the port, before there is a device object, which opens it again by itself.
+/// The first check of the port, before the device object exists, which opens the port again itself.
 class ToolPortCheck : public ToolTest
 {
 protected:
@@ -22,7 +22,7 @@ protected:
     }
 };
 
-/// A version of 0 is none, so the tool asks the device as if "-B" were not there.
+/// A version of 0 counts as not given, so the tool asks the device as it does without "-B".
 class ToolVersionZero : public ToolTest
 {
 };

@@ -94,7 +94,7 @@ TEST_F(ToolPort, IsLeftUnlockedByARunThatSucceeds)
     EXPECT_EQ(locks_on(device.port_path()), QStringList());
 }
 
-// A lock that stays keeps every user out but the one whose run left it.
+// A lock that is left over keeps out every user except the one whose run left it.
 TEST_F(ToolPort, IsLeftUnlockedByARunThatFails)
 {
     sim::SimulatedDevice device(solo());

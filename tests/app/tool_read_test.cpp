@@ -6,7 +6,7 @@ using namespace test;
 namespace
 {
 
-/// A device with something in every part of its memories.
+/// A device with data in every part of its memories.
 class ToolRead : public QuadTest
 {
 protected:
@@ -25,7 +25,7 @@ protected:
     const QByteArray m_blank_page = QByteArray(0x40, '\xFF');
 };
 
-/// The same on devices that lack something.
+/// The same on devices without one of these parts.
 class ToolReadOfAnother : public ToolTest
 {
 };

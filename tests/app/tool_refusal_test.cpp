@@ -7,7 +7,7 @@ using namespace test;
 namespace
 {
 
-/// A port that the tool would complain about if it got that far.
+/// A port that the tool would report as missing if it got that far.
 constexpr const char* no_port = "Port  cannot be opened. Aborting...\n";
 
 class ToolRefusedLine : public testing::TestWithParam<RefusedLine>

@@ -11,7 +11,7 @@ using namespace test;
 namespace
 {
 
-/// A table that ends the tool, and what it says to developers about it.
+/// A table that ends the tool, and the diagnostics on standard error.
 struct BadTable {
     const char* name;
     const char* file; ///< of tests/app/data; null: there is no table

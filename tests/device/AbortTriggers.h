@@ -5,9 +5,9 @@
 namespace test
 {
 
-// Whoever watches an operation asks it to stop at one of its signals.
+// An observer of an operation requests a stop at one of its signals.
 
-/// At the `number`th command (from 1), just when it has gone out.
+/// At the `number`th command (from 1), as soon as it has been sent.
 inline void abort_at_command(OperationBench& bench, unsigned int number)
 {
     QObject::connect(&bench.line.device, &ZarnSerialDevice::sig_encoded_command,

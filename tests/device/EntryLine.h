@@ -15,7 +15,7 @@ inline void process_events()
     QCoreApplication::processEvents();
 }
 
-/// Knows no device yet.
+/// A device object without a selected profile, which polls the event loop.
 inline Host newcomer()
 {
     Host host;
@@ -24,7 +24,8 @@ inline Host newcomer()
     return host;
 }
 
-/// A device object that knows no device and one of the table that is entered as given.
+/// A device object without a selected profile, and a device of the table that starts as `entry`
+/// says.
 class EntryLine : public DeviceOnLine
 {
 public:
@@ -40,7 +41,7 @@ class ProbeReplies : public EntryLine
 {
 public:
     explicit ProbeReplies(const std::vector<Reply>& replies)
-        : EntryLine("sample", sim::Entry::Silent) // goes on hearing probes
+        : EntryLine("sample", sim::Entry::Silent) // keeps receiving probes
     {
         simulated.set_reply_filter(first(replies));
     }

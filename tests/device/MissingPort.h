@@ -23,7 +23,7 @@ struct MissingPort {
     const bool abort = false;
 };
 
-/// What is said about it.
+/// The message about it.
 inline auto port_cannot_be_opened()
 {
     return testing::StartsWith("sig_error cannot open port no such port (");

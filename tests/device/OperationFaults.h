@@ -8,12 +8,12 @@
 namespace test
 {
 
-// Ways in which a device spoils an operation, none of which takes the time of a wait.
+// Wrong answers that make an operation fail, none of which costs a timeout.
 
-/// A read is tried this often.
+/// Attempts at a read.
 constexpr std::size_t read_attempts = 40;
 
-/// From the command of this sequence number on every answer is one that reads don't accept.
+/// From the command with this sequence number on, every answer is one that reads do not accept.
 inline sim::SimulatedDevice::ReplyFilter unreadable_from(unsigned int sequence)
 {
     return [sequence](const sim::Command& command, const QByteArray& answer) {
@@ -21,7 +21,7 @@ inline sim::SimulatedDevice::ReplyFilter unreadable_from(unsigned int sequence)
     };
 }
 
-/// What is said when a read got such an answer every time.
+/// The message when every attempt at a read got such an answer.
 inline std::string gave_up_reading()
 {
     std::string faults;
@@ -31,7 +31,7 @@ inline std::string gave_up_reading()
     return "sig_error giving up after having made 40 attempts, with errors (" + faults + ')';
 }
 
-/// An answer of the device whose last byte of data is another, in a sound frame.
+/// A valid frame with the device's answer, whose last data byte is changed.
 inline Reply damaged(const QByteArray& answer)
 {
     QByteArray payload = sim::FrameReceiver().receive(answer).at(0);

@@ -100,7 +100,7 @@ inline RandomMemory random_flash(Random& random, bool many_pages, unsigned int& 
     return flash;
 }
 
-/// Above flash or, if there is room and chance has it, below, or nowhere.
+/// Above flash or, at random and if there is room, below it, or nowhere.
 inline RandomMemory random_eeprom(Random& random, const RandomMemory& flash)
 {
     RandomMemory eeprom;
@@ -228,7 +228,7 @@ inline Cells cells_of(const sim::DeviceMemory& memory, const RandomDevice& devic
     return cells;
 }
 
-/// The bytes that the pieces put at their places.
+/// The bytes of the pieces by address.
 inline Cells cells_of(const Extents& extents)
 {
     Cells cells;

@@ -14,7 +14,7 @@
 namespace test
 {
 
-/// A line whose far end takes nothing: what is sent stays in its buffer until that is full.
+/// A line whose far end reads nothing: sent bytes stay in its buffer until that is full.
 class StalledLine
 {
 public:
@@ -39,7 +39,7 @@ public:
         return QString::fromLocal8Bit(name.data());
     }
 
-    /// Takes the line away with all that is on it.
+    /// Removes the line with everything that is on it.
     void unplug()
     {
         for (const int descriptor : m_descriptors) {

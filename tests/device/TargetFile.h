@@ -21,7 +21,7 @@ public:
     {
     }
 
-    /// Puts a file there beforehand.
+    /// Creates the file with this content beforehand.
     void preset(const QByteArray& text) const
     {
         QFile existing(file.fileName());

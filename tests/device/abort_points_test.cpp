@@ -54,8 +54,9 @@ bool write_uncompared(OperationBench& bench)
 const char* const aborted = "sig_error upload_firmware() aborted by user";
 const char* const verify_aborted = "sig_error verify_firmware() aborted by user";
 
-/// How many commands an operation has sent in all when it is asked to stop at each of its commands,
-/// at each of its reports of progress, and before it begins. All of them: it was too late to stop.
+/// The number of commands that an operation has sent in total when a stop is requested at each of
+/// its commands, at each of its progress reports, and before it begins. All of them: it was too
+/// late.
 struct AbortPoints {
     const char* name;
     bool (*operation)(OperationBench&);
@@ -65,8 +66,8 @@ struct AbortPoints {
     std::vector<unsigned int> at_command;
     std::vector<unsigned int> at_progress;
     unsigned int before;
-    bool installed = false;          ///< the device holds the image
-    unsigned int differing_byte = 0; ///< but for this byte
+    bool installed = false;          ///< whether the device holds the image
+    unsigned int differing_byte = 0; ///< except for this byte
 };
 
 const Extents two_pages_and_eeprom{{0x100, 0x100}, {0x1000, 4}};
@@ -193,7 +194,7 @@ protected:
         commands = subject.line.sent();
     }
 
-    /// Nothing but this many commands and all that belongs to them, and then the message.
+    /// Exactly this many commands with all their signals, and then the message.
     void expect_stop(Subject& subject, unsigned int sent)
     {
         ASSERT_LE(sent, commands.size());

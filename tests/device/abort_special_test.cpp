@@ -14,7 +14,7 @@ namespace
 
 const char* const aborted = "sig_error upload_firmware() aborted by user";
 
-/// An operation that is asked to stop before it begins.
+/// An operation for which a stop is requested before it begins.
 struct Stopped : OperationBench {
     explicit Stopped(const char* device, const Extents& extents = {})
         : OperationBench(device, extents)

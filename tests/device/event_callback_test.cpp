@@ -10,8 +10,8 @@
 
 using namespace test;
 
-// Whoever makes the device object hands in a callback that processes events. Only the entry
-// procedure polls; all others wait in an event loop and have no use for it.
+// The creator of the device object passes in a callback that processes events. Only the entry
+// procedure polls; all other operations wait in an event loop and never call it.
 
 namespace
 {

@@ -8,7 +8,7 @@
 using namespace test;
 
 // Frames with more than one fault: the first check that fails is the only one reported, and the
-// payload holds what came before the fault.
+// payload holds the bytes before the fault.
 
 namespace
 {

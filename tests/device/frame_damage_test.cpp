@@ -10,9 +10,10 @@
 
 using namespace test;
 
-// What one byte that is changed, lost or added on the line does to a frame. The checksum is a plain
-// sum, so a zero that comes or goes leaves it as it is; nothing else may go unnoticed, and never
-// may a payload be taken for another of the same length, which is what a transaction goes by.
+// The effect on a frame of one byte that is changed, lost or added on the line. The checksum is a
+// plain sum, so an added or lost zero does not change it. Nothing else may go unnoticed, and a
+// payload must never be taken for another of the same length, because a transaction checks the
+// length.
 
 namespace
 {
@@ -29,7 +30,7 @@ QByteArray taken_at_once(const QByteArray& bytes)
     return frame::decode(bytes, payload) ? QByteArray() : payload;
 }
 
-/// The uploader when they arrive one by one: it looks at what there is as soon as that has an end.
+/// The uploader when they arrive one by one: it decodes the buffer as soon as that ends a frame.
 QByteArray taken_byte_by_byte(const QByteArray& bytes)
 {
     for (int length = 1; length <= bytes.size(); ++length) {
@@ -48,7 +49,7 @@ QByteArray taken_by_the_device(const QByteArray& bytes)
 
 const Receiver receivers[] = {taken_at_once, taken_byte_by_byte, taken_by_the_device};
 
-/// Deals payloads in which the special values are as frequent as all others together.
+/// Generates payloads in which the special values are as frequent as all others together.
 class Dealer
 {
 public:
@@ -65,7 +66,7 @@ public:
     int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned int>(limit)); }
 
 private:
-    // Always the same bytes, so that a failure comes again.
+    // Always the same bytes, so that a failure can be reproduced.
     std::mt19937 m_random{20250711}; // NOLINT(cert-msc32-c,cert-msc51-cpp)
 };
 

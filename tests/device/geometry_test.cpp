@@ -13,7 +13,7 @@ using namespace test;
 using testing::ElementsAre;
 
 // A profile table may come from anywhere. Geometry that no command can be built from ends in a
-// message, before anything is sent; all other geometry is worked with as it is.
+// message, before anything is sent; all other geometry is used as it is.
 
 namespace
 {
@@ -124,7 +124,7 @@ struct Usable {
     Operation operation;
 };
 
-// What does not need the figure that is wrong goes on as ever.
+// Operations that do not need the wrong figure still work.
 const Usable usable[] = {
     {"WriteWithoutFlashBlock", "zero-flash-block", write(0x1000)},
     {"WriteRangeOfEepromWithoutFlashBlock", "zero-flash-block", write_range(0x8000, 0x8010)},
@@ -268,7 +268,7 @@ TEST(WordsOfManyBytes, AreNotReadFromAnAnswerThatLacks65536Bytes)
 
 TEST(BlockBeyondFlash, IsReadAsFarAsFlashGoes)
 {
-    DeviceOnLine line("endless-block");
+    DeviceOnLine line("endless-block"); // larger than flash, so two bytes take a read of all of it
     const QByteArray all = counting(0x4000);
     line.simulated.memory().preset(0, all);
     QByteArray data;

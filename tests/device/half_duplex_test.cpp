@@ -15,7 +15,7 @@ namespace
 
 constexpr int attempt_ms = 300;
 
-/// The sample device on a line that brings back what is sent.
+/// The sample device on a line that echoes what is sent.
 class HalfDuplexLine : public DeviceOnLine
 {
 public:

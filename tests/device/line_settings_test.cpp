@@ -10,8 +10,8 @@
 
 using namespace test;
 
-// A pseudo-terminal always has 8 data bits and no parity, whatever is asked of it. So this looks at
-// what the serial port library asks of the system, which would do the same for any adapter.
+// A pseudo-terminal always has 8 data bits and no parity, whatever is requested. So this records
+// what the serial port library requests from the system, which is the same for any adapter.
 
 namespace
 {
@@ -24,7 +24,7 @@ std::vector<termios>& requested_settings()
 
 } // namespace
 
-/// Stands in front of the system's own.
+/// Replaces the system's function.
 extern "C" int tcsetattr(int descriptor, int actions, const termios* settings) noexcept
 {
     requested_settings().push_back(*settings);
@@ -36,7 +36,7 @@ extern "C" int tcsetattr(int descriptor, int actions, const termios* settings) n
 namespace
 {
 
-void expect_usual(const termios& settings)
+void expect_8n1_without_flow_control(const termios& settings)
 {
     EXPECT_EQ(settings.c_cflag & CSIZE, static_cast<tcflag_t>(CS8)) << "data bits";
     EXPECT_EQ(settings.c_cflag & PARENB, 0U) << "parity";
@@ -48,17 +48,18 @@ void expect_usual(const termios& settings)
     EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ISIG), 0U) << "a terminal for people";
 }
 
-/// In every request: a change of the rate starts from what the pseudo-terminal made of the first.
-void expect_the_usual(const std::vector<termios>& requests)
+/// In every request: a change of the rate starts from the settings that the pseudo-terminal
+/// accepted.
+void expect_8n1_without_flow_control(const std::vector<termios>& requests)
 {
     EXPECT_FALSE(requests.empty());
     for (const termios& settings : requests) {
-        expect_usual(settings);
+        expect_8n1_without_flow_control(settings);
     }
 }
 
-/// Leaves the port as a program might that had other plans with it.
-void spoil(const sim::SimulatedDevice& device)
+/// Leaves the port with settings that another program might have used.
+void leave_other_settings(const sim::SimulatedDevice& device)
 {
     const QByteArray path = device.port_path().toLocal8Bit();
     const int port = ::open(path.constData(), O_RDWR | O_NOCTTY);
@@ -70,7 +71,7 @@ void spoil(const sim::SimulatedDevice& device)
     settings.c_iflag |= IXON | IXOFF | ICRNL;
     settings.c_oflag |= OPOST;
     settings.c_lflag |= ICANON;
-    ::tcsetattr(port, TCSANOW, &settings); // takes what a pseudo-terminal can have of it
+    ::tcsetattr(port, TCSANOW, &settings); // sets what a pseudo-terminal supports of it
     ::close(port);
     requested_settings().clear();
 }
@@ -80,27 +81,27 @@ void spoil(const sim::SimulatedDevice& device)
 TEST(LineSettings, AreEightDataBitsNoParityOneStopBitAndNoFlowControl)
 {
     DeviceOnLine line("sample");
-    spoil(line.simulated);
+    leave_other_settings(line.simulated);
     ASSERT_TRUE(line.device.open_port());
-    expect_the_usual(requested_settings());
+    expect_8n1_without_flow_control(requested_settings());
 }
 
 TEST(LineSettings, StayWhenTheRateChanges)
 {
     EntryLine line("sample", sim::Entry::Version);
-    spoil(line.simulated);
+    leave_other_settings(line.simulated);
     EXPECT_TRUE(line.enter());
-    expect_the_usual(requested_settings());
+    expect_8n1_without_flow_control(requested_settings());
     EXPECT_EQ(line.simulated.host_baud(), 115200U);
 }
 
 TEST(LineSettings, AreTheSameWhenThePortIsOpenedAgain)
 {
     EntryLine line("sample", sim::Entry::Probe);
-    spoil(line.simulated);
+    leave_other_settings(line.simulated);
     EXPECT_TRUE(line.enter());
     EXPECT_FALSE(line.port.is_open());
     requested_settings().clear();
     line.device.reset();
-    expect_the_usual(requested_settings());
+    expect_8n1_without_flow_control(requested_settings());
 }

@@ -23,7 +23,7 @@ void count_call()
     ++calls;
 }
 
-/// What the serial port library says about a port that is not there.
+/// The serial port library's message about a port that does not exist.
 std::string system_text(const QString& port)
 {
     QSerialPort serial_port(port);
@@ -59,7 +59,7 @@ TEST(Line, IsClosedByTheDestructorWithoutAnyCommand)
     ASSERT_TRUE(port.is_open());
     device.reset();
     EXPECT_FALSE(port.is_open());
-    // What the destructor might have sent would be heard before this.
+    // Anything that the destructor might have sent would arrive before this.
     ZarnSerialDevice other(simulated.port_path(), nullptr, 115200, false, version_named("sample"));
     other.reset();
     ASSERT_TRUE(wait_until([&] { return !simulated.payloads().empty(); }));

@@ -10,8 +10,8 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Write-and-verify of devices whose pages, rows and words do not fit into each other. The table
-// says so, so it is done. Rows count from the beginning of their page.
+// Write-and-verify of devices whose pages, rows and words are not multiples of each other. It
+// follows the table. Rows count from the start of their page.
 
 namespace
 {
@@ -59,7 +59,7 @@ TEST(PagesOfARowAndAHalf, AreLeftAloneWhenTheirRowsMatchAndCountAsAPage)
     EXPECT_EQ(bench.line.recorder.operation(), then_complete(upload_progress({0, 0x60}, 0x60)));
 }
 
-// The page is erased, but not what its second row has of the next page.
+// The page is erased, but not the part of its second row that lies in the next page.
 TEST(PagesOfARowAndAHalf, DifferForAByteBeyondTheirEndWhichTheyCannotSet)
 {
     const Extents image{{0x180, 0x60}};

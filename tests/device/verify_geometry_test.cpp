@@ -87,7 +87,7 @@ TEST(VerifyOfABlockThatReachesAboveFlash, AsksForWhatTheBlockHasOfFlash)
     OperationBench bench("flash-block-above-flash", {{0x200, 4}});
     bench.install_image();
     EXPECT_TRUE(bench.verify());
-    EXPECT_EQ(bench.line.sent().size(), 12U);
+    EXPECT_EQ(bench.line.sent().size(), 12U); // all of flash, from address 0
     EXPECT_EQ(bench.line.sent().back(), read_flash_row(0x2C0));
 }
 

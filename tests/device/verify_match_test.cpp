@@ -97,7 +97,7 @@ const Match matches[] = {
      4,
      false,
      false},
-    // The area in which a blob begins counts for all of it.
+    // A blob belongs to the area in which it begins.
     {"BlobFromEncryptedIntoUnencryptedFlash",
      "small",
      {{0x140, 0x80}},

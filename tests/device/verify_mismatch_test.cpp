@@ -27,7 +27,7 @@ struct Mismatch {
     Extent blob;
     unsigned int wrong_byte;
     Commands matching;  ///< commands for the rows before
-    Commands differing; ///< commands for one try at the row
+    Commands differing; ///< commands for one attempt at the row
     std::vector<unsigned int> processed;
     unsigned int read_address;
     int row_size;

@@ -18,8 +18,8 @@ namespace
 constexpr unsigned short unlisted = 0x00AB;
 constexpr unsigned int identification_baud = 460800;
 
-/// A device object that knows no device yet, at a rate at which every running one reports its
-/// version.
+/// A device object without a selected profile, at the rate at which every running device reports
+/// its version.
 Host newcomer()
 {
     Host host;

@@ -88,7 +88,7 @@ TEST(CommandBegunInsideAnEntry, IsRefusedAndLeavesTheEntryAlone)
     EXPECT_THAT(line.recorder.lines(), ElementsAre(refusal));
 }
 
-// An open port could hear something that cuts the second short.
+// An open port could receive bytes that cut the second short.
 TEST(CommandBegunWhileTheBootloaderSettles, LeavesThePortClosed)
 {
     EntryLine line("sample", sim::Entry::Probe);

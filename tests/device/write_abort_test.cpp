@@ -14,7 +14,7 @@ namespace
 
 const std::string aborted = "upload_firmware() aborted by user";
 
-/// Somebody asks to stop as soon as this many bytes are processed.
+/// A stop is requested as soon as this many bytes are processed.
 struct Abort {
     const char* name;
     std::vector<std::pair<unsigned int, QByteArray>> pieces;

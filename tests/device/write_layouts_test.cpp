@@ -9,7 +9,8 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Devices whose memories lie otherwise than in most.
+// Devices with unusual layouts: a memory that is missing, in another place, or not a multiple
+// of its row.
 
 namespace
 {

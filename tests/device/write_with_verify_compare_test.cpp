@@ -10,7 +10,7 @@ using namespace test;
 namespace
 {
 
-/// A device that holds the image and then gets some bytes of its own.
+/// A device that holds the image, except for some bytes.
 struct Compare {
     const char* name;
     Extents image;

@@ -34,7 +34,7 @@ const Commands all_commands{
     write_eeprom_row(0x10, eeprom_row_of(image, 0x1010)),
 };
 
-/// The device spoils the command of a sequence number.
+/// The device answers the command of a sequence number wrongly.
 struct Failure {
     const char* name;
     ReplyFilter (*filter)(unsigned int sequence);
@@ -94,7 +94,7 @@ const Failure failures[] = {
 class WriteWithVerifyFailures : public testing::TestWithParam<Failure>
 {
 protected:
-    /// Everything up to the command that fails, which is tried again if it is a read.
+    /// All commands up to the one that fails, which is repeated if it is a read.
     static Commands commands()
     {
         const auto failing = all_commands.begin() + GetParam().sequence;
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(, WriteWithVerifyFailures, testing::ValuesIn(failures),
 namespace
 {
 
-/// An image that the device has no place for.
+/// An image that lies outside the device.
 struct Misfit {
     const char* name;
     const char* device;

@@ -86,7 +86,7 @@ const PageSet page_sets[] = {
      false,
      false,
      skipped(256, "encrypted") + skipped(384, "unencrypted")},
-    // The area in which a blob begins counts for all of it.
+    // A blob belongs to the area in which it begins.
     {"BlobFromEncryptedIntoUnencryptedFlash",
      {{0x17C, 10}},
      {0x100, 0x180},
@@ -101,7 +101,7 @@ const PageSet page_sets[] = {
      {},
      false,
      true},
-    // A page that is written is written with all that the image holds of it.
+    // All image bytes of a page are written with it.
     {"SkippedBlobThatReachesIntoAPage",
      {{0x17C, 10}, {0x190, 4}},
      {0x180},

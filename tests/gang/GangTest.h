@@ -16,7 +16,7 @@
 namespace test
 {
 
-/// Words of a command line, separated by blanks.
+/// Words of a command line, separated by spaces.
 QStringList words(const char* text);
 
 /// A process of zserial-sim that serves until it is destroyed.

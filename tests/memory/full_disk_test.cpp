@@ -10,8 +10,7 @@ using namespace test;
 namespace
 {
 
-/// A map whose file is several times as long as what is written at once, and a place for the file,
-/// where there is one already.
+/// A map whose file is several times as long as a single write, and an existing file to replace.
 class FullDisk : public testing::Test
 {
 protected:
@@ -24,7 +23,7 @@ protected:
         write_file(path, "former");
     }
 
-    /// What is in the file once it was saved on a disk that takes files of this size only.
+    /// The content of the file after a save on a disk that only takes files of this size.
     QByteArray saved_on_disk_of(int size)
     {
         const SmallDisk disk(static_cast<rlim_t>(size));

@@ -30,7 +30,7 @@ using intel_hex::Record;
 using intel_hex::RecordOutcome;
 using intel_hex::TextPosition;
 
-/// Goes through the records of a file that a test fills.
+/// Reads the records of a file that a test fills.
 class HexPositions : public testing::Test
 {
 protected:

@@ -13,7 +13,7 @@ using intel_hex::ParsedRecord;
 using intel_hex::Record;
 using intel_hex::RecordOutcome;
 
-/// Text after a colon, what becomes of it, and how much of it fits.
+/// Text after a colon, the outcome of parsing it, and how many characters fit.
 struct Text {
     const char* name;
     const char* text;

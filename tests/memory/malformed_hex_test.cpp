@@ -35,7 +35,7 @@ long peak_memory()
 constexpr qint64 gibibyte = 1 << 30;
 constexpr long small_growth_kib = 8 * 1024;
 
-/// A file that is far larger than any image and no image at all.
+/// A file that is far larger than any image and is not an image.
 class HugeHexFile : public testing::Test
 {
 protected:
@@ -76,13 +76,13 @@ TEST_F(HugeHexFile, OfNulBytesIsRefusedWithLittleMemory)
 {
     QFile file(path());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(file.resize(gibibyte)); // takes no room on the disk
+    ASSERT_TRUE(file.resize(gibibyte)); // sparse: takes no space on the disk
     expect_refused_with_little_memory();
 }
 
 TEST_F(HugeHexFile, OfDigitsIsRefusedWithLittleMemory)
 {
-    // Through a pipe, because such a file does take its room on the disk.
+    // Through a pipe, because such a file would take 1 GiB on the disk.
     ASSERT_EQ(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
     std::thread writer([this] {
         QFile pipe(path());

@@ -13,9 +13,9 @@
 
 using namespace test;
 
-// A map that knows itself to be sorted and disjoint looks addresses up in another way than one
-// that does not, and does not search itself for overlaps. Whatever happened to a map, it must
-// answer as the plain walk over its list does.
+// A map that is known to be sorted and without overlaps looks up addresses in a faster way, and
+// does not search for overlaps. Whatever happened to a map, its answers must be those of a plain
+// walk over its list.
 
 namespace
 {
@@ -79,7 +79,7 @@ bool overlap(const Spans& sorted)
     return false;
 }
 
-/// What there is to a list of blobs, of all that may matter to a search for overlaps.
+/// Properties of a list of blobs that matter to a search for overlaps.
 std::set<std::string> kinds_of(const Spans& spans)
 {
     std::set<std::string> kinds;

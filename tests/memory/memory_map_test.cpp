@@ -38,7 +38,7 @@ std::string bytes_at(const MemoryMap& map, unsigned int address, unsigned int co
     return any ? bytes.toStdString() : std::string();
 }
 
-// Whoever looks at a map's blobs cannot change them.
+// Callers cannot change a map's blobs.
 static_assert(std::is_const_v<std::remove_reference_t<decltype(*MemoryMap(1).blobs()[0])>>);
 
 TEST(MemoryMap, BeginsEmpty)

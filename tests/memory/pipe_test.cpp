@@ -62,7 +62,7 @@ class HexPipeKeptOpen : public HexPipe, public testing::WithParamInterface<Piped
 
 } // namespace
 
-// A pipe cannot be replaced by a file: what reads at its other end would never see the image.
+// A pipe must not be replaced by a file: its reader would never see the image.
 TEST_F(HexPipe, TakesTheTextInPlace)
 {
     QByteArray received;
@@ -94,7 +94,7 @@ TEST_F(HexPipe, MayBringARecordInPieces)
     EXPECT_EQ(blobs_of(map), (Blobs{{0, "01020304"}}));
 }
 
-// Whoever writes into it may keep it open: nothing more is to come, and nothing is waited for.
+// The writer may keep the pipe open after the end of the image; the load must not wait for more.
 TEST_P(HexPipeKeptOpen, IsNotAskedForMoreThanIsNeeded)
 {
     const int both_ends = ::open(name.constData(), O_RDWR | O_CLOEXEC);
@@ -108,7 +108,7 @@ TEST_P(HexPipeKeptOpen, IsNotAskedForMoreThanIsNeeded)
     const bool ends = loaded.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
     EXPECT_TRUE(ends);
     writer.join();
-    ::close(both_ends); // ends the waiting of a load that waits
+    ::close(both_ends); // ends a load that waits for more
     EXPECT_EQ(loaded.get(), GetParam().loads);
     EXPECT_EQ(map.size(), GetParam().loads ? 1U : 0U);
 }

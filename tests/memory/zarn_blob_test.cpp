@@ -351,7 +351,7 @@ TEST_F(ZarnBlobFiles, AFileTooLongFor32BitOffsetsReadsAsEmpty)
 {
     QFile file(path());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(file.resize(qint64{max_offset} + 6)); // one hole: takes no room on the disk
+    ASSERT_TRUE(file.resize(qint64{max_offset} + 6)); // sparse: takes no space on the disk
     file.close();
     zarnBLOB blob(16);
     blob.write(0, QByteArray("12345"));

@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AddressCase{"Highest", 0xFFFFFFFF, MEMORY_OTHER, false, 0}),
     row_name);
 
-/// Addresses at which a mistaken comparison would show.
+/// Addresses at which a wrong comparison shows.
 std::vector<unsigned int> telling_addresses()
 {
     return {0,       1,        0x3FF,      0x400,      0x800,     0x1FFFF,

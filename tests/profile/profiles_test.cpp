@@ -22,7 +22,7 @@ namespace
 
 const QString table_name = QStringLiteral("device.txt");
 
-/// Ends the process as a program does, with the leak check at its end; what failed goes along.
+/// Ends the process as a program does, with the leak check at its end. The status reports failures.
 [[noreturn]] void exit_with_test_result()
 {
     const testing::TestResult* result =
@@ -62,7 +62,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-/// The message on the debug channel when the first question threw; empty when it did not throw.
+/// The message on the debug channel if the first query threw; empty if it did not.
 QStringList message_of_failing_question()
 {
     const DebugMessages messages;

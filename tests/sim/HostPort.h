@@ -42,7 +42,7 @@ public:
         m_port.flush();
     }
 
-    /// Works on the event loop until `count` bytes have come, or for too long.
+    /// Runs the event loop until `count` bytes have arrived; fails the test if they do not.
     QByteArray receive(int count)
     {
         EXPECT_TRUE(wait_until([this, count] { return received_size() >= count; }));

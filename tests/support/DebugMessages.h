@@ -9,8 +9,8 @@
 namespace test
 {
 
-/// Catches what any thread writes to the debug channel as long as it lives. Warnings and worse go
-/// where they went before. Of nested catchers only the innermost gets a message.
+/// Captures the debug channel of all threads as long as it lives. Warnings and worse are passed on.
+/// Of nested captures only the innermost gets a message.
 class DebugMessages
 {
 public:
@@ -56,7 +56,7 @@ private:
         }
     }
 
-    // A message handler is a plain function: it finds its catcher here.
+    // A message handler is a plain function, which finds the present capture here.
     static inline QMutex s_mutex;
     static inline DebugMessages* s_innermost = nullptr;
 

@@ -15,12 +15,12 @@ namespace test
 struct Host {
     unsigned int baud = 9600;
     bool half_duplex = false;
-    /// With the version of the device at the other end.
+    /// Whether the device object is given the version of the simulated device.
     bool knows_device = true;
     void (*events)() = nullptr;
 };
 
-/// A device object, the simulated device at the other end of its line and what the signals said.
+/// A device object, the simulated device at the other end of its line, and a record of the signals.
 class DeviceOnLine
 {
 public:
@@ -29,7 +29,7 @@ public:
     explicit DeviceOnLine(const char* name, Host host = {},
                           sim::Options options = {sim::Entry::Version});
 
-    /// The payloads that the simulated device got, as hexadecimal digits.
+    /// The payloads that the simulated device received, as hexadecimal digits.
     std::vector<std::string> sent() const;
 
     sim::SimulatedDevice simulated;

@@ -7,7 +7,7 @@ namespace test
 
 // Lines of Intel HEX files.
 
-/// A record line with the right checksum. Of the address its lower 16 bits count.
+/// A record line with a correct checksum. Only the lower 16 bits of the address are used.
 inline QByteArray hex_record(int type, unsigned int address, const QByteArray& data)
 {
     QByteArray bytes;

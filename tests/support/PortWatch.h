@@ -10,7 +10,7 @@
 namespace test
 {
 
-/// Knows whether this process has opened a port since the watch began.
+/// Detects whether this process has opened a port since the watch began.
 class PortWatch
 {
 public:

@@ -8,7 +8,7 @@
 namespace test
 {
 
-// What a recorder shows of an operation on a whole memory.
+// The lines of a SignalRecorder for an operation on a whole memory.
 
 /// The signals of an operation that reports these counts of bytes, one after the other.
 inline SignalRecorder::Lines
@@ -51,7 +51,7 @@ inline SignalRecorder::Lines completed_upload(const std::vector<unsigned int>& p
     return then_complete(upload_progress(processed, total));
 }
 
-/// Of one that fails after these counts.
+/// The signals of an upload that fails after these counts.
 inline SignalRecorder::Lines failed_upload(const std::vector<unsigned int>& processed,
                                            unsigned int total, const std::string& message)
 {

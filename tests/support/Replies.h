@@ -19,7 +19,7 @@ inline Reply no_reply()
     return {};
 }
 
-/// A sound frame with this payload.
+/// A valid frame with this payload.
 inline Reply frame_of(const QByteArray& payload)
 {
     return {{sim::make_frame(payload)}};
@@ -30,7 +30,7 @@ inline Reply frame_of(const char* digits)
     return frame_of(bytes(digits));
 }
 
-/// Bytes as they are.
+/// These bytes, without a frame.
 inline Reply raw(const char* digits)
 {
     return {{bytes(digits)}};
@@ -61,7 +61,7 @@ inline sim::SimulatedDevice::ReplyFilter to_command(unsigned int sequence, Reply
     };
 }
 
-/// Every write and erase is good, even where the device has no such memory.
+/// Acknowledges every write and erase, even where the device has no such memory.
 inline sim::SimulatedDevice::ReplyFilter acknowledge_everything()
 {
     return [](const sim::Command& command, const QByteArray&) {

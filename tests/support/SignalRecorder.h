@@ -10,8 +10,8 @@ class ZarnSerialDevice;
 namespace test
 {
 
-/// Writes down what all nine signals of a device say, in the order in which they say it: one line
-/// for each, the signal's name and its arguments, bytes as hexadecimal digits.
+/// Records all nine signals of a device in order, one line for each: the signal's name and its
+/// arguments, bytes as hexadecimal digits.
 class SignalRecorder
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     const Lines& lines() const { return m_lines; }
 
-    /// All but the four signals about what crosses the line.
+    /// All but the four signals that report the bytes on the line.
     Lines operation() const;
 
     void clear() { m_lines.clear(); }

@@ -26,7 +26,7 @@ QProcessEnvironment environment()
     }
     variables.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     variables.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
-    // An instrumented tool that aborts must die of the signal as the plain one does.
+    // An instrumented tool that aborts must end by the signal, as the plain one does.
     const QString name = QStringLiteral("ASAN_OPTIONS");
     variables.insert(name, variables.value(name) + QStringLiteral(":handle_abort=0"));
     return variables;
@@ -91,7 +91,7 @@ RunningTool::RunningTool(const QString& folder, const QString& program,
 {
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, [this] { take_output(); });
     QObject::connect(&m_watchdog, &QTimer::timeout, [this] {
-        ADD_FAILURE() << "zserial did not end by itself";
+        ADD_FAILURE() << "zserial did not exit";
         m_process.kill();
     });
     prepare(m_process, folder);

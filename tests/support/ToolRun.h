@@ -14,7 +14,7 @@
 namespace test
 {
 
-/// How a run of the tool ended and what it left on its two streams.
+/// How a run of the tool ended, and its output.
 struct ToolResult {
     bool crashed = false; ///< ended by a signal
     int status = 0;       ///< exit status, or the number of that signal
@@ -22,23 +22,23 @@ struct ToolResult {
     QByteArray err;
 };
 
-/// What a run that ends by itself is expected to come to. Standard error carries diagnostics for
-/// developers only and takes no part in comparisons.
+/// The expected result of a run that exits. Standard error has only diagnostics for developers and
+/// is not compared.
 ToolResult exited(int status, const QByteArray& out);
-/// What a run is expected to come to that a signal ends.
+/// The expected result of a run that a signal ends.
 ToolResult killed(int signal, const QByteArray& out);
 
 bool operator==(const ToolResult& left, const ToolResult& right);
 std::ostream& operator<<(std::ostream& stream, const ToolResult& result);
 
-/// A run of the tool that goes on while the caller's event loop does. One that has not ended by
-/// itself after a minute is killed and fails the test.
+/// A run of the tool that continues while the caller's event loop runs. One that has not exited
+/// after a minute is killed and fails the test.
 class RunningTool
 {
 public:
     using Look = std::function<void(qint64 process)>;
 
-    /// Starts it in this folder; calls `look` once, as soon as `awaited` has come out of it.
+    /// Starts it in this folder; calls `look` once, as soon as it has printed `awaited`.
     RunningTool(const QString& folder, const QStringList& arguments, QByteArray awaited = {},
                 Look look = {});
     /// Starts any command line.
@@ -62,8 +62,8 @@ private:
     QTimer m_watchdog;
 };
 
-/// Runs the real `zserial` in a folder of its own while the caller's event loop goes on, so that a
-/// simulated device of the same test can serve it.
+/// Runs the real `zserial` in a folder of its own while the caller's event loop continues, so that
+/// a simulated device of the same test can answer it.
 class ToolRun
 {
 public:
@@ -71,13 +71,13 @@ public:
 
     QString path(const QString& name) const;
     void put_file(const QString& name, const QByteArray& contents);
-    /// The contents of a file in the folder; a file that is not there fails the test.
+    /// The contents of a file in the folder; a missing file fails the test.
     QByteArray file(const QString& name) const;
     /// The names of all files in the folder, sorted.
     QStringList files() const;
 
-    /// Calls `look` with the process of each run that follows, once, as soon as `text` has come
-    /// out of it.
+    /// In each run that follows, calls `look` with its process once, as soon as it has printed
+    /// `text`.
     void once_printed(const QByteArray& text, RunningTool::Look look);
 
     std::unique_ptr<RunningTool> start(const QStringList& arguments) const;

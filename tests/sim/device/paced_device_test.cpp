@@ -17,7 +17,7 @@ using sim::Options;
 using sim::SimulatedDevice;
 using testing::ElementsAre;
 
-// Times are checked from below only: a busy machine may be late, but nothing may come early.
+// Only lower limits of times are checked: a busy machine may be late, but nothing may be early.
 
 namespace
 {
@@ -30,7 +30,7 @@ const QByteArray read_answer = make_frame(bytes("01 20 00 08 00") + QByteArray(0
 const QByteArray erase_request = make_frame(bytes("03 02 00 08 00"));
 const QByteArray erase_answer = make_frame(bytes("03"));
 
-/// A device whose full rate is the slow one, and that runs.
+/// A running device whose full rate is 9600 baud.
 class SimPacedDevice : public testing::Test
 {
 protected:
@@ -123,7 +123,7 @@ TEST_F(SimPacedDevice, EchoesWhileTheBytesPass)
 {
     start(paced(Options::Echo::Apart));
     host->set_baud(50);
-    // Whoever waited for the last of these would wait for longer than anything here does.
+    // Waiting for the last of these would take longer than any test here.
     host->send(QByteArray(3000, 'x'));
     EXPECT_FALSE(host->receive(1).isEmpty());
     EXPECT_LT(device->heard().size(), 3000);

@@ -37,7 +37,7 @@ protected:
         host = std::make_unique<HostPort>(device->port_path(), full_baud);
     }
 
-    /// The host asks at the full rate; what came back until the expected answer was complete.
+    /// The bytes that the host receives for a request at the full rate, up to the expected answer.
     QByteArray ask(const QByteArray& payload, const QByteArray& expected_payload)
     {
         return host->ask(make_frame(payload), make_frame(expected_payload));
@@ -171,7 +171,7 @@ TEST_F(SimSimulatedDevice, IsSilentWhenAskedToBe)
     start({Entry::Silent});
     host->send(version_frame + make_frame(bytes("03 01 00 08 00")));
     ASSERT_TRUE(wait_until([this] { return device->payloads().size() == 2; }));
-    // Whatever it had to say would have come before this.
+    // Any answer of its own would have arrived before this.
     device->set_reply_filter([](const Command&, const QByteArray& answer) {
         EXPECT_EQ(answer, QByteArray());
         return std::vector<Delivery>{{"end"}};
@@ -307,9 +307,9 @@ TEST_F(SimSimulatedDevice, HearsWhatItsRequestFilterLetsThrough)
 {
     start({Entry::Version, Options::Echo::Apart});
     device->set_request_filter([](const QByteArray& bytes) {
-        QByteArray spoilt = bytes;
-        spoilt[4] = '\x01';
-        return spoilt;
+        QByteArray damaged = bytes;
+        damaged[4] = '\x01';
+        return damaged;
     });
     EXPECT_EQ(host->ask(version_frame, version_frame), version_frame);
     EXPECT_THAT(device->commands(), IsEmpty());

@@ -63,6 +63,8 @@ TEST(SimLineTiming, LeavesOutNothingAtAnyRate)
     }
 }
 
+// A slice: offset, bytes, due time in nanoseconds, whether it is among the last. A byte takes 21.7
+// us.
 TEST(SimLineTiming, SendsAShortAnswerInFineSlicesThatEndWithAFullOne)
 {
     EXPECT_THAT(slices(0, 5, 460800),

@@ -200,7 +200,7 @@ TEST_F(SimPseudoTerminal, KnowsTheLockThatAHostPutsOnItsPort)
 namespace
 {
 
-/// A lock file for a port that nobody has, as a program with these contents in mind leaves it.
+/// A lock file with these contents for a port that no process has open.
 class LockFile
 {
 public:
@@ -249,7 +249,7 @@ TEST(SimPseudoTerminals, PassOverAPortThatIsStillLocked)
 TEST_F(SimPseudoTerminal, DoesNotMindTheLockOfADeadProgram)
 {
     LockFile lock(terminal.path());
-    lock.write("2147483647\ntool\nhost\n"); // a number that no process can have
+    lock.write("2147483647\ntool\nhost\n"); // not a possible process number
     EXPECT_FALSE(has_port_lock(terminal.path()));
     lock.write(QByteArray::number(QCoreApplication::applicationPid()) + "\ntool\nhost\n");
     EXPECT_TRUE(has_port_lock(terminal.path()));

@@ -35,7 +35,7 @@ protected:
         return DeviceTable(path);
     }
 
-    /// What is said about the table, with its path shortened to "T".
+    /// The error about the table, with its path shortened to "T".
     std::string complaint_about(const std::function<void()>& action) const
     {
         try {

@@ -15,7 +15,7 @@ using sim::Session;
 namespace
 {
 
-/// A session in this very process, for what can't be brought about from outside.
+/// A session in the test's own process, for errors that cannot be caused from outside.
 class SimSession : public testing::Test
 {
 protected:

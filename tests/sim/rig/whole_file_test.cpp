@@ -20,7 +20,7 @@ namespace
 
 const QByteArray former = "the former content, which is longer";
 
-/// More than is held back before it goes to the disk.
+/// More than is buffered before it is written to the disk.
 const QByteArray large(0x10000, 'a');
 
 /// A folder and the file in it that is written.
