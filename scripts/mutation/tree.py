@@ -55,7 +55,7 @@ class Tree:
         # Warnings are not errors: a mutant may leave a variable unused. Tests are listed when they
         # are asked for, not after each build.
         self._run(["cmake", "-S", str(self.tree), "-B", str(self.build_folder), "-G", "Ninja",
-                   "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w",
+                   "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
                    "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
                    "-DZSERIAL_BUILD_TESTS=ON"], check=True)
 
