@@ -1,6 +1,7 @@
 #include "device/FrameCodec.h"
 #include "device/ZarnSerialDevice.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/FrameVectors.h"
 #include "tests/support/SignalRecorder.h"
 
 #include <gmock/gmock.h>
@@ -13,27 +14,6 @@ using testing::IsEmpty;
 
 namespace
 {
-
-struct Example {
-    const char* payload;
-    const char* frame;
-};
-
-// Payloads and the frames that carry them, both ways.
-const std::vector<Example> examples = {
-    {"00 02", "55 55 00 02 FE 04"},
-    {"00 00", "55 55 00 00 00 04"},
-    {"02", "55 55 02 FE 04"},
-    {"01 10 00 08 00", "55 55 01 10 00 08 00 E7 04"},
-    {"55 04", "55 55 05 55 05 04 A7 04"},
-    {"05", "55 55 05 05 FB 04"},
-    {"FB", "55 55 FB 05 05 04"}, // the checksum is an escape
-    {"FC", "55 55 FC 05 04 04"}, // the checksum is a terminator
-    {"AB", "55 55 AB 05 55 04"}, // the checksum is a sync symbol
-    {"05 05 05", "55 55 05 05 05 05 05 05 F1 04"},
-    {"80 80", "55 55 80 80 00 04"}, // the sum leaves its 8 bits
-    {"FF", "55 55 FF 01 04"},
-};
 
 struct BadFrame {
     const char* frame;
@@ -66,19 +46,6 @@ const std::vector<BadFrame> bad_frames = {
     {"55 55 01 05 05 04", "response checksum mismatch (expected FF, got 05)"},
     // An escaped checksum without a byte before it: the sum of nothing is 0.
     {"55 55 05 05 04", "response checksum mismatch (expected 00, got 05)"},
-};
-
-struct GoodFrame {
-    const char* frame;
-    const char* payload;
-};
-
-// Frames that encode() does not make and that are accepted all the same.
-const std::vector<GoodFrame> lenient_frames = {
-    {"55 55 55 12 EE 04", "12"},
-    {"55 55 55 55 55 12 EE 04", "12"},
-    {"55 55 FC 04 04", "FC"}, // checksums without their escape
-    {"55 55 AB 55 04", "AB"},
 };
 
 struct Ending {
@@ -141,11 +108,11 @@ TEST(FrameBytes, ChecksumBringsTheSumToZero)
 
 TEST(FrameEncoding, EscapesPayloadAndChecksum)
 {
-    for (const Example& example : examples) {
+    for (const FrameVector& vector : frame_vectors("good")) {
         QByteArray frame = "what was there before";
-        EXPECT_TRUE(ZarnSerialDevice::encode(bytes(example.payload), frame)) << example.payload;
-        EXPECT_EQ(frame, bytes(example.frame)) << example.payload;
-        EXPECT_EQ(frame::encode(bytes(example.payload)), bytes(example.frame)) << example.payload;
+        EXPECT_TRUE(ZarnSerialDevice::encode(vector.payload, frame)) << vector.line;
+        EXPECT_EQ(frame, vector.frame) << vector.line;
+        EXPECT_EQ(frame::encode(vector.payload), vector.frame) << vector.line;
     }
 }
 
@@ -158,22 +125,32 @@ TEST(FrameEncoding, RefusesAnEmptyCommandAndLeavesTheFrameAlone)
 
 TEST_F(FrameMembers, DecodesWhatEncodeMakes)
 {
-    for (const Example& example : examples) {
+    for (const FrameVector& vector : frame_vectors("good")) {
         QByteArray payload = "what was there before";
-        EXPECT_TRUE(device.decode(bytes(example.frame), payload)) << example.frame;
-        EXPECT_EQ(payload, bytes(example.payload)) << example.frame;
+        EXPECT_TRUE(device.decode(vector.frame, payload)) << vector.line;
+        EXPECT_EQ(payload, vector.payload) << vector.line;
     }
     EXPECT_THAT(recorder.lines(), IsEmpty());
 }
 
 TEST_F(FrameMembers, AcceptsMoreSyncSymbolsAndChecksumsWithoutEscape)
 {
-    for (const GoodFrame& good : lenient_frames) {
-        QByteArray payload;
-        EXPECT_TRUE(device.decode(bytes(good.frame), payload)) << good.frame;
-        EXPECT_EQ(payload, bytes(good.payload)) << good.frame;
+    for (const char* verdict : {"accepted", "host"}) {
+        for (const FrameVector& vector : frame_vectors(verdict)) {
+            QByteArray payload;
+            EXPECT_TRUE(device.decode(vector.frame, payload)) << vector.line;
+            EXPECT_EQ(payload, vector.payload) << vector.line;
+        }
     }
     EXPECT_THAT(recorder.lines(), IsEmpty());
+}
+
+TEST_F(FrameMembers, RefuseWhatBothEndsRefuse)
+{
+    for (const FrameVector& vector : frame_vectors("refused")) {
+        QByteArray payload;
+        EXPECT_FALSE(device.decode(vector.frame, payload)) << vector.line;
+    }
 }
 
 TEST_F(FrameMembers, ReportWhyAFrameIsRefused)

@@ -1,5 +1,6 @@
 #include "sim/device/FrameCodec.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/FrameVectors.h"
 #include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
@@ -13,16 +14,6 @@ using testing::IsEmpty;
 namespace
 {
 
-struct WorkedFrame {
-    const char* name;
-    const char* payload;
-    const char* frame;
-};
-
-class SimFrameCodecWorkedFrames : public testing::TestWithParam<WorkedFrame>
-{
-};
-
 std::vector<QByteArray> receive_cut_at(const QByteArray& frame, int cut)
 {
     FrameReceiver receiver;
@@ -35,42 +26,34 @@ std::vector<QByteArray> receive_cut_at(const QByteArray& frame, int cut)
 
 } // namespace
 
-TEST_P(SimFrameCodecWorkedFrames, IsMadeFromItsPayload)
+TEST(SimFrameCodec, MakesTheFrameOfAPayload)
 {
-    EXPECT_EQ(make_frame(bytes(GetParam().payload)), bytes(GetParam().frame));
-}
-
-TEST_P(SimFrameCodecWorkedFrames, IsReceivedWhereverItIsCut)
-{
-    const QByteArray frame = bytes(GetParam().frame);
-    for (int cut = 0; cut <= frame.size(); ++cut) {
-        SCOPED_TRACE(cut);
-        EXPECT_THAT(receive_cut_at(frame, cut), ElementsAre(bytes(GetParam().payload)));
+    for (const FrameVector& vector : frame_vectors("good")) {
+        EXPECT_EQ(make_frame(vector.payload), vector.frame) << vector.line;
     }
 }
 
-TEST_P(SimFrameCodecWorkedFrames, IsReceivedByteByByte)
+TEST(SimFrameCodec, ReceivesAFrameWhereverItIsCut)
 {
-    FrameReceiver receiver;
-    const QByteArray frame = bytes(GetParam().frame);
-    for (const char byte : frame.chopped(1)) {
-        EXPECT_THAT(receiver.receive(QByteArray(1, byte)), IsEmpty());
+    for (const FrameVector& vector : frame_vectors("good")) {
+        for (int cut = 0; cut <= vector.frame.size(); ++cut) {
+            EXPECT_THAT(receive_cut_at(vector.frame, cut), ElementsAre(vector.payload))
+                << vector.line << ", cut at " << cut;
+        }
     }
-    EXPECT_THAT(receiver.receive(frame.right(1)), ElementsAre(bytes(GetParam().payload)));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Sim, SimFrameCodecWorkedFrames,
-    testing::Values(WorkedFrame{"VersionRequest", "00 02", "55 55 00 02 FE 04"},
-                    WorkedFrame{"ResetWithChecksumZero", "00 00", "55 55 00 00 00 04"},
-                    WorkedFrame{"Acknowledgement", "02", "55 55 02 FE 04"},
-                    WorkedFrame{"Read", "01 10 00 08 00", "55 55 01 10 00 08 00 E7 04"},
-                    WorkedFrame{"EscapedSyncAndTerminator", "55 04", "55 55 05 55 05 04 A7 04"},
-                    WorkedFrame{"EscapedEscape", "05", "55 55 05 05 FB 04"},
-                    WorkedFrame{"EscapedChecksum", "FB", "55 55 FB 05 05 04"},
-                    WorkedFrame{"ChecksumTerminator", "FC", "55 55 FC 05 04 04"},
-                    WorkedFrame{"ChecksumSync", "AB", "55 55 AB 05 55 04"}),
-    row_name);
+TEST(SimFrameCodec, ReceivesAFrameByteByByte)
+{
+    for (const FrameVector& vector : frame_vectors("good")) {
+        FrameReceiver receiver;
+        for (const char byte : vector.frame.chopped(1)) {
+            EXPECT_THAT(receiver.receive(QByteArray(1, byte)), IsEmpty()) << vector.line;
+        }
+        EXPECT_THAT(receiver.receive(vector.frame.right(1)), ElementsAre(vector.payload))
+            << vector.line;
+    }
+}
 
 TEST(SimFrameCodec, BringsEveryByteThroughInEveryPosition)
 {
@@ -93,9 +76,23 @@ TEST(SimFrameCodec, TakesFramesThatFollowEachOther)
 
 TEST(SimFrameCodec, AcceptsMoreThanTwoSyncSymbols)
 {
-    FrameReceiver receiver;
-    EXPECT_THAT(receiver.receive(bytes("55 55 55 55 12 EE 04")), ElementsAre(bytes("12")));
-    EXPECT_EQ(receiver.dropped_frames(), 0U);
+    for (const FrameVector& vector : frame_vectors("accepted")) {
+        FrameReceiver receiver;
+        EXPECT_THAT(receiver.receive(vector.frame), ElementsAre(vector.payload)) << vector.line;
+        EXPECT_EQ(receiver.dropped_frames(), 0U) << vector.line;
+    }
+}
+
+TEST(SimFrameCodec, DropsWhatADeviceRefusesAndFindsTheNextFrame)
+{
+    for (const char* verdict : {"host", "refused"}) {
+        for (const FrameVector& vector : frame_vectors(verdict)) {
+            FrameReceiver receiver;
+            EXPECT_THAT(receiver.receive(vector.frame), IsEmpty()) << vector.line;
+            EXPECT_THAT(receiver.receive(make_frame(bytes("00 02"))), ElementsAre(bytes("00 02")))
+                << vector.line;
+        }
+    }
 }
 
 namespace
