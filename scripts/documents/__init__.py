@@ -1,0 +1,1 @@
+"""Checks of the documents: their command lines, links and messages."""

@@ -1,0 +1,221 @@
+#!/usr/bin/env python3
+"""Tests of the checks of documents: each of them has to find what it looks for."""
+
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+sys.path += [str(SOURCE / "scripts"), str(SOURCE / "examples")]
+import bootloader
+from documents import commands, links, markdown, messages
+
+
+class Page(unittest.TestCase):
+    """A document in a folder of its own."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def page(self, text, name="page.md"):
+        path = self.folder / name
+        path.write_text(text, encoding="utf-8")
+        return path
+
+    def blocks(self, text):
+        return commands.command_blocks(self.page(text))
+
+    def failures(self, text):
+        """The failures without their places. No program of ours is needed."""
+        found, _ = commands.check(self.page(text), SOURCE, self.folder)
+        return [failure.split(": ", 1)[1] for failure in found]
+
+
+class Blocks(Page):
+    def test_may_be_indented_or_fenced(self):
+        found = self.blocks("Text:\n\n    zserial -x\n\n```sh\nls\n```\n\n```console\n$ ls\n```\n")
+        self.assertEqual([block.lines for block in found], [["zserial -x"], ["ls"], ["$ ls"]])
+
+    def test_in_a_list_are_indented_further(self):
+        self.assertEqual(self.blocks("- item\n\n    zserial, more of the item\n"), [])
+        found = self.blocks("- item\n\n      zserial -x\n")
+        self.assertEqual([block.lines for block in found], [["zserial -x"]])
+
+    def test_of_other_languages_and_without_programs_hold_no_commands(self):
+        self.assertEqual(self.blocks("```cpp\nzserial\n```\n\n    55 55 04\n"), [])
+
+    def test_have_the_comments_before_them(self):
+        first, second = self.blocks("<!-- status: 1 -->\n\n    zserial\n\nText.\n\n    zserial\n")
+        self.assertEqual((first.comments, second.comments), (["status: 1"], []))
+
+    def test_have_commands_over_several_lines_with_what_they_print(self):
+        block, = self.blocks("```console\n$ zserial \\\n    -x\nprinted\n\nmore\n$ ls\n```\n")
+        self.assertEqual([(each.text, each.shown) for each in commands.commands(block)],
+                         [("zserial \\\n    -x", ["printed", "", "more"]), ("ls", [])])
+
+
+class Output(unittest.TestCase):
+    def test_has_to_be_the_same(self):
+        self.assertTrue(commands.agrees(["a", "b"], "a\nb\n"))
+        self.assertFalse(commands.agrees(["a", "b"], "a\nb\nc\n"))
+        self.assertFalse(commands.agrees(["a.b"], "axb\n"))
+
+    def test_may_be_left_out(self):
+        self.assertTrue(commands.agrees(["a", "..."], "a\nb\nc\n"))
+        self.assertTrue(commands.agrees(["...", "c ... e"], "a\nb\nc d e\n"))
+        self.assertFalse(commands.agrees(["...", "c"], "a\nb\n"))
+
+    def test_is_as_it_looks_in_the_end(self):
+        self.assertTrue(commands.agrees(["50%done", "x"], "\r10%\r50%done  \nx\r\n\n"))
+
+    def test_may_name_any_terminal(self):
+        self.assertTrue(commands.agrees(["/dev/pts/3"], "/dev/pts/17\n"))
+
+
+class Commands(Page):
+    def test_print_what_is_shown(self):
+        self.assertEqual(self.failures("```console\n$ echo a\na\n$ ls blink.hex\nblink.hex\n```\n"), [])
+
+    def test_fail_with_other_output(self):
+        failure, = self.failures("```console\n$ echo a\nb\n```\n")
+        self.assertIn("is shown to print\nb", failure)
+
+    def test_fail_with_another_status(self):
+        self.assertEqual(len(self.failures("```console\n$ false\n```\n")), 1)
+        self.assertEqual(self.failures("<!-- status: 1 -->\n```console\n$ false\n```\n"), [])
+        self.assertEqual(len(self.failures("<!-- status: 1 -->\n```console\n$ true\n```\n")), 1)
+
+    def test_without_a_prompt_stop_at_the_first_that_fails(self):
+        self.assertEqual(len(self.failures("```sh\nfalse\ntrue\n```\n")), 1)
+
+    def test_may_have_a_status_each(self):
+        page = "<!-- status: 1 0 -->\n```sh\nfalse \\\n  x\ntrue\n```\n"
+        self.assertEqual(self.failures(page), [])
+        self.assertEqual(len(self.failures(page.replace("1 0", "1 1"))), 1)
+
+    def test_may_print_on_standard_error(self):
+        page = "<!-- output: errors -->\n```console\n$ echo a; echo b >&2\nb\n```\n"
+        self.assertEqual(self.failures(page), [])
+        self.assertEqual(len(self.failures(page.replace("errors", "none"))), 1)
+        self.assertEqual(self.failures(page.replace("errors", "all").replace("\nb", "\na\nb")), [])
+
+    def test_of_a_block_that_continues_find_its_files(self):
+        page = "```sh\ntouch new\n```\n\n<!-- continues -->\n```sh\nls new\n```\n"
+        self.assertEqual(self.failures(page), [])
+        self.assertEqual(len(self.failures(page.replace("<!-- continues -->", ""))), 1)
+
+    def test_find_files_that_the_page_shows(self):
+        page = "<!-- file: x/new -->\n```text\na\tb\n```\n\n<!-- continues -->\n```console\n$ cat x/new\na\tb\n```\n"
+        self.assertEqual(self.failures(page), [])
+
+    def test_are_not_run_for_a_reason(self):
+        page = self.page("<!-- not run: why -->\n```sh\nfalse\n```\n")
+        self.assertEqual(commands.check(page, SOURCE, self.folder),
+                         ([], [f"{page}:2: not run: why"]))
+
+    def test_do_not_run_after_an_unknown_comment(self):
+        failure, = self.failures("<!-- stauts: 1 -->\n```sh\ntrue\n```\n")
+        self.assertIn("stauts", failure)
+
+    def test_go_on_in_the_background(self):
+        page = ("<!-- background -->\n```console\n$ python3 bootloader.py\n/dev/pts/3\n```\n\n"
+                "<!-- continues -->\n```console\n$ test -c /dev/pts/3\n```\n")
+        self.assertEqual(self.failures(page), [])
+
+
+class Links(Page):
+    def broken(self, text):
+        self.page("# A heading\n\n## `-x`, and more\n\n## Twice\n\n## Twice\n", "other.md")
+        return [fault.rsplit(": ", 1)[1] for fault in links.broken([self.page(text)])]
+
+    def test_may_lead_to_files_and_headings(self):
+        self.assertEqual(self.broken(
+            "# Here\n\n[a](other.md) [b](other.md#a-heading) [c](other.md#-x-and-more)\n"
+            "[d](#here) [e\nf](other.md#twice-1) [g](https://example.org/x)\n"), [])
+
+    def test_must_lead_somewhere(self):
+        self.assertEqual(self.broken("[a](no.md)\n\n[b](other.md#no)\n\n[c](#no)\n"),
+                         ["no such file", "no such heading", "no such heading"])
+
+    def test_are_not_looked_for_in_code(self):
+        self.assertEqual(self.broken("`[a](no.md)`\n\n```text\n[a](no.md)\n```\n\n    [a](no.md)\n"), [])
+
+    def test_are_reported_with_their_line(self):
+        page = self.page("Text.\n\n    code\n\n`a\nb` [a](no.md)\n")
+        self.assertEqual(list(links.broken([page])), [f"{page}:6: no.md: no such file"])
+
+
+class Messages(unittest.TestCase):
+    def test_are_literals_joined_where_they_follow_each_other(self):
+        source = '#include "a.h"\n// "no"\nf("one " // no\n  "two", \'"\', "three %1 \\"four\\"");'
+        self.assertEqual(messages.literals(source), ["one two", 'three %1 \\"four\\"'])
+
+    def test_are_compared_by_what_does_not_vary(self):
+        self.assertEqual(messages.fragments("file {NAME} at 0x%1 (%2)\\n"), ("file", "at 0x"))
+
+    def test_of_sources_have_to_be_listed(self):
+        listed = {"tool": ["cannot open {FILE} now"], "no message": []}
+        found = {("cannot open",): "a.cpp", ("now",): "a.cpp"}
+        self.assertEqual(list(messages.between_sources_and_list(found, listed)), [])
+        found["later",] = "b.cpp"
+        self.assertEqual(list(messages.between_sources_and_list(found, listed)),
+                         ["b.cpp: not in tests/messages.txt: later"])
+
+    def test_of_the_list_have_to_be_in_a_source(self):
+        listed = {"tool": ["gone"], "no message": []}
+        self.assertEqual(list(messages.between_sources_and_list({}, listed)),
+                         ["tests/messages.txt: in no source: gone"])
+
+    def test_have_to_be_on_the_page_and_in_the_list(self):
+        listed = {"tool": ["bad {N}"], "framework": []}
+        self.assertEqual(list(messages.between_list_and_page(listed, [(3, "bad N")])), [])
+        self.assertEqual(list(messages.between_list_and_page(listed, [(3, "worse N")])),
+                         ["docs/troubleshooting.md: does not explain: bad N",
+                          "docs/troubleshooting.md:3: not in tests/messages.txt: worse N"])
+
+    def test_stand_on_the_page_in_headings_and_first_columns(self):
+        lines = ["### `one`, `two`", "", "| `three` | `no` |", "", "`no`"]
+        self.assertEqual([text for _, text in messages.page_messages(lines)],
+                         ["one", "two", "three"])
+
+
+class Frames(unittest.TestCase):
+    """The device in examples/ against the frames beside it, and those on the page."""
+
+    vector = re.compile(r"  (good|accepted|host|refused) (.*?) \| ([0-9A-F ]+?)(?: #.*)?$")
+
+    def vectors(self):
+        text = (SOURCE / "examples" / "frames.txt").read_text(encoding="utf-8")
+        return [self.vector.match(line).groups() for line in text.splitlines() if "|" in line]
+
+    def received(self, receiver, digits):
+        payloads = (receiver.take(byte) for byte in bytes.fromhex(digits))
+        return [payload for payload in payloads if payload is not None]
+
+    def test_are_made_and_received_by_the_example_device(self):
+        for verdict, payload, frame in self.vectors():
+            with self.subTest(frame=frame):
+                receiver = bootloader.Receiver()
+                good = verdict in ("good", "accepted")
+                self.assertEqual(self.received(receiver, frame),
+                                 [bytes.fromhex(payload)] if good else [])
+                self.assertEqual(self.received(receiver, "55 55 00 02 FE 04"), [b"\0\2"])
+                if verdict == "good":
+                    self.assertEqual(bootloader.frame(bytes.fromhex(payload)), bytes.fromhex(frame))
+
+    def test_of_the_page_are_among_them(self):
+        good = {frame for verdict, _, frame in self.vectors() if verdict == "good"}
+        page = "\n".join(markdown.read(SOURCE / "docs" / "protocol.md"))
+        shown = set(re.findall(r"\b55 55 [0-9A-F ]+ 04\b", page))
+        self.assertGreater(len(shown), 10)
+        self.assertLessEqual(shown, good)
+
+
+if __name__ == "__main__":
+    unittest.main()
