@@ -50,7 +50,8 @@ def judge(status, out, errors):
     shown = lines(out)
     step = shown[-1] if shown else ""
     if status == -signal.SIGABRT:
-        return Outcome(False, "the device table cannot be used", causes(errors.split("terminate")[0]))
+        return Outcome(False, "the device table cannot be used",
+                       causes(errors.split("terminate")[0]))
     if status < 0:
         return Outcome(False, f"ended by signal {-status}", [])
     if "could not open file" in errors and "for writing" in errors:

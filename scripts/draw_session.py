@@ -61,7 +61,8 @@ def drawing(lines):
     rows = [HEAD.format(width=width, height=height, inner_width=width - 1, inner_height=height - 1)]
     for number, line in enumerate(lines, 1):
         kind = ' class="command"' if line.startswith("$ ") else ""
-        rows.append(f'<text x="{MARGIN}" y="{MARGIN + number * LINE - 4}"{kind} xml:space="preserve">'
+        rows.append(f'<text x="{MARGIN}" y="{MARGIN + number * LINE - 4}"{kind} '
+                    'xml:space="preserve">'
                     f"{html.escape(line, quote=False)}</text>\n")
     return "".join(rows) + "</svg>\n"
 

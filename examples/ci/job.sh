@@ -4,8 +4,8 @@
 #
 #     job.sh TABLE VERSION IMAGE RESULTS
 #
-# RESULTS is a new folder for the logs and summaries, to be kept with the job. The programs have to be
-# on the PATH. Ends with 0 if all is well, and otherwise with the status of the step that was not:
+# RESULTS is a new folder for the logs and summaries, to be kept with the job. The programs must be on
+# the PATH. Ends with 0 if all is well, and otherwise with the status of the step that was not:
 # 10 the table or the image, 11 the upload, 12 the content of the device, 13 the set-up of the job.
 set -uo pipefail
 

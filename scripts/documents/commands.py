@@ -13,7 +13,7 @@ directly before a block say more, one to a line:
     <!-- continues -->                  in the folder, and with the devices, of the block before
     <!-- file: NAME -->                 no commands: what a file in the folder holds from then on
     <!-- background -->                 the command goes on while the blocks after it continue
-    <!-- background ends -->            no commands: what the one in the background prints at its end
+    <!-- background ends -->            no commands: what that command prints at its end
 
 Each block starts with a copy of examples/ as its current folder, in which firmware.hex is a copy of
 blink.hex. A /dev/ttyUSBn is a simulated device, and a /dev/pts/n the one in the background. In
@@ -32,8 +32,8 @@ import tempfile
 
 from documents import markdown
 
-PROGRAMS = re.compile(r"(\$ |zserial\b|scripts/|examples/|\.ci/|cmake |ctest |git |apt|sudo |srec_cat "
-                      r"|objcopy |python3 |coproc |echo |dpkg|man |pkg-config |make |g\+\+ |gcc )")
+PROGRAMS = re.compile(r"(\$ |zserial\b|scripts/|examples/|\.ci/|cmake |ctest |git |apt|sudo "
+                      r"|srec_cat |objcopy |python3 |coproc |echo |dpkg|man |pkg-config |make |g\+\+ |gcc )")
 PORT = re.compile(r"/dev/(tty(?:USB|ACM)\d+)")
 TERMINAL = re.compile(r"/dev/pts/\d+")
 KNOWN_COMMENTS = ("not run", "first", "simulator", "status", "output", "continues", "file",
@@ -76,8 +76,8 @@ def value(block, name, default):
 
 
 def commands(block):
-    """The commands of a block, each with the lines that it is shown to print. Without "$ " the whole
-    block is one, unless it has several statuses, and no output is shown."""
+    """The commands of a block, each with the lines that it is shown to print. Without "$ " the
+    whole block is one, unless it has several statuses, and no output is shown."""
     if has_prompts(block):
         return prompted_commands(block)
     if len(statuses(block)) == 1:

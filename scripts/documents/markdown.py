@@ -92,7 +92,7 @@ def prose(lines):
 
 
 def anchors(lines):
-    """What a link can name behind "#": each heading in lower case, without punctuation, with
+    """What a link can name after "#": each heading in lower case, without punctuation, with
     hyphens for spaces; one that is there already gets a number."""
     found = set()
     for _, line in prose(lines):

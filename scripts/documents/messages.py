@@ -5,7 +5,7 @@ In the list, each line is a message as it is printed, with the parts that vary i
 the seam of two texts, and "\\n" for a line end inside a message. Sections say who prints it:
 
     [tool]       texts of the sources
-    [framework]  texts of the libraries; a command on the page has to show each of them
+    [framework]  texts of the libraries; a command on the page must show each of them
     [no message] words in the sources that are not printed by themselves
 """
 
@@ -79,7 +79,7 @@ def read_list(path):
 
 def as_on_the_page(message):
     """On the page, what varies is a word in capitals, and a message of several lines one line."""
-    return re.sub(r"\s+", " ", message.replace("\\n", " ").replace("{", "").replace("}", "")).strip()
+    return re.sub(r"\s+", " ", re.sub(r"[{}]", "", message.replace("\\n", " "))).strip()
 
 
 def page_messages(lines):
@@ -93,8 +93,8 @@ def page_messages(lines):
 
 def shown_lines(document):
     """What commands of the page are shown to print."""
-    return [line for block in commands.command_blocks(document) if not commands.has(block, "not run")
-            for command in commands.commands(block) for line in command.shown]
+    return [line for block in commands.command_blocks(document)
+            if not commands.has(block, "not run") for command in commands.commands(block) for line in command.shown]
 
 
 def is_shown(message, lines):

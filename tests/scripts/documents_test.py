@@ -80,7 +80,8 @@ class Output(unittest.TestCase):
 
 class Commands(Page):
     def test_print_what_is_shown(self):
-        self.assertEqual(self.failures("```console\n$ echo a\na\n$ ls blink.hex\nblink.hex\n```\n"), [])
+        page = "```console\n$ echo a\na\n$ ls blink.hex\nblink.hex\n```\n"
+        self.assertEqual(self.failures(page), [])
 
     def test_fail_with_other_output(self):
         failure, = self.failures("```console\n$ echo a\nb\n```\n")
@@ -111,7 +112,8 @@ class Commands(Page):
         self.assertEqual(len(self.failures(page.replace("<!-- continues -->", ""))), 1)
 
     def test_find_files_that_the_page_shows(self):
-        page = "<!-- file: x/new -->\n```text\na\tb\n```\n\n<!-- continues -->\n```console\n$ cat x/new\na\tb\n```\n"
+        page = ("<!-- file: x/new -->\n```text\na\tb\n```\n\n"
+                "<!-- continues -->\n```console\n$ cat x/new\na\tb\n```\n")
         self.assertEqual(self.failures(page), [])
 
     def test_are_not_run_for_a_reason(self):
@@ -144,7 +146,8 @@ class Links(Page):
                          ["no such file", "no such heading", "no such heading"])
 
     def test_are_not_looked_for_in_code(self):
-        self.assertEqual(self.broken("`[a](no.md)`\n\n```text\n[a](no.md)\n```\n\n    [a](no.md)\n"), [])
+        page = "`[a](no.md)`\n\n```text\n[a](no.md)\n```\n\n    [a](no.md)\n"
+        self.assertEqual(self.broken(page), [])
 
     def test_are_reported_with_their_line(self):
         page = self.page("Text.\n\n    code\n\n`a\nb` [a](no.md)\n")
@@ -215,6 +218,19 @@ class Frames(unittest.TestCase):
         shown = set(re.findall(r"\b55 55 [0-9A-F ]+ 04\b", page))
         self.assertGreater(len(shown), 10)
         self.assertLessEqual(shown, good)
+
+
+class Jobs(unittest.TestCase):
+    """The jobs for continuous integration in examples/."""
+
+    def test_install_what_a_build_needs(self):
+        script = (SOURCE / "scripts" / "packages.sh").read_text(encoding="utf-8")
+        needed = set(re.search(r"build_packages=\(([^)]*)\)", script)[1].split())
+        self.assertIn("cmake", needed)
+        for name in ("github.yml", "gitlab.yml"):
+            with self.subTest(name=name):
+                job = (SOURCE / "examples" / "ci" / name).read_text(encoding="utf-8")
+                self.assertLessEqual(needed, set(job.split()))
 
 
 if __name__ == "__main__":
