@@ -22,8 +22,11 @@ CommandWords::CommandWords(const Subcommand& subcommand, const QStringList& word
         }
     }
     m_parser.addPositionalArgument(name, QString::fromLatin1(subcommand.summary), name);
-    m_parser.addPositionalArgument(QStringLiteral("file"), QString::fromLatin1(subcommand.files),
-                                   QString::fromLatin1(subcommand.file_syntax));
+    if (*subcommand.file_syntax != '\0') {
+        m_parser.addPositionalArgument(QStringLiteral("file"),
+                                       QString::fromLatin1(subcommand.files),
+                                       QString::fromLatin1(subcommand.file_syntax));
+    }
     if (!m_parser.parse(QStringList(QStringLiteral("zserial-inspect ") + name) + words)) {
         throw UsageError(m_parser.errorText());
     }

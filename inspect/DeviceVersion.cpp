@@ -23,4 +23,32 @@ const TableRow& row_for(const TableFile& table, const QString& version)
     return *row;
 }
 
+const TableRow& only_row(const TableFile& table)
+{
+    const TableRow* only = nullptr;
+    for (const TableRow& row : table.rows) {
+        if (row.profile != nullptr && row.counts) {
+            if (only != nullptr) {
+                throw UsageError(
+                    QStringLiteral("%1 has several devices: choose with --device").arg(table.path));
+            }
+            only = &row;
+        }
+    }
+    if (only == nullptr) {
+        throw UsageError(QStringLiteral("%1 has no usable device").arg(table.path));
+    }
+    return *only;
+}
+
+TableFile readable_table(const QString& path)
+{
+    TableFile table = read_table(path);
+    if (!table.is_readable) {
+        throw UsageError(QStringLiteral("cannot read the table %1: %2")
+                             .arg(table.path, table.problems.front().message));
+    }
+    return table;
+}
+
 } // namespace inspect

@@ -9,4 +9,10 @@ namespace inspect
 /// no version, or when the table has no usable row for it.
 const TableRow& row_for(const TableFile& table, const QString& version);
 
+/// The row of a table with a single device. Throws UsageError when it has none or several.
+const TableRow& only_row(const TableFile& table);
+
+/// A table to take a device from. Throws UsageError when it cannot be read.
+TableFile readable_table(const QString& path);
+
 } // namespace inspect

@@ -33,24 +33,6 @@ struct Inspected {
     std::optional<DeviceFit> fit;
 };
 
-const TableRow& only_row(const TableFile& table)
-{
-    const TableRow* only = nullptr;
-    for (const TableRow& row : table.rows) {
-        if (row.profile != nullptr && row.counts) {
-            if (only != nullptr) {
-                throw UsageError(
-                    QStringLiteral("%1 has several devices: choose with --device").arg(table.path));
-            }
-            only = &row;
-        }
-    }
-    if (only == nullptr) {
-        throw UsageError(QStringLiteral("%1 has no usable device").arg(table.path));
-    }
-    return *only;
-}
-
 /// Without --table and --device there is none.
 std::unique_ptr<Device> device_of(const CommandWords& words)
 {
@@ -60,11 +42,7 @@ std::unique_ptr<Device> device_of(const CommandWords& words)
     if (!path && !version) {
         return device;
     }
-    device->table = read_table(path.value_or(QStringLiteral("device.txt")));
-    if (!device->table.is_readable) {
-        throw UsageError(QStringLiteral("cannot read the table %1: %2")
-                             .arg(device->table.path, device->table.problems.front().message));
-    }
+    device->table = readable_table(path.value_or(QStringLiteral("device.txt")));
     device->row = version ? &row_for(device->table, *version) : &only_row(device->table);
     return device;
 }

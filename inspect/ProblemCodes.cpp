@@ -20,6 +20,7 @@ const char* const refuses_memory =
 const char* const refuses_file =
     "Refuses the file. -w, -W, -v and -wv send nothing of it and end with status 1; an -e on the "
     "same line has erased the flash by then.";
+const char* const cannot_be_opened = "Ends with \"Port ... cannot be opened. Aborting...\".";
 const char* const make_again = "Create or copy the file again.";
 
 } // namespace
@@ -251,6 +252,122 @@ const std::vector<ProblemKind>& problem_kinds()
         {Code::NothingInDevice, "I023", error, "Nothing of the image lies in the device",
          "-w and -wv write nothing and succeed, -v fails.",
          "Check that image and device belong together."},
+
+        {Code::LogUnreadable, "L001", error, "The log cannot be read",
+         "Never reads a log; -x appends to it.", "Name a readable log."},
+        {Code::LogWithoutFrames, "L002", warning, "A log without frames",
+         "Logs nothing when it ends before its first command, or when a probe finds the device and "
+         "nothing else is asked for.",
+         "Check that this is the file of -x, and how far the run got."},
+        {Code::LogOtherText, "L003", warning, "Lines that are no frames",
+         "Never writes them; -x appends to whatever the file has held.",
+         "Check what else writes to the file."},
+        {Code::LogDamagedLine, "L004", warning, "A line that is damaged or cut",
+         "Writes whole lines, unless it is killed or the disk is full. It adds what fits.",
+         "Do not rely on what is reported about the lines next to it."},
+        {Code::AnswerWithoutCommand, "L005", warning, "An answer that no command goes before",
+         "Logs the command before its answer, and one answer at most: lines are missing, or two "
+         "runs have written at once.",
+         "Give each port a log of its own, and keep the whole of it."},
+        {Code::DeviceNotFound, "L006", error, "No device answers the version command",
+         "Asks 15 times, between its probes, and ends with \"Did not succeed in QV entry "
+         "procedure, aborting...\".",
+         "Check port, wiring and power; switch the device on while the run looks for it. Use -h "
+         "where the line echoes."},
+        {Code::NothingAnswered, "L007", error, "Nothing is answered in a run",
+         "Sends a command 40 times, 300 ms apart, and ends with \"giving up after having made 40 "
+         "attempts ...\".",
+         "Check that the device runs its bootloader, at the rate in its row of the table; that "
+         "the adapter can do this rate; that the version of -B is right; that -h is used only "
+         "where the line echoes; wiring and power."},
+        {Code::SilentAfterVersion, "L008", error, "Nothing is answered after the version",
+         "Asks for the version at 460800 baud and goes on at the rate of the table; sends the "
+         "command 40 times and ends with \"giving up after having made 40 attempts ...\".",
+         "Correct the rate in the table: the device hears one rate and not the other. If it is "
+         "right, check that the adapter can do it."},
+        {Code::CommandGivenUp, "L009", error, "A command that is given up",
+         "Ends with \"giving up after having made 40 attempts ...\"; -wv takes a row that it "
+         "cannot read for one that differs and goes on.",
+         "Look at what else is reported about this log. If the answers stop from one command to "
+         "the next, the device has lost its power or its line, or does not serve this command."},
+        {Code::EchoAsAnswer, "L010", error, "The line echoes",
+         "Takes the echo for the answer, refuses it and sends the command again.",
+         "Use -h: the line is half duplex."},
+        {Code::SlowErase, "L011", error, "Erasing takes longer than 300 ms",
+         "Sends the erase again, and the device then acknowledges it twice. If the "
+         "second acknowledgement is taken for that of the next command, the run fails there.",
+         "Use -e -wv, which erases one page at a time. If one page takes longer than 300 ms, the "
+         "device cannot be served."},
+        {Code::LateAnswer, "L012", error, "Answers that come late or twice",
+         "Refuses such an answer to a read and fails at such an acknowledgement. That of another "
+         "row is taken for the right one, because acknowledgements have no address.",
+         "Find out why answers take longer than 300 ms or come twice: a slow device, a long row "
+         "at a low rate, an adapter that holds bytes back. Verify with -v."},
+        {Code::WrongAcknowledgement, "L013", error, "A wrong acknowledgement",
+         "Fails at once; a wrong acknowledgement is not asked for again.",
+         "Check that the table's row is that of the device: it refuses the command, or means "
+         "something else by it."},
+        {Code::AnswerLength, "L014", error, "Answers of another length",
+         "Refuses the answer and sends the command again.",
+         "Correct the word size in the table, or the version of -B: the device has other words."},
+        {Code::StrayBytes, "L015", warning, "Bytes before an answer",
+         "Refuses the answer and sends the command again.",
+         "Look for noise on the line, for another program on the port, and for a device that "
+         "sends text of its own."},
+        {Code::RefusedAnswer, "L016", warning, "Damaged answers",
+         "Refuses the answer and sends the command again.",
+         "Look for noise: cable, ground, supply, a rate that device and adapter do not quite "
+         "agree on."},
+        {Code::LostAnswer, "L017", warning, "Commands that were not answered in time",
+         "Waits 300 ms and sends the command again.",
+         "Look for noise that swallows commands or answers, and for rows that take too long at "
+         "their rate. Use -v after -w."},
+        {Code::ReadBackDiffers, "L018", error, "A row that reads back differently",
+         "-wv ends with \"Row verify failure ...\"; -v reads the row up to three more times.",
+         "Check that the flash was erased and is not worn or protected, and that the filler in "
+         "the table is the erased state."},
+        {Code::UnfinishedRun, "L019", warning, "A run that breaks off",
+         "Was ended from outside, has lost its port, could not write its log, or is still at "
+         "work: by itself it goes on until an answer is accepted or the attempts are used up.",
+         "Look at the console and the exit status of the run."},
+        {Code::OtherVersion, "L020", warning, "The log is that of another device",
+         "Uses the row of the version that the device reports.",
+         "Name that version, for the byte addresses to be right."},
+
+        {Code::PortsUnknown, "S001", error, "The system does not list its ports",
+         "Opens the port that -s names; it needs no list.",
+         "On Linux, mount /sys. Elsewhere, look for the ports with the system's own tools."},
+        {Code::NoPort, "S002", warning, "There is no serial port", cannot_be_opened,
+         "Plug the adapter in and look at what the kernel reports (dmesg). In a virtual machine or "
+         "a container, pass the adapter on to it."},
+        {Code::NoDeviceFile, "S003", error, "A port without a device file", cannot_be_opened,
+         "In a container, pass the device file on to it. Elsewhere, look whether udev runs."},
+        {Code::NoPermission, "S004", error, "The user may not open the port", cannot_be_opened,
+         "Have the user added to the group of the port, and log in again."},
+        {Code::PortInUse, "S005", error, "Another program has the port open",
+         "Ends with \"Port ... cannot be opened. Aborting...\" where that program has locked the "
+         "port. Elsewhere it opens the port, and each of the two gets some of the bytes.",
+         "End the other program."},
+        {Code::LockedPort, "S006", error, "A lock file on the port", cannot_be_opened,
+         "Wait for the program that has locked the port, or end it."},
+        {Code::StaleLock, "S007", warning, "A lock file of a program that has ended",
+         "Removes the file and opens the port if its user may remove it; if not, ends with "
+         "\"Port ... cannot be opened. Aborting...\".",
+         "Remove the file."},
+        {Code::NoLockFolder, "S008", error, "No folder for lock files", cannot_be_opened,
+         "Give the user a folder to write to, such as /run/lock; in a container, mount one there."},
+        {Code::LatencyTimer, "S009", warning, "An adapter that holds answers back",
+         "Waits up to that long in addition for every answer.",
+         "Set the adapter's latency timer to 1 ms, as root; a rule of udev does it for good."},
+        {Code::ProbingService, "S010", warning, "A service that probes new ports",
+         "Cannot open the port while the service probes it, or meets bytes that it has not sent: "
+         "for up to half a minute after the adapter is plugged in.",
+         "Have the service leave the adapter alone: a rule of udev with ENV{ID_MM_DEVICE_IGNORE}="
+         "\"1\" for its vendor and product; or stop the service."},
+        {Code::BrailleService, "S011", warning,
+         "A service that takes adapters for braille displays",
+         "Finds no port, or loses it shortly after the adapter is plugged in.",
+         "Stop and disable brltty where no braille display is used."},
     };
     return kinds;
 }

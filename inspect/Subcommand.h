@@ -20,7 +20,7 @@ struct Subcommand {
     const char* name;
     const char* summary;             ///< for the list of subcommands
     const char* description;         ///< for its own help
-    const char* file_syntax;         ///< how its files are written in the help
+    const char* file_syntax;         ///< how its files are written in the help; empty for none
     const char* files;               ///< what its files are
     std::vector<OptionText> options; ///< beside --help, --version and --json
     /// Does the work. Throws UsageError when it cannot even begin.
@@ -29,6 +29,8 @@ struct Subcommand {
 
 const Subcommand& table_command();
 const Subcommand& image_command();
+const Subcommand& log_command();
+const Subcommand& ports_command();
 
 /// All of them, in the order of the help.
 const std::vector<const Subcommand*>& subcommands();

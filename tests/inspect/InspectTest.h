@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,14 @@ inline QByteArray table_row(const Changes& changes = {})
         row += QByteArray(row.isEmpty() ? "" : "\t") + field;
     }
     return row + "\n";
+}
+
+/// The profile of that device.
+inline std::unique_ptr<Profile> lark_profile(const Changes& changes = {})
+{
+    QStringList fields = QString::fromUtf8(table_row(changes)).trimmed().split(QLatin1Char('\t'));
+    fields.first().replace(QLatin1Char('v'), QLatin1String("0x")).remove(QLatin1Char(':'));
+    return std::make_unique<Profile>(fields);
 }
 
 } // namespace test

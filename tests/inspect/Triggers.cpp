@@ -1,5 +1,6 @@
 #include "tests/inspect/Triggers.h"
 
+#include "device/FrameCodec.h"
 #include "tests/inspect/InspectTest.h"
 
 namespace test
@@ -111,6 +112,16 @@ std::vector<Trigger> table_triggers()
     };
 }
 
+QByteArray sent(const char* payload)
+{
+    return "\nTX:" + frame::encode(bytes(payload)).toHex();
+}
+
+QByteArray received(const char* payload)
+{
+    return "\nRX:" + frame::encode(bytes(payload)).toHex();
+}
+
 std::vector<Trigger> image_triggers()
 {
     const QByteArray device = table_row();
@@ -161,15 +172,56 @@ std::vector<Trigger> image_triggers()
     };
 }
 
+std::vector<Trigger> log_triggers()
+{
+    const QByteArray version = sent("0002");
+    const QByteArray erase = sent("031e000800");
+    const QByteArray erased = erase + received("03");
+    const QByteArray write = sent("02010008000102");
+    const QByteArray read = sent("0102000800");
+    return {
+        {"L001", {}, 0, 0},
+        {"L002", "", 0, 0},
+        {"L002", "\n", 0, 0},
+        {"L003", "kept" + erased, 1, 0},
+        {"L004", erased + "\nTX:5555020", 4, 0},
+        {"L004", erased + write + "\nRX:555502", 5, 0},
+        {"L004", erased + "\nTX:555502fe", 4, 0},
+        {"L005", received("02") + erased, 2, 0},
+        {"L005", erased + received("03"), 4, 0},
+        {"L006", version.repeated(15), 14, 0},
+        {"L007", erase.repeated(40), 2, 0},
+        {"L008", version + received("00020110") + erase.repeated(40), 4, 0},
+        {"L009", erased + write.repeated(40), 4, 0},
+        {"L010", write + received("02010008000102"), 3, 0},
+        {"L011", erase + erased, 2, 0},
+        {"L012", erased + write + received("03"), 5, 0},
+        {"L012",
+         read + received("01000008000a0b") + sent("0102020800") + received("01000008000a0b"), 5, 0},
+        {"L013", erase + received("0a"), 3, 0},
+        {"L014", read + received("010200080001"), 3, 0},
+        {"L014", read + received("01020008000102") + read + received("010200080001020304"), 5, 0},
+        {"L014", read + received("01020008000102"), 3, 0, table_row()},
+        {"L015", write + "\nRX:31555502fe04", 3, 0},
+        {"L016", write + "\nRX:555502fd04", 3, 0},
+        {"L017", erased + write + write + received("02"), 4, 0},
+        {"L018", write + received("02") + read + received("01020008000103"), 5, 0},
+        {"L019", erased + write, 4, 0},
+        {"L019", write + erased, 2, 0},
+        {"L020", version + received("00020111") + erased, 3, 0, table_row()},
+    };
+}
+
 } // namespace
 
 const std::vector<Trigger>& triggers()
 {
     static const std::vector<Trigger> all = [] {
-        std::vector<Trigger> both = table_triggers();
-        const std::vector<Trigger> images = image_triggers();
-        both.insert(both.end(), images.begin(), images.end());
-        return both;
+        std::vector<Trigger> joined = table_triggers();
+        for (const std::vector<Trigger>& more : {image_triggers(), log_triggers()}) {
+            joined.insert(joined.end(), more.begin(), more.end());
+        }
+        return joined;
     }();
     return all;
 }

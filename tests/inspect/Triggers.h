@@ -8,15 +8,22 @@
 namespace test
 {
 
-/// A file, or two, that brings a problem of one code.
+/// A file, or two, that brings a problem of one code. Those of ports come with PortsTest.
 struct Trigger {
     const char* code;
-    QByteArray content; ///< of the table or image; none at all when null
+    QByteArray content; ///< of the table, image or log; none at all when null
     int line;           ///< where the problem is; 0 for nowhere
     int column;
     QByteArray other = {}; ///< of the table beside it
 
-    bool is_image() const { return code[0] == 'I'; }
+    /// "table", "image" or "log".
+    const char* subcommand() const
+    {
+        return code[0] == 'T' ? "table" : code[0] == 'I' ? "image" : "log";
+    }
+
+    /// What names the other table.
+    const char* other_option() const { return code[0] == 'T' ? "--against" : "--table"; }
 };
 
 /// For every code at least one.

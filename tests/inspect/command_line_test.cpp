@@ -89,6 +89,12 @@ INSTANTIATE_TEST_SUITE_P(
                   "--svg draws one image, and 2 are named"},
         WrongLine{"drawing_over_the_image", "image --svg examples/blink.hex examples/blink.hex",
                   "examples/blink.hex is looked into and cannot be written"},
+        WrongLine{"no_log", "log", "log takes one file"},
+        WrongLine{"two_logs", "log a.log b.log", "log takes one file"},
+        WrongLine{"log_of_which_device",
+                  "log tests/inspect/data/echo.log --table examples/device.txt",
+                  "examples/device.txt has several devices: choose with --device"},
+        WrongLine{"ports_of_a_file", "ports /dev/ttyUSB0", "ports takes no file"},
         WrongLine{"drawing_over_the_table",
                   "image --svg examples/device.txt examples/blink.hex --table examples/device.txt "
                   "--device 0110",

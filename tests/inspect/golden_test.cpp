@@ -78,5 +78,12 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"suspicious_image", "image tests/inspect/data/suspicious.hex", 1},
         Golden{"empty_image", "image tests/memory/data/empty.hex", 1},
         Golden{"missing_image", "image tests/inspect/data/no_such_image.hex", 2},
-        Golden{"folder", "image examples", 2}),
+        Golden{"folder", "image examples", 2},
+        Golden{"upload_log", "log tests/inspect/data/upload.log --table examples/device.txt", 1},
+        Golden{"upload_log_without_device", "log tests/inspect/data/upload.log", 1},
+        Golden{"echo_log",
+               "log tests/inspect/data/echo.log --table examples/device.txt --device 0110", 1},
+        Golden{"damaged_log", "log tests/inspect/data/damaged.log --table examples/device.txt", 1},
+        Golden{"empty_log", "log tests/memory/data/empty.hex", 1},
+        Golden{"missing_log", "log tests/inspect/data/no_such.log", 2}),
     row_name);

@@ -123,7 +123,7 @@ TEST_F(Program, DoesNotWaitForAPipeOrReadADeviceWithoutEnd)
     ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
     for (const QString& file :
          {QString::fromLocal8Bit(pipe), QStringLiteral("/dev/zero"), QStringLiteral("examples")}) {
-        for (const char* subcommand : {"table", "image"}) {
+        for (const char* subcommand : {"table", "image", "log"}) {
             const ProcessResult result = run({QString::fromLatin1(subcommand), file});
             EXPECT_EQ(result.status, 2) << file.toStdString();
             EXPECT_TRUE(result.out.contains("it is no regular file")) << result.out.constData();
@@ -140,6 +140,7 @@ TEST_F(Program, LooksAtFilesThatAreNoText)
     const QString file = put_file(QStringLiteral("binary"), binary);
     EXPECT_EQ(run({QStringLiteral("table"), file}).status, 1);
     EXPECT_EQ(run({QStringLiteral("image"), file}).status, 1);
+    EXPECT_EQ(run({QStringLiteral("log"), file}).status, 1);
 }
 
 TEST_F(Program, FindsNoTableInAHugeFile)

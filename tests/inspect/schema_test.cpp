@@ -2,6 +2,8 @@
 #include "tests/inspect/ProcessRun.h"
 #include "tests/inspect/Triggers.h"
 
+#include <cstring>
+
 using namespace test;
 
 // Every report is what the schemas say.
@@ -30,17 +32,17 @@ protected:
         EXPECT_EQ(result.status, 0) << result.out.constData() << result.err.constData();
     }
 
-    std::vector<QStringList> triggered(bool images) const
+    std::vector<QStringList> triggered(const char* subcommand) const
     {
         std::vector<QStringList> lines;
         for (std::size_t i = 0; i < triggers().size(); ++i) {
             const Trigger& trigger = triggers().at(i);
-            if (trigger.is_image() == images && !trigger.content.isNull()) {
+            if (std::strcmp(trigger.subcommand(), subcommand) == 0 && !trigger.content.isNull()) {
                 const QString name = QString::number(i);
-                QStringList words = {QString::fromLatin1(images ? "image" : "table"),
+                QStringList words = {QString::fromLatin1(subcommand),
                                      put_file(name, trigger.content)};
                 if (!trigger.other.isNull()) {
-                    words << QString::fromLatin1(images ? "--table" : "--against")
+                    words << QString::fromLatin1(trigger.other_option())
                           << put_file(name + QStringLiteral("_other"), trigger.other);
                 }
                 lines.push_back(words);
@@ -59,7 +61,7 @@ QStringList words(const char* text)
 
 TEST_F(Schema, OfTablesFitsEveryReport)
 {
-    std::vector<QStringList> lines = triggered(false);
+    std::vector<QStringList> lines = triggered("table");
     lines.push_back(words("table examples/device.txt"));
     lines.push_back(words("table examples/device.txt --explain 0140"));
     lines.push_back(words("table no_such_table"));
@@ -68,12 +70,20 @@ TEST_F(Schema, OfTablesFitsEveryReport)
 
 TEST_F(Schema, OfImagesFitsEveryReport)
 {
-    std::vector<QStringList> lines = triggered(true);
+    std::vector<QStringList> lines = triggered("image");
     lines.push_back(words("image examples/blink.hex"));
     lines.push_back(words("image examples/blink.hex examples/wren-32e.hex"));
     lines.push_back(words("image examples/blink.hex --table examples/device.txt --device 0110"));
     lines.push_back(words("image no_such_image"));
     expect_valid("inspect/schema/image.schema.json", lines);
+}
+
+TEST_F(Schema, OfLogsFitsEveryReport)
+{
+    std::vector<QStringList> lines = triggered("log");
+    lines.push_back(words("log tests/inspect/data/upload.log --table examples/device.txt"));
+    lines.push_back(words("log no_such_log"));
+    expect_valid("inspect/schema/log.schema.json", lines);
 }
 
 TEST_F(Schema, FitsNothingElse)
