@@ -317,7 +317,8 @@ const std::vector<ProblemKind>& problem_kinds()
         {Code::RefusedAnswer, "L016", warning, "Damaged answers",
          "Refuses the answer and sends the command again.",
          "Look for noise: cable, ground, supply, a rate that device and adapter do not quite "
-         "agree on."},
+         "agree on. If all answers to reads lack their beginning, and only they are in the log, "
+         "remove -h: the line does not echo."},
         {Code::LostAnswer, "L017", warning, "Commands that were not answered in time",
          "Waits 300 ms and sends the command again.",
          "Look for noise that swallows commands or answers, and for rows that take too long at "

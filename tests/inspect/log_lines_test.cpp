@@ -93,3 +93,15 @@ TEST_F(LogLines, OfAnEmptyFileAreNone)
     EXPECT_THAT(lines_of(""), IsEmpty());
     EXPECT_THAT(lines_of("\n\n\n"), IsEmpty());
 }
+
+TEST_F(LogLines, AreListedUpToALimitAndAllCounted)
+{
+    constexpr int resets = 21000;
+    const QString log =
+        put_file(QStringLiteral("frames.log"), QByteArray("\nTX:555500000004").repeated(resets));
+    const QJsonObject report = inspect_json({QStringLiteral("log"), log});
+    EXPECT_EQ(report[QStringLiteral("frame_count")].toInt(), resets);
+    EXPECT_EQ(report[QStringLiteral("run_count")].toInt(), resets);
+    EXPECT_EQ(report[QStringLiteral("frames")].toArray().size(), 20000);
+    EXPECT_EQ(report[QStringLiteral("runs")].toArray().size(), 1000);
+}
