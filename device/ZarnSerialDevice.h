@@ -1,6 +1,5 @@
 #pragma once
 
-#include "device/Reason.h"
 #include "profile/Profile.h"
 
 #include <QByteArray>
@@ -165,8 +164,8 @@ private:
     Attempt attempt(const QByteArray& command, const QByteArray& frame, QByteArray& response,
                     unsigned short expected_response_length, int timeout, QString& errors);
     Wait wait_for_response(const QByteArray& frame, int timeout, QString& errors);
-    Reason accept_response(const QByteArray& command, QByteArray& response,
-                           unsigned short expected_response_length);
+    std::optional<QString> accept_response(const QByteArray& command, QByteArray& response,
+                                           unsigned short expected_response_length);
 
     // Entry.
     bool open_anew(qint32 baud);

@@ -4,6 +4,7 @@
 // whole wait. The rules: docs/protocol.md.
 
 #include "device/Protocol.h"
+#include "device/Reason.h"
 #include "device/ZarnSerialDevice.h"
 
 #include <QDebug>

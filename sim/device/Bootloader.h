@@ -2,14 +2,13 @@
 
 #include "sim/device/Command.h"
 #include "sim/device/DeviceMemory.h"
+#include "sim/device/Filters.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/device/MemoryGeometry.h"
-#include "sim/device/Named.h"
+#include "sim/device/Options.h"
 
 #include <QByteArray>
 
-#include <array>
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -17,15 +16,6 @@ class Profile;
 
 namespace sim
 {
-
-/// How the device comes up when it is powered on, and again after a reset.
-enum class Entry { Probe, Version, Silent };
-
-constexpr std::array<Named<Entry>, 3> entries = {{
-    {Entry::Probe, "probe", "starts and waits for a probe before it runs"},
-    {Entry::Version, "version", "runs already, answers the version command and never a probe"},
-    {Entry::Silent, "silent", "hears everything, does nothing and never answers"},
-}};
 
 /// What the device heard and the bytes it answers with, empty where it stays silent.
 struct Exchange {
@@ -45,13 +35,6 @@ struct Exchange {
 class Bootloader
 {
 public:
-    /// Asked once for every command that is made out, in their order, before anything is done: the
-    /// payload that gets to the device, or none if it never does. Of a probe, any payload will do.
-    using Gate = std::function<std::optional<QByteArray>(const Command& command)>;
-    /// Asked for every write that the device accepts: what of its data gets into the cells, from
-    /// their first on.
-    using Store = std::function<QByteArray(const Command& command, const QByteArray& data)>;
-
     /// Neither argument is copied; both must outlive the bootloader.
     Bootloader(const Profile& profile, DeviceMemory& memory, Entry entry);
 

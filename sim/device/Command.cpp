@@ -1,5 +1,7 @@
 #include "sim/device/Command.h"
 
+#include "sim/device/Names.h"
+
 namespace sim
 {
 

@@ -1,11 +1,7 @@
 #pragma once
 
-#include "sim/device/Named.h"
-
 #include <QByteArray>
 #include <QMetaType>
-
-#include <array>
 
 namespace sim
 {
@@ -55,16 +51,6 @@ struct Command {
 private:
     unsigned int byte_at(int index) const { return static_cast<unsigned char>(payload.at(index)); }
 };
-
-constexpr std::array<Named<Command::Kind>, 7> command_kinds = {{
-    {Command::Kind::Probe, "probe", "the byte that a starting device answers"},
-    {Command::Kind::Version, "version", "the question for the version"},
-    {Command::Kind::Reset, "reset", "the device starts anew"},
-    {Command::Kind::Read, "read", "flash or EEPROM is read"},
-    {Command::Kind::Write, "write", "a row of flash or EEPROM is written"},
-    {Command::Kind::Erase, "erase", "pages of flash are erased"},
-    {Command::Kind::Unknown, "unknown", "no command that a device has"},
-}};
 
 /// The kind's name in summaries and traces, such as "probe".
 const char* name_of(Command::Kind kind);

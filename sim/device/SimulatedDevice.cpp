@@ -1,6 +1,9 @@
 #include "sim/device/SimulatedDevice.h"
 
+#include "sim/device/Bootloader.h"
 #include "sim/device/MemoryGeometry.h"
+#include "sim/line/Line.h"
+#include "sim/line/Outbox.h"
 
 #include <algorithm>
 #include <utility>
@@ -22,60 +25,87 @@ LineOptions line_options(const Options& options)
 
 } // namespace
 
-SimulatedDevice::SimulatedDevice(const Profile& profile, Options options)
-    : m_profile(profile),
-      m_options(options),
-      m_memory(profile),
-      m_bootloader(profile, m_memory, options.entry),
-      m_line(line_options(options)),
-      m_outbox(m_line)
+/// The device's parts, from the line to the cells, and what is due.
+class SimulatedDevice::Works
 {
-    connect(&m_line, &Line::received, this, &SimulatedDevice::hear);
+public:
+    Works(SimulatedDevice& device, const Profile& profile, Options options);
+
+    void clear_commands();
+    void unplug();
+
+    DeviceMemory memory;
+    Bootloader bootloader;
+    Line line;
+    Outbox outbox;
+    ReplyFilter reply_filter;
+    RequestFilter request_filter;
+    std::vector<Command> commands;
+    QByteArray heard;
+    qint64 bytes_from_host = 0;
+
+private:
+    /// What goes out for one command.
+    struct Reply {
+        unsigned int baud = 0;
+        qint64 heard_ns = 0; ///< when the device had heard the command, by the clock of Alarm
+        qint64 ready_ns = 0; ///< when it is done with it
+        std::vector<Delivery> deliveries;
+
+        bool is_immediate() const;
+    };
+
+    void hear(const QByteArray& bytes, unsigned int baud);
+    Reply reply_to(Exchange& exchange, qint64 now_ns);
+    std::vector<Delivery> deliveries_for(const Exchange& exchange) const;
+    int work_ms(const Exchange& exchange) const;
+    bool holds_answers_back() const;
+    void echo(const Burst& burst, qint64 now_ns, const std::vector<Reply>& replies);
+    void post(const Reply& reply);
+
+    SimulatedDevice& m_device;
+    const Profile& m_profile;
+    Options m_options;
+    unsigned int m_next_sequence = 0;
+    QByteArray m_held_echo;     ///< goes out in front of the next answer
+    qint64 m_busy_until_ns = 0; ///< with what it was asked before
+};
+
+SimulatedDevice::Works::Works(SimulatedDevice& device, const Profile& profile, Options options)
+    : memory(profile),
+      bootloader(profile, memory, options.entry),
+      line(line_options(options)),
+      outbox(line),
+      m_device(device),
+      m_profile(profile),
+      m_options(options)
+{
+    connect(&line, &Line::received, &device,
+            [this](const QByteArray& bytes, unsigned int baud) { hear(bytes, baud); });
 }
 
-QString SimulatedDevice::port_path() const
+void SimulatedDevice::Works::clear_commands()
 {
-    return m_line.path();
-}
-
-unsigned int SimulatedDevice::host_baud() const
-{
-    return m_line.host_baud();
-}
-
-std::vector<QByteArray> SimulatedDevice::payloads() const
-{
-    std::vector<QByteArray> payloads;
-    for (const Command& command : m_commands) {
-        if (command.kind != Command::Kind::Probe) {
-            payloads.push_back(command.payload);
-        }
-    }
-    return payloads;
-}
-
-void SimulatedDevice::clear_commands()
-{
-    m_commands.clear();
+    commands.clear();
     m_next_sequence = 0;
 }
 
-void SimulatedDevice::unplug()
+void SimulatedDevice::Works::unplug()
 {
-    m_outbox.clear();
-    m_line.unplug();
+    outbox.clear();
+    line.unplug();
 }
 
-void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
+void SimulatedDevice::Works::hear(const QByteArray& bytes, unsigned int baud)
 {
-    m_bytes_from_host += bytes.size();
+    bytes_from_host += bytes.size();
     if (m_options.keeps_record) {
-        m_heard.append(bytes);
+        heard.append(bytes);
     }
-    const QByteArray got_through = m_request_filter ? m_request_filter(bytes) : bytes;
+    const QByteArray got_through = request_filter ? request_filter(bytes) : bytes;
     const qint64 now_ns = Alarm::now_ns();
     std::vector<Reply> replies;
-    for (Exchange& exchange : m_bootloader.hear(got_through, baud)) {
+    for (Exchange& exchange : bootloader.hear(got_through, baud)) {
         replies.push_back(reply_to(exchange, now_ns));
     }
     if (m_options.echo != Echo::None) {
@@ -87,28 +117,28 @@ void SimulatedDevice::hear(const QByteArray& bytes, unsigned int baud)
 }
 
 /// A device does one thing after the other; what it is asked meanwhile waits its turn.
-SimulatedDevice::Reply SimulatedDevice::reply_to(Exchange& exchange, qint64 now_ns)
+SimulatedDevice::Works::Reply SimulatedDevice::Works::reply_to(Exchange& exchange, qint64 now_ns)
 {
     exchange.command.sequence = m_next_sequence++;
     if (m_options.keeps_record) {
-        m_commands.push_back(exchange.command);
+        commands.push_back(exchange.command);
     }
-    Q_EMIT command_received(exchange.command);
+    Q_EMIT m_device.command_received(exchange.command);
     const qint64 done_ns = std::max(m_busy_until_ns, now_ns) + work_ms(exchange) * ns_per_ms;
     m_busy_until_ns = std::min(done_ns, now_ns + longest_work_ns);
     return {exchange.command.baud, now_ns, m_busy_until_ns, deliveries_for(exchange)};
 }
 
-std::vector<Delivery> SimulatedDevice::deliveries_for(const Exchange& exchange) const
+std::vector<Delivery> SimulatedDevice::Works::deliveries_for(const Exchange& exchange) const
 {
-    if (m_filter) {
-        return m_filter(exchange.command, exchange.answer);
+    if (reply_filter) {
+        return reply_filter(exchange.command, exchange.answer);
     }
     return exchange.answer.isEmpty() ? std::vector<Delivery>()
                                      : std::vector<Delivery>{{exchange.answer}};
 }
 
-int SimulatedDevice::work_ms(const Exchange& exchange) const
+int SimulatedDevice::Works::work_ms(const Exchange& exchange) const
 {
     if (exchange.answer.isEmpty()) {
         return 0;
@@ -124,29 +154,30 @@ int SimulatedDevice::work_ms(const Exchange& exchange) const
 }
 
 /// The echo of bytes in which several commands came together precedes the answers to all of them.
-void SimulatedDevice::echo(const Burst& heard, qint64 now_ns, const std::vector<Reply>& replies)
+void SimulatedDevice::Works::echo(const Burst& burst, qint64 now_ns,
+                                  const std::vector<Reply>& replies)
 {
     const bool answered_at_once = std::any_of(
         replies.begin(), replies.end(), [](const Reply& reply) { return reply.is_immediate(); });
     if (m_options.echo == Echo::Together && answered_at_once) {
-        m_held_echo = heard.bytes;
+        m_held_echo = burst.bytes;
     } else {
-        m_outbox.post(heard, now_ns, false);
+        outbox.post(burst, now_ns, false);
     }
 }
 
-bool SimulatedDevice::Reply::is_immediate() const
+bool SimulatedDevice::Works::Reply::is_immediate() const
 {
     return ready_ns == heard_ns && !deliveries.empty() && deliveries.front().delay_ms <= 0;
 }
 
 /// Where the line takes its time, that alone decides what comes together.
-bool SimulatedDevice::holds_answers_back() const
+bool SimulatedDevice::Works::holds_answers_back() const
 {
     return m_options.echo == Echo::Apart && !m_options.paced && m_options.latency_ms == 0;
 }
 
-void SimulatedDevice::post(const Reply& reply)
+void SimulatedDevice::Works::post(const Reply& reply)
 {
     const bool apart = reply.deliveries.size() > 1 || holds_answers_back();
     bool is_first = true;
@@ -158,8 +189,106 @@ void SimulatedDevice::post(const Reply& reply)
         }
         is_first = false;
         const qint64 delay_ns = std::max(delivery.delay_ms, 0) * ns_per_ms;
-        m_outbox.post(burst, reply.ready_ns + delay_ns, apart);
+        outbox.post(burst, reply.ready_ns + delay_ns, apart);
     }
+}
+
+SimulatedDevice::SimulatedDevice(const Profile& profile, Options options)
+    : m_works(std::make_unique<Works>(*this, profile, options))
+{
+}
+
+SimulatedDevice::~SimulatedDevice() = default;
+
+QString SimulatedDevice::port_path() const
+{
+    return m_works->line.path();
+}
+
+unsigned int SimulatedDevice::host_baud() const
+{
+    return m_works->line.host_baud();
+}
+
+DeviceMemory& SimulatedDevice::memory()
+{
+    return m_works->memory;
+}
+
+const DeviceMemory& SimulatedDevice::memory() const
+{
+    return m_works->memory;
+}
+
+const std::vector<Command>& SimulatedDevice::commands() const
+{
+    return m_works->commands;
+}
+
+std::vector<QByteArray> SimulatedDevice::payloads() const
+{
+    std::vector<QByteArray> payloads;
+    for (const Command& command : commands()) {
+        if (command.kind != Command::Kind::Probe) {
+            payloads.push_back(command.payload);
+        }
+    }
+    return payloads;
+}
+
+void SimulatedDevice::clear_commands()
+{
+    m_works->clear_commands();
+}
+
+QByteArray SimulatedDevice::heard() const
+{
+    return m_works->heard;
+}
+
+qint64 SimulatedDevice::bytes_from_host() const
+{
+    return m_works->bytes_from_host;
+}
+
+qint64 SimulatedDevice::lost_bytes() const
+{
+    return m_works->outbox.lost_bytes();
+}
+
+unsigned int SimulatedDevice::dropped_frames() const
+{
+    return m_works->bootloader.dropped_frames();
+}
+
+const Line& SimulatedDevice::line() const
+{
+    return m_works->line;
+}
+
+void SimulatedDevice::set_reply_filter(ReplyFilter filter)
+{
+    m_works->reply_filter = std::move(filter);
+}
+
+void SimulatedDevice::set_request_filter(RequestFilter filter)
+{
+    m_works->request_filter = std::move(filter);
+}
+
+void SimulatedDevice::set_gate(Gate gate)
+{
+    m_works->bootloader.set_gate(std::move(gate));
+}
+
+void SimulatedDevice::set_store(Store store)
+{
+    m_works->bootloader.set_store(std::move(store));
+}
+
+void SimulatedDevice::unplug()
+{
+    m_works->unplug();
 }
 
 } // namespace sim

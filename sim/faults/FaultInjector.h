@@ -5,7 +5,6 @@
 // not change when the others happen. FaultKind.h has the list of kinds; docs/simulator.md describes
 // how faults are written, under "Faults".
 
-#include "sim/device/Bootloader.h"
 #include "sim/faults/ByteDamage.h"
 #include "sim/faults/FaultSettings.h"
 #include "sim/faults/FaultyReply.h"
@@ -26,9 +25,9 @@ public:
 
     /// What the device gets of bytes from the host.
     QByteArray damage_request(const QByteArray& bytes);
-    /// What the device gets of its next command; see Bootloader::Gate.
+    /// What the device gets of its next command; see Gate.
     std::optional<QByteArray> let_through(const Command& command);
-    /// What of a write gets into the cells; see Bootloader::Store. Asked after let_through() and
+    /// What of a write gets into the cells; see Store. Asked after let_through() and
     /// before the next command.
     QByteArray stored_part(const QByteArray& data) const;
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "sim/device/Command.h"
+#include "sim/device/Filters.h"
 #include "sim/faults/FaultPlan.h"
-#include "sim/line/Outbox.h"
 
 namespace sim
 {

@@ -13,12 +13,6 @@ namespace sim
 
 class Line;
 
-/// Bytes that the device puts on the line, and how long after the command.
-struct Delivery {
-    QByteArray bytes;
-    int delay_ms = 0;
-};
-
 /// Puts bursts on the line when they are due, in the order of their times and, for equal times,
 /// in the order in which they were posted.
 class Outbox : public QObject

@@ -1,6 +1,7 @@
 #include "sim/program/Arguments.h"
 
 #include "sim/device/Error.h"
+#include "sim/device/Names.h"
 #include "sim/program/OptionParser.h"
 
 namespace sim

@@ -1,8 +1,7 @@
 #include "sim/program/OptionParser.h"
 
-#include "sim/device/Command.h"
 #include "sim/device/Error.h"
-#include "sim/device/SimulatedDevice.h"
+#include "sim/device/Names.h"
 #include "sim/faults/FaultKind.h"
 
 #include <array>

@@ -1,6 +1,7 @@
 #include "sim/program/Session.h"
 
 #include "sim/device/Error.h"
+#include "sim/line/Line.h"
 #include "sim/program/Console.h"
 #include "sim/program/FileClash.h"
 #include "sim/rig/WholeFile.h"

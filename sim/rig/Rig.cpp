@@ -1,6 +1,7 @@
 #include "sim/rig/Rig.h"
 
 #include "sim/device/Error.h"
+#include "sim/line/Line.h"
 #include "util/Util.h"
 
 namespace sim

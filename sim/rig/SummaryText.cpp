@@ -1,3 +1,4 @@
+#include "sim/device/Names.h"
 #include "sim/rig/Summary.h"
 
 namespace sim

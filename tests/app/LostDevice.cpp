@@ -1,5 +1,7 @@
 #include "tests/app/LostDevice.h"
 
+#include "sim/line/Line.h"
+
 #include <algorithm>
 #include <fcntl.h>
 

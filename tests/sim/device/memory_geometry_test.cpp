@@ -1,4 +1,4 @@
-#include "sim/device/Command.h"
+#include "sim/device/Names.h"
 #include "sim/device/MemoryGeometry.h"
 #include "tests/sim/SampleDevice.h"
 #include "tests/support/Bytes.h"

@@ -1,6 +1,7 @@
 #include "sim/device/FrameCodec.h"
 #include "sim/device/SimulatedDevice.h"
 #include "sim/line/Alarm.h"
+#include "sim/line/Line.h"
 #include "sim/line/LineTiming.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"

@@ -1,5 +1,7 @@
 #include "sim/device/FrameCodec.h"
 #include "sim/device/SimulatedDevice.h"
+#include "sim/line/Line.h"
+#include "sim/line/Outbox.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"
 #include "tests/support/Bytes.h"

@@ -1,4 +1,4 @@
-#include "sim/device/Command.h"
+#include "sim/device/Names.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/faults/FaultKind.h"
 #include "sim/line/Descriptor.h"

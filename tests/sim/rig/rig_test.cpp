@@ -1,6 +1,7 @@
 #include "sim/device/Error.h"
 #include "sim/device/FrameCodec.h"
 #include "sim/line/Alarm.h"
+#include "sim/line/Line.h"
 #include "sim/rig/Rig.h"
 #include "tests/sim/HostPort.h"
 #include "tests/sim/SampleDevice.h"

@@ -1,3 +1,4 @@
+#include "sim/device/Names.h"
 #include "sim/rig/Tally.h"
 #include "tests/support/Bytes.h"
 
