@@ -26,9 +26,14 @@ function(zserial_settings target)
     endif()
 endfunction()
 
-# A program that a plain build leaves at the top of the build folder.
+# A program that a plain build leaves at the top of the build folder, and that is installed with its
+# manual page.
 function(zserial_program target)
     zserial_settings(${target})
     set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
-    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    if(ZSERIAL_INSTALL)
+        install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+        install(FILES ${PROJECT_SOURCE_DIR}/packaging/man/${target}.1
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
+    endif()
 endfunction()

@@ -20,6 +20,14 @@ tests=$(find tests -name '*.cpp' -exec cat {} + | tr '\n' ' ' |
     grep -oE '\bTEST(_F|_P)?\( *[A-Za-z0-9_]+, *[A-Za-z0-9_]+ *\)' |
     sed -E 's/^[A-Z_]+\( *//; s/, */./; s/ *\)$//')
 
+# Tests that are scripts.
+while read -r name; do
+    if ! grep -qE "^zserial_packaging_(test|check)\($name " tests/packaging/CMakeLists.txt; then
+        echo "docs/traceability.md names packaging.$name, which does not exist." >&2
+        exit 1
+    fi
+done < <(grep -oE '`packaging\.[a-z_.]+`' <<<"$rows" | sed -E 's/`//g; s/^packaging\.//')
+
 if grep -vxF -f <(sed 'p; s/\..*//' <<<"$tests") <<<"$names"$'\n'"$suites"; then
     echo "docs/traceability.md names these, which do not exist." >&2
     exit 1

@@ -29,7 +29,7 @@ export -f tidy
 
 install_packages "${build_packages[@]}" "${test_packages[@]}" "${lint_packages[@]}" git
 sources '\.(cpp|h|c)$' "${@:-.}" | xargs -0r clang-format --dry-run -Werror
-sources '\.sh$|^\.ci/run$' "${@:-.}" | xargs -0r shellcheck
+sources '\.(ba)?sh$|^\.ci/run$' "${@:-.}" | xargs -0r shellcheck
 cmake --preset lint
 mkdir -p "$passed"
 settings=$(sources '\.h$|CMakeLists\.txt$|\.cmake$|\.clang-tidy$' . | xargs -0 cat | sha256sum)

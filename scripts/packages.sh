@@ -26,3 +26,4 @@ test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3 python3-jsonsc
     librsvg2-bin tmux parallel)
 fuzz_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy shellcheck)
+check_packages=(bash debootstrap dpkg-dev fish git lintian mandoc zsh)

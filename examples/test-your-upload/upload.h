@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// The code under test: identifies the device on `port`, erases it and writes the Intel HEX file
+/// `image`. Returns what went wrong, or nothing.
+std::optional<QString> upload(const QString& port, const QString& image);

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Checks what scripts/test.sh does not: style, packages, manual pages, completions, and programs that
+# are built on the installed libraries.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/packages.sh
+
+scripts/lint.sh
+install_packages "${build_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
+cmake --preset release
+cmake --build --preset release
+ctest --test-dir build/release --label-regex '^check$' --no-tests=error --output-on-failure

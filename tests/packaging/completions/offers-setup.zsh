@@ -1,0 +1,20 @@
+autoload -Uz compinit
+compinit -D -u
+exec 9>$pipe
+compadd()
+{
+    # Questions of the completion system about its own arrays add no candidates.
+    if [[ ${@[1,(i)(-|--)]} == *-(O|A|D)\ * ]]; then
+        builtin compadd "$@"
+        return
+    fi
+    local -a hits
+    builtin compadd -A hits "$@"
+    ((!$#hits)) || print -rlu 9 -- $hits
+    builtin compadd "$@"
+}
+finish()
+{
+    exec 9>&-
+}
+comppostfuncs=(finish)

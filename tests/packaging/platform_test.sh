@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# The check of system headers passes this tree, and finds each kind of fault in a copy.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+scripts/check_platform.sh
+
+copy=$(mktemp -d)
+trap 'rm -rf "$copy"' EXIT
+
+# Adds a line at the top of a file of a fresh copy, which the check must refuse then.
+refuses() {
+    local file=$1 line=$2
+    rm -rf "${copy:?}"/*
+    cp -r util profile memory device app inspect "$copy"
+    sed -i "1i $line" "$copy/$file"
+    if scripts/check_platform.sh "$copy" >/dev/null 2>&1; then
+        echo "'$line' in $file is not found." >&2
+        exit 1
+    fi
+}
+
+refuses device/Rows.cpp '#include <unistd.h>'
+refuses app/Console.h '#  include <sys/stat.h>'
+refuses inspect/Report.cpp '#ifdef Q_OS_UNIX'
+refuses memory/MemoryMap.cpp '#if defined(__linux__)'
+refuses util/Platform.cpp '#include <unistd.h>'

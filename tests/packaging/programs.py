@@ -1,0 +1,35 @@
+"""What the programs say about their own options."""
+
+import re
+import subprocess
+from pathlib import Path
+
+ROOT = Path(__file__).parents[2]
+
+
+def help_of(*command):
+    return subprocess.run([*command, "--help"], check=True, capture_output=True, text=True).stdout
+
+
+def options_of(*command):
+    """{"--name": whether a value follows} from a help text."""
+    found = re.findall(r"^  (--[a-z][a-z-]*)( <[a-z]+>)?(?: |$)", help_of(*command), re.MULTILINE)
+    return {name: bool(value) for name, value in found}
+
+
+def subcommands_of(program):
+    """The names in the list of subcommands of a help text."""
+    listed = help_of(program).partition("Subcommands:\n")[2].partition("\n\n")[0]
+    return re.findall(r"^  ([a-z]+)", listed, re.MULTILINE)
+
+
+def fault_kinds(simulator):
+    listed = help_of(simulator).partition("Options:\n")[0]
+    return re.findall(r"^  ([a-z-]+)", listed, re.MULTILINE)
+
+
+def tool_options():
+    """{"-x": number of words that follow} of zserial, which has no --help, from its table."""
+    table = (ROOT / "app/Options.cpp").read_text()
+    rows = re.findall(r'\{QLatin1String\("(-[A-Za-z]+)"\), (\d), on_', table)
+    return {name: int(count) for name, count in rows}
