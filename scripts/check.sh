@@ -9,4 +9,5 @@ scripts/lint.sh
 install_packages "${build_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
 cmake --preset release
 cmake --build --preset release
-ctest --test-dir build/release --label-regex '^check$' --no-tests=error --output-on-failure
+ctest --test-dir build/release --label-regex '^check$' --no-tests=error --output-on-failure \
+    --parallel "$(nproc)"
