@@ -47,7 +47,7 @@ install(FILES ${PROJECT_BINARY_DIR}/zserialConfig.cmake ${PROJECT_BINARY_DIR}/zs
 
 # ---- Documents and examples, beside each other as in the source tree, so that their links work ----
 
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs
     PATTERN embedding.md EXCLUDE)
 install(DIRECTORY inspect/schema DESTINATION ${CMAKE_INSTALL_DOCDIR}/inspect COMPONENT programs)
