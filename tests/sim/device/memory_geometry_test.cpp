@@ -1,5 +1,5 @@
-#include "sim/device/Names.h"
 #include "sim/device/MemoryGeometry.h"
+#include "sim/device/Names.h"
 #include "tests/sim/SampleDevice.h"
 #include "tests/support/Bytes.h"
 

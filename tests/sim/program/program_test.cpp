@@ -1,5 +1,5 @@
-#include "sim/device/Names.h"
 #include "sim/device/FrameCodec.h"
+#include "sim/device/Names.h"
 #include "sim/faults/FaultKind.h"
 #include "sim/line/Descriptor.h"
 #include "tests/sim/HostPort.h"
