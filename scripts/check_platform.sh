@@ -1,17 +1,16 @@
 #!/usr/bin/env bash
-# Checks that the product, in FOLDER (this tree unless given), includes headers of the operating system in
-# one source only, and there only under Q_OS_UNIX, and asks for the system nowhere else.
+# Checks that the uploader, in FOLDER (this tree unless given), includes headers of the operating system
+# in one source only, and there only under Q_OS_UNIX, and asks for the system nowhere else.
 set -euo pipefail
 cd "${1:-$(dirname "$0")/..}"
 
-folders=(util profile memory device app inspect)
+folders=(util profile memory device app)
 platform=util/Platform.cpp
 status=0
 
-# Headers of the language and of Qt have no ".h"; others that the product may use are libraries.
-libraries='(openssl/[a-z]+|zlib)\.h'
+# Headers of the language and of Qt have no ".h".
 if grep -rnE '^[[:space:]]*#[[:space:]]*include <[^>]*\.h>' --include='*.cpp' --include='*.h' \
-    "${folders[@]}" | grep -v "^$platform:" | grep -vE "<$libraries>"; then
+    "${folders[@]}" | grep -v "^$platform:"; then
     echo "Only $platform may include headers of the operating system." >&2
     status=1
 fi

@@ -12,7 +12,7 @@ trap 'rm -rf "$copy"' EXIT
 refuses() {
     local file=$1 line=$2
     rm -rf "${copy:?}"/*
-    cp -r util profile memory device app inspect "$copy"
+    cp -r util profile memory device app "$copy"
     sed -i "1i $line" "$copy/$file"
     if scripts/check_platform.sh "$copy" >/dev/null 2>&1; then
         echo "'$line' in $file is not found." >&2
@@ -22,6 +22,6 @@ refuses() {
 
 refuses device/Rows.cpp '#include <unistd.h>'
 refuses app/Console.h '#  include <sys/stat.h>'
-refuses inspect/Report.cpp '#ifdef Q_OS_UNIX'
+refuses profile/Profile.cpp '#ifdef Q_OS_UNIX'
 refuses memory/MemoryMap.cpp '#if defined(__linux__)'
 refuses util/Platform.cpp '#include <unistd.h>'
