@@ -5,8 +5,8 @@
 namespace inspect
 {
 
-/// Collects what the product library writes to Qt's debug channel, and keeps it off the terminal,
-/// while it lives. One at a time.
+/// Collects the messages of the product library on Qt's debug channel while it lives, and keeps
+/// them off the terminal. Only one may exist at a time.
 class CapturedMessages
 {
 public:

@@ -11,11 +11,11 @@ namespace inspect
 
 struct Subcommand;
 
-/// The words after the name of a subcommand, taken apart by its options.
+/// The words after the name of a subcommand, split according to its options.
 class CommandWords
 {
 public:
-    /// Throws UsageError for what is no option or lacks its value.
+    /// Throws UsageError for an unknown option or a missing value.
     CommandWords(const Subcommand& subcommand, const QStringList& words);
 
     bool wants_help() const { return has("help"); }

@@ -108,7 +108,7 @@ void Fitter::check_ignored(Area area, Code code, const char* where)
     }
 }
 
-/// Whether a piece that begins in flash or EEPROM goes on there.
+/// Whether a piece that begins in flash or EEPROM stays there.
 bool Fitter::is_entered(Area area) const
 {
     const auto& blobs = m_image.image.blobs();
@@ -121,7 +121,7 @@ bool Fitter::is_entered(Area area) const
     });
 }
 
-/// Pieces as the uploader has them: they begin at limits where a record does, and nowhere else.
+/// Pieces as the uploader has them: one begins at a limit only if a record does.
 void Fitter::check_crossings()
 {
     for (const auto& blob : m_image.image.blobs()) {

@@ -10,7 +10,7 @@
 namespace inspect
 {
 
-/// What a stretch of addresses is to a device.
+/// The part of a device that an address belongs to.
 enum class Area { Encrypted, Unencrypted, Eeprom, Bootloader, Outside };
 
 inline constexpr std::array<Area, 5> areas = {Area::Encrypted, Area::Unencrypted, Area::Eeprom,
@@ -21,13 +21,13 @@ QString name_of(Area area);
 
 Area area_of(const Profile& profile, quint64 address);
 
-/// A stretch that lies in one area.
+/// A range that lies in one area.
 struct AreaPiece {
     Segment range;
     Area area;
 };
 
-/// Cuts stretches at the limits of the device's regions.
+/// Splits ranges at the limits of the device's regions.
 std::vector<AreaPiece> cut(const Profile& profile, const std::vector<Segment>& segments);
 
 /// Where the bytes of an image lie in a device.

@@ -3,11 +3,11 @@
 namespace inspect
 {
 
-/// What the program's exit status says.
+/// The program's exit status.
 enum ExitStatus {
-    ExitFine = 0,     ///< looked at everything, nothing is wrong
-    ExitProblems = 1, ///< looked at everything, and there are problems
-    ExitCannot = 2,   ///< a file or the command line kept it from doing what was asked
+    ExitFine = 0,     ///< checked everything, nothing is wrong
+    ExitProblems = 1, ///< checked everything, and there are problems
+    ExitCannot = 2,   ///< a file or the command line cannot be used
 };
 
 } // namespace inspect

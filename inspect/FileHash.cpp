@@ -11,7 +11,7 @@ namespace inspect
 namespace
 {
 
-// Qt has this hash, too, and takes several times as long for it, longer than loading an image.
+// Qt's own hash takes several times as long, longer than loading an image.
 QByteArray hash(const QString& path)
 {
     constexpr int block_size = 256 * 1024;

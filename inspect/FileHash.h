@@ -8,7 +8,7 @@
 namespace inspect
 {
 
-/// The SHA-256 of a file, worked out beside whatever else is done. Empty when the file cannot be
+/// The SHA-256 of a file, calculated in the background. Empty when the file cannot be
 /// read to its end.
 std::future<QByteArray> sha256_of(const QString& path);
 

@@ -9,10 +9,10 @@
 namespace inspect
 {
 
-/// An image in numbers, with where it lies in a device when there is one.
+/// An image as JSON, with its place in a device if one is given.
 QJsonObject json_of(const ImageFile& image, const DeviceFit* device);
 
-/// An image in human units.
+/// An image as text, in human-readable units.
 void print(TextPage& page, const ImageFile& image, const DeviceFit* device);
 
 } // namespace inspect

@@ -130,7 +130,7 @@ void ImageReader::load(QFile& file, const QSet<unsigned int>& boundaries)
 {
     intel_hex::RecordReader reader(file);
     {
-        const CapturedMessages messages; // the watch says it with line and column
+        const CapturedMessages messages; // the watch reports it with line and column
         m_result.loads = m_result.image.load_from_hex_records(
             reader, boundaries, [this](const auto& at, const auto& parsed, const auto& record) {
                 m_watch.take(at, parsed, record);

@@ -13,13 +13,13 @@
 namespace inspect
 {
 
-/// A stretch of the image without a gap. Ends are exclusive; the last one may be 2 to the 32nd.
+/// A range of the image without a gap. Ends are exclusive; the last one may be 2 to the 32nd.
 struct Segment {
     quint64 start;
     quint64 end;
 };
 
-/// What a HEX file comes to when the uploader loads it.
+/// The result of loading a HEX file as the uploader does.
 struct ImageFile {
     QString path;
     bool is_readable = false;

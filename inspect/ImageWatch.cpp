@@ -190,7 +190,7 @@ bool ImageWatch::has_refused() const
 namespace
 {
 
-/// As a shell takes it for one word.
+/// Quoted for a shell.
 QString quoted(const QString& path)
 {
     static const QRegularExpression plain(

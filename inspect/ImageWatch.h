@@ -12,7 +12,7 @@
 namespace inspect
 {
 
-/// Looks at each record of an image while the uploader's own code loads it.
+/// Checks each record of an image while the uploader's own code loads it.
 class ImageWatch
 {
 public:
@@ -21,7 +21,7 @@ public:
     void take(const intel_hex::RecordReader& reader, const intel_hex::ParsedRecord& parsed,
               const intel_hex::Record& record);
 
-    /// Looks at what follows an end record.
+    /// Checks the text after the end record.
     void take_rest(intel_hex::RecordReader& reader);
 
     /// Complete records up to the end record, by type.
@@ -35,7 +35,7 @@ public:
     /// The entry point that the last type 5 record names.
     std::optional<quint32> start_address() const { return m_start_address; }
 
-    /// The problems so far, each code once, with the number of its further places.
+    /// The problems so far, each code once, with the number of further places.
     std::vector<Problem> problems(const QString& file) const;
 
 private:

@@ -6,7 +6,7 @@
 namespace inspect
 {
 
-/// A file to look into. Only regular files are opened: a pipe or a device may have no end.
+/// An input file. Only regular files are opened: a pipe or a device may have no end.
 class InputFile
 {
 public:

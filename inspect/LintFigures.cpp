@@ -56,7 +56,7 @@ void check_geometry(RowLint& lint, MemoryType memory)
     }
 }
 
-/// Whether the memory is there, with words and with addresses. Says so when only one is.
+/// Whether the memory exists, that is, has both words and addresses. Reports it if it has only one.
 bool exists(RowLint& lint, MemoryType memory)
 {
     const Profile& profile = lint.profile;
@@ -66,7 +66,7 @@ bool exists(RowLint& lint, MemoryType memory)
     const QString range = QStringLiteral("%1 goes from %2 to %3")
                               .arg(name_of(memory), address_text(begin), address_text(end));
     if (has_words && profile.get_address_divisor(memory) == 0) {
-        return false; // scaled limits say nothing
+        return false; // scaled limits are meaningless
     }
     if (has_words && begin >= end) {
         lint.add(Code::MemoryEmpty, ATTR_MEMORY_MAX_ADDR.at(memory), range + QLatin1Char('.'));

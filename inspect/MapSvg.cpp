@@ -154,8 +154,8 @@ private:
         }
     }
 
-    /// What is narrower than a dot would not show, and neighbours share dots: a million pieces
-    /// make no more rectangles than the bar has dots.
+    /// Pieces narrower than a pixel are widened and neighbours share pixels, so a million pieces
+    /// make no more rectangles than the bar has pixels.
     void draw_image()
     {
         constexpr double dot = 0.5;

@@ -8,8 +8,8 @@
 namespace inspect
 {
 
-/// The picture as a drawing: each bar to scale, with areas, pages, image, addresses and a legend.
-/// It brings its own background, and another one where the viewer prefers dark ones.
+/// The memory map as a drawing: each bar to scale, with areas, pages, image, addresses and a
+/// legend. It has its own background, and a dark one for viewers that prefer that.
 QByteArray svg_of(const MemoryPicture& picture, const QString& title);
 
 } // namespace inspect

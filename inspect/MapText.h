@@ -6,7 +6,7 @@
 namespace inspect
 {
 
-/// The picture in characters: each stands for the same number of bytes of its memory.
+/// The memory map in characters, each of which stands for the same number of bytes of its memory.
 void print_map(TextPage& page, const MemoryPicture& picture, bool has_device);
 
 } // namespace inspect

@@ -5,7 +5,8 @@
 namespace inspect
 {
 
-/// What this column of this row says, in words and human units. The row must have a profile.
+/// The meaning of this column of this row, in words and human-readable units. The row must have a
+/// profile.
 QString meaning_of(const TableRow& row, Profile::Attr attribute);
 
 } // namespace inspect

@@ -10,11 +10,11 @@ namespace inspect
 namespace
 {
 
-/// Data that are farther apart than this are shown apart.
+/// Data farther apart than this are shown separately.
 constexpr quint64 widest_gap = 64 * 1024;
 constexpr std::size_t most_clusters = 6;
 
-/// The stretches from the first that ends above `address` on.
+/// The ranges from the first that ends above `address` on.
 std::vector<Segment>::const_iterator first_above(const std::vector<Segment>& image, quint64 address)
 {
     return std::upper_bound(
@@ -65,7 +65,7 @@ bool is_shown(const MemoryPicture& picture, const AreaPiece& piece)
     });
 }
 
-/// What no memory shows.
+/// The data outside of all memories.
 std::vector<Segment> rest_of(const MemoryPicture& picture, const Profile* profile,
                              const std::vector<Segment>& image)
 {

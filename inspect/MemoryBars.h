@@ -7,18 +7,17 @@
 namespace inspect
 {
 
-/// A stretch of addresses that a picture shows as a whole: a memory of the device, or where an
-/// image has data.
+/// A range of addresses that a map shows as one bar: a memory of the device, or data of an image.
 struct MemoryBar {
     QString title;
     Segment range;
     quint64 page = 0;             ///< bytes; 0 where there are no pages
     std::vector<AreaPiece> areas; ///< all of the range, in ascending order
-    std::vector<Segment> image;   ///< what the image has of it
+    std::vector<Segment> image;   ///< the parts that the image has
 };
 
-/// The bars of an image, beside those of a device when one is given. Data that lie far from each
-/// other get bars of their own; `left_out` counts what would be too many.
+/// The bars of an image, and of a device if one is given. Data far from each other get separate
+/// bars; `left_out` counts those that would be too many.
 struct MemoryPicture {
     std::vector<MemoryBar> bars;
     std::size_t left_out = 0;
@@ -26,7 +25,7 @@ struct MemoryPicture {
 
 MemoryPicture picture_of(const Profile* profile, const std::vector<Segment>& image);
 
-/// How many bytes of [start, end) the ascending stretches cover.
+/// The number of bytes of [start, end) that the ascending ranges cover.
 quint64 covered(const std::vector<Segment>& image, quint64 start, quint64 end);
 
 } // namespace inspect

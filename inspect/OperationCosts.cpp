@@ -23,7 +23,7 @@ quint64 size_of(const Profile& profile, MemoryType memory)
     return profile.has_memory_type(memory) && begin < end ? end - begin : 0;
 }
 
-/// Whether commands can name as many words as `size` bytes have.
+/// Whether a command can request as many words as `size` bytes have.
 bool is_countable(const Profile& profile, MemoryType memory, unsigned int size)
 {
     const unsigned int words = size / profile.get_word_size(memory);

@@ -15,8 +15,8 @@ struct Cost {
     quint64 bytes = 0; ///< both ways, frames included
 };
 
-/// What it costs to go through all of a device once. Times of the device itself, retries, the entry
-/// procedure and the closing second come on top.
+/// The cost of erasing, writing and reading all of a device once. The device's own time, retries,
+/// the entry procedure and the closing second are extra.
 struct OperationCosts {
     Cost erase; ///< all flash, -e
     Cost write; ///< every row of flash and EEPROM, -w of a full image

@@ -14,7 +14,7 @@ struct Place {
     qint64 column = 0; ///< from 1: in a table the number of the column, in an image the character
 };
 
-/// One thing found wrong.
+/// A problem that was found.
 struct Problem {
     Code code;
     QString message; ///< what is wrong here

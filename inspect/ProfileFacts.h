@@ -8,10 +8,10 @@
 namespace inspect
 {
 
-/// A device in numbers, and column by column when it is to be explained.
+/// A device as JSON, and column by column if it is to be explained.
 QJsonObject json_of(const TableRow& row, bool explained);
 
-/// A device in human units. The row must have a profile.
+/// A device as text, in human-readable units. The row must have a profile.
 void print(TextPage& page, const TableRow& row);
 
 /// A device column by column: the text of the table, what it is converted to, what it stands for.

@@ -6,19 +6,20 @@
 namespace inspect
 {
 
-/// How the program talks to whoever started it.
+/// The terminal that the output goes to.
 struct Terminal {
     bool colour = false;
 };
 
-/// What a command line comes to.
+/// The result of a command line.
 struct Outcome {
     int status;
     QByteArray out; ///< for standard output
     QByteArray err; ///< for standard error
 };
 
-/// Carries out a command line, the program's name first. Touches no file but those that it names.
+/// Carries out a command line, which begins with the program's name. Writes no file except those
+/// that it names.
 Outcome run(const QStringList& command_line, const Terminal& terminal);
 
 } // namespace inspect

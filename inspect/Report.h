@@ -12,12 +12,12 @@
 namespace inspect
 {
 
-/// What a subcommand has found out.
+/// The result of a subcommand.
 struct Report {
     std::vector<Problem> problems;
     QJsonObject facts;                         ///< its own keys, beside "problems"
     std::function<void(TextPage&)> print_text; ///< its own text, which goes before the problems
-    bool incomplete = false;                   ///< not everything could be done that was asked
+    bool incomplete = false;                   ///< a part of the command could not be carried out
 
     ExitStatus status() const;
 };

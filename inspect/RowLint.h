@@ -14,7 +14,7 @@ constexpr std::array<MemoryType, 2> memories = {MEMORY_FLASH, MEMORY_EEPROM};
 /// "flash" or "EEPROM".
 QString name_of(MemoryType memory);
 
-/// A row under examination, and what has been found in it.
+/// A row under examination, and the problems found in it.
 class RowLint
 {
 public:
@@ -31,7 +31,7 @@ public:
 
     /// The number as the table has it, before scaling.
     unsigned int raw(Profile::Attr attribute) const;
-    /// Words, addresses and sizes of the memory are such that operations can work on it at all.
+    /// Whether words, addresses and sizes of the memory allow operations on it at all.
     bool is_usable(MemoryType memory) const;
 
     const Profile& profile;
@@ -54,7 +54,7 @@ std::vector<Problem> lint_row(const TableFile& table, const TableRow& row);
 /// Everything that is wrong with a table, in the order of its lines.
 std::vector<Problem> lint_table(const TableFile& table);
 
-/// What two tables say differently about the devices of the first.
+/// The differences between two tables in the devices of the first.
 std::vector<Problem> compare_tables(const TableFile& table, const TableFile& other);
 
 } // namespace inspect

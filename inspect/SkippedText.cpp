@@ -10,13 +10,14 @@ namespace inspect
 namespace
 {
 
-/// Longer than any record. What is longer is none.
+/// No record is longer than this.
 constexpr qint64 longest_line = 1024;
 
 /// Digits of a record without data.
 constexpr int shortest_record = 10;
 
-/// A line of digits only, and as it has lost its colon, whatever its checksum.
+/// Whether the line is a record without its colon: the right number of digits and nothing else. The
+/// checksum may be wrong.
 bool is_record_without_colon(const QByteArray& text)
 {
     intel_hex::Record record;

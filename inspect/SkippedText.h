@@ -10,13 +10,13 @@
 namespace inspect
 {
 
-/// What the text between the records of a file is about.
+/// Checks the text between the records of a file.
 class SkippedText
 {
 public:
     explicit SkippedText(const QString& path) : m_file(path) {}
 
-    /// Looks at what the reader has passed to come to its last record.
+    /// Checks the text that the reader has skipped before its last record.
     void take(const intel_hex::RecordReader& reader);
 
     /// The first line of each kind of problem, and how many there are.

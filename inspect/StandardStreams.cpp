@@ -24,7 +24,7 @@ int print(const Outcome& outcome)
         Platform::write_all(StandardStream::Error,
                             "zserial-inspect: cannot write to standard output\n");
         break;
-    case WriteOutcome::ReaderGone: // one that has seen enough, such as a pager: no complaint
+    case WriteOutcome::ReaderGone: // a pager that was closed, for example: not an error
         break;
     }
     return ExitCannot;

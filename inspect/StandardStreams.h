@@ -8,8 +8,8 @@ namespace inspect
 /// Standard output is a terminal, and its user has not set NO_COLOR.
 bool standard_output_shows_colour();
 
-/// Prints both texts. Returns the outcome's status, or that of a program that could not do its work
-/// when standard output does not take all.
+/// Prints both texts. Returns the outcome's status, or ExitCannot if not all of the output could be
+/// written.
 int print(const Outcome& outcome);
 
 } // namespace inspect

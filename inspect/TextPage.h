@@ -8,8 +8,8 @@ namespace inspect
 /// What a piece of text stands for; a terminal shows it in colour.
 enum class Style { Plain, Heading, Error, Warning, Good, Faint };
 
-/// Text for people: lines of at most 80 characters, whatever goes in. Only what cannot be broken,
-/// such as a path, may be longer.
+/// Text for people in lines of at most 80 characters. Only words that cannot be broken, such as
+/// paths, may be longer.
 class TextPage
 {
 public:
@@ -20,7 +20,7 @@ public:
     /// `text` as it goes between other text of a line.
     QString styled(const QString& text, Style style) const;
 
-    /// A line as it is. The caller keeps it short enough.
+    /// An unchanged line. The caller keeps it short enough.
     void line(const QString& text = QString());
     void heading(const QString& text);
     /// Words on as many lines as they need, all of them indented.

@@ -7,8 +7,8 @@
 namespace inspect
 {
 
-/// Counts the rows or pages that stretches of an image touch. The stretches come in ascending order
-/// and do not overlap.
+/// Counts the rows or pages that ranges of an image touch. The ranges must be added in ascending
+/// order and must not overlap.
 class UnitCount
 {
 public:

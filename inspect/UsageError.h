@@ -7,7 +7,7 @@
 namespace inspect
 {
 
-/// The command line, or a file that it names, keeps the program from doing what was asked.
+/// The command cannot be carried out because of the command line or a file that it names.
 class UsageError : public std::runtime_error
 {
 public:

@@ -9,14 +9,14 @@
 namespace test
 {
 
-/// What another program made of its words.
+/// The result of running another program.
 struct ProcessResult {
     int status;
     QByteArray out;
     QByteArray err;
 };
 
-/// Runs a program to its end; one that does not come to it fails the test.
+/// Runs a program to its end; the test fails if it does not end.
 inline ProcessResult run_process(const QString& program, const QStringList& words,
                                  const QByteArray& input = {})
 {

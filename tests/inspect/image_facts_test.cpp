@@ -101,6 +101,7 @@ TEST_F(ImageFacts, CountPagesAndRows)
     const QJsonObject report = report_on(hex_record(0, 0x880, QByteArray(128, 'a')) +
                                              hex_record(0, 0xC00, "b") + end_record,
                                          in_device());
+    // Pages of 0x400 bytes, rows of 0x80: one row is full, the other has a single byte.
     EXPECT_EQ(report[QStringLiteral("pages")][QStringLiteral("touched")].toInt(), 2);
     EXPECT_EQ(report[QStringLiteral("flash_rows")][QStringLiteral("touched")].toInt(), 2);
     EXPECT_EQ(report[QStringLiteral("flash_rows")][QStringLiteral("partly_filled")].toInt(), 1);

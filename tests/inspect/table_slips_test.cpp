@@ -7,7 +7,7 @@
 
 using namespace test;
 
-// Slips that people make in a table, each in the row of the sample table's first device.
+// Typical mistakes in a table, each in the row of the first device of the sample table.
 
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
