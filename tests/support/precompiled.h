@@ -3,9 +3,6 @@
 // What nearly every test includes, parsed once for all of them. Each test still includes what it
 // uses: lint.sh compiles without this.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDir>
@@ -13,6 +10,8 @@
 #include <QSignalSpy>
 #include <QString>
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>
