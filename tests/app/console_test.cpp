@@ -140,6 +140,17 @@ TEST_F(FrameLog, IsNotWrittenWhileClosed)
     EXPECT_EQ(contents(), "no file");
 }
 
+TEST_F(FrameLog, CausesNoWarningWhileClosed)
+{
+    static int messages = 0;
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    slot_command_transmitted("\x01");
+    slot_command_received("\x02");
+    qInstallMessageHandler(previous);
+    EXPECT_EQ(messages, 0);
+}
+
 TEST(EventCallback, ProcessesWhatIsPending)
 {
     bool processed = false;

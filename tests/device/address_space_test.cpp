@@ -122,3 +122,13 @@ TEST(AddressSpaceTop, CanBeReachedByWhatDoesNotWrap)
     EXPECT_TRUE(write_range(0xFFFFFE00, 0xFFFFFF00)(line.device));
     EXPECT_EQ(line.sent().front(), "03 0F 00 00 00");
 }
+
+// Word addresses have 24 bits on the line.
+TEST(AddressSpaceTop, IsReadUpToTheLastBlockThatEndsBelowIt)
+{
+    DeviceOnLine line("flash-to-the-top");
+    QByteArray data;
+    EXPECT_TRUE(line.device.read_memory(0xFFFFFE00, 0x100, data));
+    EXPECT_EQ(data, QByteArray(0x100, '\xFF'));
+    EXPECT_THAT(line.sent(), ElementsAre("01 80 00 FE FF", "01 80 80 FE FF"));
+}

@@ -49,3 +49,12 @@ TEST_P(Filler, IsLaidOutWordByWordFromItsTopByte)
 }
 
 INSTANTIATE_TEST_SUITE_P(, Filler, testing::ValuesIn(fillings), row_name);
+
+TEST(FillerBeyondAByteArray, IsNotMade)
+{
+    const ZarnSerialDevice device(QStringLiteral("none"), nullptr, 9600, false,
+                                  version_named("sample"));
+    QByteArray data = "what was there before";
+    device.initialize_array(0x7FFFFE02, data, MEMORY_FLASH);
+    EXPECT_EQ(data.size(), 0);
+}

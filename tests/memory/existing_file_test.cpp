@@ -68,7 +68,7 @@ class DanglingLink : public ExistingFile
 protected:
     QString link_to(const QString& target) const
     {
-        const QString link = folder.filePath(QStringLiteral("link"));
+        QString link = folder.filePath(QStringLiteral("link"));
         EXPECT_TRUE(QFile::link(target, link));
         return link;
     }

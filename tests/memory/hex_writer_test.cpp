@@ -3,6 +3,8 @@
 #include "tests/support/DebugMessages.h"
 
 #include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -169,6 +171,16 @@ TEST_F(HexWriter, SavingABlobThatBeginsInsideASegment)
                           ":0400180010111213"
                           "9E\n"
                           ":00000001FF\n");
+}
+
+TEST_F(HexWriter, LargeBlobsHaveFullRecordsUpToTheirEnd)
+{
+    MemoryMap map(0x10000);
+    map.write(0, QByteArray(0x8001, 'a'));
+    const QStringList lines =
+        QString::fromStdString(saved(map)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    EXPECT_EQ(lines.filter(QRegularExpression(QStringLiteral("^:10"))).size(), 0x800);
+    EXPECT_EQ(lines.filter(QRegularExpression(QStringLiteral("^:01"))).size(), 1);
 }
 
 TEST_F(HexWriter, EveryBlobBeginsWithItsUpperHalf)
