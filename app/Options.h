@@ -11,7 +11,7 @@
 namespace command_line
 {
 
-/// Tries whether a file can be opened for reading and writing, creating it when it is missing.
+/// Checks whether a file can be opened for reading and writing; creates it if it is missing.
 using FileCheck = bool (*)(const QString& name);
 
 /// What an option's handler works on.

@@ -4,8 +4,8 @@
 
 #include <array>
 
-/// What the host asks a bootloader for: the payloads of frames. docs/protocol.md has it all,
-/// answers included.
+/// What the host asks a bootloader for: the payloads of frames. docs/protocol.md
+/// describes them in full, answers included.
 ///
 ///     version       00 02
 ///     reset         00 00

@@ -18,7 +18,7 @@ namespace
 constexpr int entry_passes = 5;
 constexpr int probes_per_pass = 5;
 constexpr int probe_wait_ms = 200;
-/// Between two looks at the line; short beside a reply, long beside the look.
+/// The pause between two polls of the line: short compared with a reply, long compared with a poll.
 constexpr unsigned long probe_pause_us = 1000;
 constexpr int settle_ms = 1000;
 constexpr qint32 starting_baud = QSerialPort::Baud9600;
@@ -126,7 +126,7 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
     return false;
 }
 
-/// Entry finds out what device there is, so a port that vanished may come back as any.
+/// Entry identifies the device, so a port that has vanished may come back with a different one.
 bool ZarnSerialDevice::open_anew(qint32 baud)
 {
     m_has_vanished = false;

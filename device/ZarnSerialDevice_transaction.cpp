@@ -56,8 +56,8 @@ bool ZarnSerialDevice::refuse_within_a_wait()
     return m_is_waiting;
 }
 
-/// Whoever ends the event loops ends those that begin later as well, until the application's own
-/// runs again.
+/// Once the event loops are ended, those that begin later also end at once, until the application's
+/// own runs again.
 bool ZarnSerialDevice::refuse_after_an_ended_wait()
 {
     return m_was_ended && run_event_loop(0) == Wait::Ended && !fail_for_ended_wait();
@@ -106,8 +106,8 @@ void ZarnSerialDevice::hand_over()
     m_port.flush();
 }
 
-/// A frame that the port did not take whole is not a failure by itself: the device will not answer
-/// it, and the wait that follows times out.
+/// A frame that the port did not accept in full is not reported as a failure: the device does not
+/// answer it, and the wait that follows times out.
 void ZarnSerialDevice::transmit(const QByteArray& frame)
 {
     const auto written = static_cast<unsigned short>(m_port.write(frame));

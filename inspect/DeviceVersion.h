@@ -6,7 +6,7 @@ namespace inspect
 {
 
 /// The row of the device that a user names: 0110, 0x0110 or v0110:. Throws UsageError when that is
-/// no version, or when the table has no usable row for it.
+/// not a version, or when the table has no usable row for it.
 const TableRow& row_for(const TableFile& table, const QString& version);
 
 /// The row of a table with a single device. Throws UsageError when it has none or several.

@@ -15,7 +15,7 @@ struct OptionText {
     const char* text;
 };
 
-/// One of the things that the program can look into.
+/// A subcommand of the program.
 struct Subcommand {
     const char* name;
     const char* summary;             ///< for the list of subcommands

@@ -10,8 +10,8 @@ namespace intel_hex
 namespace
 {
 
-/// Beyond what any pair of digits comes to, so that a pair with a character that is no digit comes
-/// to more, too.
+/// Greater than the value of any pair of digits, so that a pair that includes another character
+/// also exceeds it.
 constexpr unsigned short not_a_digit = 0x100;
 
 constexpr std::array<unsigned short, 256> digit_values()
@@ -33,7 +33,8 @@ unsigned int value_of(char character)
     return DIGIT_VALUES[static_cast<unsigned char>(character)];
 }
 
-/// Goes through digits in pairs and sums up the bytes. Stops in front of what is no digit.
+/// Reads digits in pairs and sums up the bytes. Stops before the first character that is not a
+/// digit.
 class ByteScanner
 {
 public:

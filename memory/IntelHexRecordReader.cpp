@@ -108,7 +108,7 @@ void RecordReader::begin_line()
     m_line_offset = offset();
 }
 
-/// A file that has given nothing, at its end or for an error, is not asked again.
+/// After the end of the file or an error, the file is not read again.
 bool RecordReader::refill()
 {
     if (!m_has_more) {

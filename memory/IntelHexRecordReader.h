@@ -12,26 +12,27 @@ class QFile;
 namespace intel_hex
 {
 
-/// A place in a text; both count from 1. Lines end at "\n"; a column is a character of one byte.
+/// A position in a text; both numbers count from 1. Lines end at "\n"; a column is a character of
+/// one byte.
 struct TextPosition {
     qint64 line = 1;
     qint64 column = 1;
 };
 
 /// Goes through the records of a file from its current position on. The file is read in blocks,
-/// past QFile's own buffer and position, and never waited on for more than the current record
-/// needs: a terminal or pipe may stop after the end record of its image.
+/// past QFile's own buffer and position. A read never waits for more than the current record needs:
+/// a terminal or pipe may stop after the end record of its image.
 class RecordReader
 {
 public:
     /// The file must be open for reading, unbuffered, and outlive the reader.
     explicit RecordReader(QFile& file);
 
-    /// Passes line ends and blanks; true when that leads to the end of the file. A file that cannot
-    /// be read any further has not come to its end.
+    /// Skips line ends and spaces; true if that reaches the end of the file. A read error is not
+    /// the end of the file.
     bool is_at_end();
-    /// Passes all text up to the next colon and reads the record that it begins. What does not fit
-    /// into a record is left to be read next.
+    /// Skips all text up to the next colon and reads the record that it begins. Text that does not
+    /// fit into the record is left to be read next.
     ParsedRecord next(Record& record);
 
     /// After a record that ended early: the character that did not fit, or none at the end of the
@@ -41,8 +42,8 @@ public:
     /// Of the character to be read next.
     TextPosition position() const { return position_of(here()); }
 
-    /// Of the first character, blanks and line ends aside, that the last record was looked for in;
-    /// that of its colon unless other text stands before it.
+    /// Of the first character, apart from spaces and line ends, in which the last record was
+    /// searched for; that of its colon unless other text precedes it.
     TextPosition text_position() const { return position_of(m_text); }
 
     /// Of the colon of the record that was read last.

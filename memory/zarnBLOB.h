@@ -21,7 +21,7 @@ public:
     /// Frees all chunks; the chunk size stays.
     virtual void clear();
 
-    /// Bytes that the chunks held now can take.
+    /// Bytes that the present chunks can hold.
     unsigned int capacity() const;
     /// One past the highest byte ever written.
     unsigned int size() const;

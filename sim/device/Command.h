@@ -6,7 +6,7 @@
 namespace sim
 {
 
-/// One thing that the device heard and could make out: a probe or a whole, sound frame.
+/// What the device received and recognised: a probe or a complete, valid frame.
 struct Command {
     enum class Kind {
         Probe,   ///< the single byte that a starting device answers with its version
@@ -15,28 +15,28 @@ struct Command {
         Read,
         Write,
         Erase,
-        Unknown, ///< a sound frame with no command in it, or one of the wrong length
+        Unknown, ///< a valid frame without a known command, or with one of the wrong length
     };
 
     static constexpr int header_length = 5; ///< of a read, write or erase: code, count, address
 
     Kind kind = Kind::Unknown;
     QByteArray payload;        ///< unescaped and without checksum; "U" for a probe
-    unsigned int baud = 0;     ///< rate on the line when it came
-    unsigned int sequence = 0; ///< how many came before it
-    /// A command of its kind that the device did not carry out: its address, count or length is
-    /// none that this device has, or it would touch the bootloader.
+    unsigned int baud = 0;     ///< rate on the line when it arrived
+    unsigned int sequence = 0; ///< number of commands before it
+    /// The device refused it: its address, count or length is invalid for this device, or it would
+    /// touch the bootloader.
     bool refused = false;
     /// It did not reach the device: lost or damaged on the way, or the device has no power.
     bool ignored = false;
 
-    /// The command is about flash or EEPROM: a read, a write or an erase.
+    /// Whether the command concerns flash or EEPROM: a read, a write or an erase.
     bool is_access() const
     {
         return kind == Kind::Read || kind == Kind::Write || kind == Kind::Erase;
     }
 
-    /// The command is about EEPROM; meaningful for reads and writes.
+    /// Whether the command concerns EEPROM; meaningful for reads and writes.
     bool is_eeprom() const { return payload.startsWith('\x04') || payload.startsWith('\x05'); }
 
     /// Words or pages, of an access.
@@ -45,7 +45,7 @@ struct Command {
     /// Of an access, in the units that the device counts in.
     unsigned int word_address() const { return byte_at(2) | byte_at(3) << 8U | byte_at(4) << 16U; }
 
-    /// What a write brings.
+    /// The data of a write.
     QByteArray data() const { return payload.mid(header_length); }
 
 private:

@@ -176,7 +176,7 @@ unsigned char DeviceMemory::cell(std::uint64_t address) const
     return static_cast<unsigned char>(value);
 }
 
-/// Whatever is put into a cell passes here, so that stuck bits hold whatever is done.
+/// The only place that changes a cell, so that stuck bits always keep their level.
 void DeviceMemory::set_cell(std::uint64_t address, unsigned char value)
 {
     const auto stuck = m_stuck_bits.find(address);

@@ -11,8 +11,8 @@ class Profile;
 namespace sim
 {
 
-/// The device's flash and EEPROM under the byte addresses of an image. Everything starts erased,
-/// that is 0xFF. Cells take room only once they have held something else, so a table that claims
+/// The device's flash and EEPROM under the byte addresses of an image. Initially everything is
+/// erased (0xFF). Cells take room only once they have held something else, so a table that claims
 /// gigabytes costs nothing.
 class DeviceMemory
 {
@@ -32,15 +32,15 @@ public:
         QByteArray bytes;
     };
 
-    /// Takes the limits and the page size from the table row and keeps no hold on it.
+    /// Copies the limits and the page size from the table row; the row need not outlive this.
     explicit DeviceMemory(const Profile& profile);
 
-    /// All `count` bytes from `address` on lie in flash, the bootloader's part included.
+    /// Whether all `count` bytes from `address` on lie in flash, the bootloader's part included.
     bool is_in_flash(std::uint64_t address, std::uint64_t count) const;
     bool is_in_eeprom(std::uint64_t address, std::uint64_t count) const;
     /// The same for the part of flash that a host can write, which begins after the bootloader.
     bool is_in_user_flash(std::uint64_t address, std::uint64_t count) const;
-    /// The byte lies where a host can write: in EEPROM or in flash beyond the bootloader.
+    /// Whether a host can write the byte: it is in EEPROM or in flash after the bootloader.
     bool is_user_memory(unsigned int address) const;
 
     /// The bytes of [address, address + count); addresses that hold no memory read as 0xFF.
@@ -52,11 +52,11 @@ public:
     /// Overwrites EEPROM. False, with nothing done, when a byte lies outside of it.
     bool write_eeprom(unsigned int address, const QByteArray& data);
     /// Erases `count` flash pages from the one that holds `address` on; pages beyond the end of
-    /// flash do not exist and are passed over. False, with nothing done, when the first page lies
+    /// flash do not exist and are skipped. False, with nothing done, when the first page lies
     /// outside of flash or holds a byte of the bootloader.
     bool erase_pages(unsigned int address, unsigned int count);
 
-    /// Sets bytes as they are, by no rule of the cells, in the bootloader's part too. Returns how
+    /// Sets bytes regardless of the rules of the cells, in the bootloader's part too. Returns how
     /// many of them lie outside of flash and EEPROM and were left out.
     unsigned int preset(unsigned int address, const QByteArray& data);
 

@@ -7,14 +7,14 @@
 namespace sim
 {
 
-/// What goes out for a command after the faults had their way, and which of them had one.
+/// What is sent in answer to a command once faults are applied, and which of them were.
 struct FaultyReply {
     std::vector<Delivery> deliveries;
     std::vector<FaultKind> applied;
 };
 
-/// Does to an answer, empty where the device stays silent, what `faults` do to answers. Faults of
-/// other kinds, and those that this answer gives no hold, do nothing and do not count as applied.
+/// Applies `faults` to an answer, which is empty if the device stays silent. Faults that do not
+/// concern answers, or cannot affect this one, do nothing and do not count as applied.
 FaultyReply apply_to_reply(const Command& command, const QByteArray& answer,
                            const std::vector<Fault>& faults);
 

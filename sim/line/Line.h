@@ -1,10 +1,10 @@
 #pragma once
 
 // This folder is the wire: a pseudo-terminal whose far end the host opens, and the times that it
-// lacks. It knows bytes and rates, no frames. What keeps time (Alarm, Line, Outbox) is apart from
-// what only reckons with times that it is handed (AdapterBuffer, PacedQueue, LineTiming), so that
-// the latter can be tested without waiting. docs/simulator.md says what can be measured with it,
-// under "Times".
+// lacks. It knows bytes and rates, but no frames. Classes with timers (Alarm, Line, Outbox) are
+// separate from classes that only calculate with times passed in (AdapterBuffer, PacedQueue,
+// LineTiming), so that the latter can be tested without waiting. docs/simulator.md describes what
+// can be measured with it, under "Times".
 
 #include "sim/line/AdapterBuffer.h"
 #include "sim/line/Alarm.h"
@@ -21,7 +21,7 @@ struct LineOptions {
     /// Bytes take the time that they would take on a wire at the rate in force, both ways.
     bool paced = false;
     int latency_ms = 0; ///< of the host's adapter, for short packets; 0 for none
-    /// What the host writes in one go reaches the device in one go.
+    /// What the host writes at once reaches the device at once.
     bool keeps_writes_whole = false;
 };
 
@@ -31,7 +31,7 @@ class Line : public QObject
     Q_OBJECT
 
 public:
-    /// Throws std::system_error when the system gives no pseudo-terminal or timer.
+    /// Throws std::system_error if the system provides no pseudo-terminal or timer.
     explicit Line(LineOptions options);
 
     QString path() const { return m_terminal.path(); }
@@ -41,8 +41,8 @@ public:
     /// Bytes are on their way to the host, or wait for it to read them.
     bool host_has_unread() const;
 
-    /// As many bytes are on their way to the host, or wait for it to read them, those in the
-    /// system's own buffer apart.
+    /// The number of bytes on their way to the host, or waiting for it to read them, except those
+    /// in the system's own buffer.
     qint64 bytes_for_host() const;
 
     /// Bytes are on their way to the device.
@@ -82,8 +82,8 @@ private:
     PacedQueue m_to_host;
     AdapterBuffer m_adapter;
     Alarm m_alarm;
-    /// While the device hears bytes, the time at which it ought to: what it answers at once follows
-    /// on that, so that being late once doesn't make everything after it late.
+    /// While the device receives bytes, the time at which they were due: an immediate answer is
+    /// timed from that, so that one late wake-up does not delay everything after it.
     std::optional<qint64> m_hearing_ns;
     Lateness m_lateness;
     LineUse m_use;

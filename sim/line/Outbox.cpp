@@ -13,9 +13,9 @@ namespace
 /// Bytes just written need a moment to get through the terminal before they count as waiting for
 /// the host; until then "nothing waiting" does not mean that they have been read.
 constexpr qint64 settle_ns = 2000000;
-/// A host that has not read after so many looks, at least this far apart, will not read bursts
-/// separately. Looks are counted instead of time, because a machine that stalls for a while is not
-/// a host that doesn't read.
+/// A host that has not read after this many checks, at least this far apart, will not read bursts
+/// separately. Checks are counted instead of time, because a stalled machine does not mean that the
+/// host does not read.
 constexpr int patience = 50;
 constexpr qint64 look_ns = 1000000;
 
@@ -64,7 +64,7 @@ void Outbox::send_due()
     }
 }
 
-/// When the entry may go, or it is time to look again whether it may.
+/// When the entry may go, or when to check again.
 qint64 Outbox::next_chance(Entry& entry, qint64 now_ns) const
 {
     if (entry.due_ns > now_ns) {

@@ -26,7 +26,7 @@ public:
     /// `due_ns` is by the clock of Alarm. A burst that is due with nothing before it goes out at
     /// once. One that is `apart` is held back until the host has read everything before it, so that
     /// no single read of the host returns both; a host that does not read at all gets it after a
-    /// while all the same.
+    /// while anyway.
     void post(const Burst& burst, qint64 due_ns, bool apart);
     /// Drops everything that has not gone out.
     void clear();
@@ -42,7 +42,7 @@ private:
         Burst burst;
         qint64 due_ns;
         bool apart;
-        int looks; ///< at whether it may go yet
+        int looks; ///< how often it was checked whether it may go yet
     };
 
     void send_due();

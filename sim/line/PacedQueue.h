@@ -13,14 +13,14 @@ namespace sim
 struct Burst {
     QByteArray bytes;
     unsigned int baud = 0;
-    /// So many of the first bytes have had their time on the line already, as the echo of something
-    /// that was sent.
+    /// Number of leading bytes whose time on the line has already passed, as for the echo of bytes
+    /// that were sent.
     int passed = 0;
     bool whole = false; ///< arrives at once, when its last byte has passed
 };
 
-/// One direction of a line that takes its time. Knows no clock: times are handed in, in
-/// nanoseconds of any steady one.
+/// One direction of a paced line. Has no clock of its own: the caller passes times in, in
+/// nanoseconds of any steady clock.
 class PacedQueue
 {
 public:

@@ -68,29 +68,31 @@ constexpr std::array<OptionText, 24> option_texts = {{
     {"entry", "behaviour",
      "What the device does after power-on and after a reset, \"probe\" without the option. "},
     {"echo", "how",
-     "The line is half-duplex, the host hears what it sends, \"apart\" without <how>. "},
-    {"pace", "", "Bytes take the time that they take at the rate in force."},
-    {"latency-ms", "ms", "The host's adapter hands over short packets after <ms>."},
-    {"erase-ms", "ms", "It takes <ms> to erase a page."},
-    {"write-ms", "ms", "It takes <ms> to write a row."},
-    {"fault", "fault", "Let something go wrong, see above; any number of times."},
-    {"seed", "number", "Let chance play another game; the same number, the same game (1)."},
-    {"replay", "log", "Answer as the device did whose frames are in <log>, written with -x."},
+     "The line is half-duplex: the host receives what it sends; \"apart\" without <how>. "},
+    {"pace", "", "Pace the line: bytes take as long as on a wire at the current rate."},
+    {"latency-ms", "ms", "The host's adapter delivers short packets after <ms>."},
+    {"erase-ms", "ms", "The device takes <ms> to erase a page."},
+    {"write-ms", "ms", "The device takes <ms> to write a row."},
+    {"fault", "fault", "Inject a fault, see above; may be repeated."},
+    {"seed", "number", "Seed of the random faults; the same seed gives the same faults (1)."},
+    {"replay", "log", "Answer like the device whose frames are in <log>, a frame log of -x."},
     {"memory", "image", "Fill the memory from the Intel HEX file <image> at the start."},
-    {"save", "image", "Write what is not erased to the Intel HEX file <image> at the end."},
+    {"save", "image",
+     "Write the memory that is not erased to the Intel HEX file <image> at the end."},
     {"check", "image",
      "Compare the memory with the Intel HEX file <image> at the end; bytes of it that lie outside "
      "of the device make the check fail."},
-    {"ignore-outside", "", "Bytes outside of the device are reported and do not fail the check."},
+    {"ignore-outside", "",
+     "Bytes outside of the device are reported, but the check does not fail."},
     {"state", "file", "Keep the memory in <file> from one run to the next."},
-    {"link", "path", "Make the symbolic link <path> to the port while it is there."},
+    {"link", "path", "Create the symbolic link <path> to the port for the duration of the run."},
     {"trace", "file", "Write a line for every command to <file>. The kinds are "},
     {"summary", "file", "Write the summary to <file> instead of printing it."},
     {"json", "", "Give the summary as one line of JSON."},
     {"exec", "", "Run the command that follows --, with the port's path in place of each {}."},
 }};
 
-/// The names that belong to an option, from where their values are defined.
+/// The names that an option accepts, from the tables that define them.
 QString names_explained(QLatin1String option)
 {
     if (option == QLatin1String("entry")) {
@@ -107,7 +109,7 @@ QString help_of(const OptionText& option)
     return QString::fromLatin1(option.text) + names_explained(QLatin1String(option.name));
 }
 
-/// The word --echo may stand without its value, which the parser knows no way to say.
+/// --echo may have no value, which the parser cannot express.
 QStringList with_echo_value(QStringList command_line)
 {
     for (int i = 1; i < command_line.size() && command_line.at(i) != QLatin1String("--"); ++i) {

@@ -3,7 +3,7 @@
 namespace sim
 {
 
-/// Makes the process independent of what its parent did to its signals: the end of a child is
+/// Makes the process independent of the signal settings that it inherits: the end of a child is
 /// always noticed, and neither a pipe without a reader nor a file at its size limit ends the
 /// process; writing fails instead.
 void set_up_signals();

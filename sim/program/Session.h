@@ -1,9 +1,9 @@
 #pragma once
 
-// This folder is the program zserial-sim. Here alone options have names, things are printed, and
-// signals and exit statuses mean something. Nothing that a user could lose is touched before all
-// that was asked for has turned out to be possible, and the state is saved however a run ends.
-// docs/simulator.md describes the options and the exit status; StateFile.h the format of a state.
+// This folder is the program zserial-sim. Only here are there option names, printing, signals and
+// exit statuses. Nothing that a user could lose is touched until every request has proved possible,
+// and the state is saved however a run ends. docs/simulator.md describes the options and the exit
+// status; StateFile.h the format of a state.
 
 #include "sim/program/Arguments.h"
 #include "sim/program/CommandRunner.h"
@@ -32,16 +32,16 @@ enum ExitStatus {
 };
 
 /// One run of the program: a device served from its table to its summary. Prints on standard output
-/// and complains on standard error.
+/// and reports errors on standard error.
 class Session : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Makes everything ready. Throws an exception that says what can't be done.
+    /// Prepares everything. Throws an exception that says what cannot be done.
     explicit Session(const Arguments& arguments);
 
-    /// Serves until the command ends or somebody stops the program; returns the exit status.
+    /// Serves until the command ends or the program is stopped; returns the exit status.
     int run();
 
 private:
@@ -72,9 +72,9 @@ private:
     std::unique_ptr<CommandRunner> m_command;
     QTimer m_quiet;
     QElapsedTimer m_since_command; ///< has ended
-    qint64 m_heard_before = 0;     ///< bytes, when it was last looked whether all is quiet
+    qint64 m_heard_before = 0;     ///< bytes at the last check whether the line is quiet
     std::optional<CommandEnd> m_command_end;
-    bool m_served = true; ///< to the end, with nothing in between that could not be helped
+    bool m_served = true; ///< to the end, without an unexpected error
 };
 
 } // namespace sim

@@ -42,7 +42,7 @@ QList<QByteArray> lines_of(const DeviceMemory& memory, unsigned int version)
     return lines;
 }
 
-/// Only what this program writes is good, to the letter.
+/// Accepts only exactly what this program writes.
 bool read_line(const QByteArray& line, DeviceMemory& memory)
 {
     bool converted = false;

@@ -73,7 +73,8 @@ std::vector<Delivery> Rig::reply_to(const Command& command, const QByteArray& an
     return reply.deliveries;
 }
 
-/// A log begins after the probe, and has no answer to what never reached the recorded device.
+/// A log begins after the probe and has no answer to commands that never reached the recorded
+/// device.
 QByteArray Rig::recorded_answer(const Command& command, const QByteArray& answer)
 {
     const bool is_heard = !command.ignored && m_options.device.entry != Entry::Silent;

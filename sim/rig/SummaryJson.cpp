@@ -84,7 +84,7 @@ QJsonObject end_of(const CommandEnd& end)
     return {{QStringLiteral("started"), false}};
 }
 
-/// What only some runs have.
+/// The keys that only some runs have.
 void add_extras(QJsonObject& object, const Summary& summary)
 {
     if (summary.seed) {

@@ -7,7 +7,7 @@ namespace sim
 namespace
 {
 
-/// The first of many are enough to see what a host did that the recorded one had not done.
+/// The first of many are enough to see where a host departed from the recording.
 constexpr std::size_t unmatched_shown = 10;
 
 QString command_line(const Tally& commands)

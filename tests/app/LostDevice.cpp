@@ -18,7 +18,7 @@ constexpr std::size_t repetitions = 5;
 
 } // namespace
 
-/// A pseudo-terminal's number is free again when nobody has it open any more.
+/// The number of a pseudo-terminal is free again once no process has it open.
 LostDevice::LostDevice(const Profile& profile, sim::Entry entry, Loss loss)
     : m_loss(loss),
       m_device(profile, {entry}),
@@ -87,7 +87,7 @@ LostDevice::Reply LostDevice::last_reply(const QByteArray& answer)
     return is_half ? Reply{{answer.left(answer.size() / 2)}} : Reply();
 }
 
-/// What a host has not read by then vanishes with the line.
+/// Bytes that the host has not read by then vanish with the line.
 void LostDevice::unplug_when_read()
 {
     if (!m_device.line().host_has_unread()) {

@@ -19,7 +19,7 @@ bool can_open_anything(const QString&)
     return true;
 }
 
-/// The names that the scan under way has asked about, in order.
+/// The names that the present scan has checked, in order.
 QStringList& checked_files()
 {
     static QStringList names;
@@ -282,7 +282,7 @@ class AcceptedOptions : public testing::TestWithParam<AcceptedLine>
 {
 };
 
-/// The settings of a line that holds empty arguments; a refusal fails the test.
+/// The settings from a command line with empty arguments; a refusal fails the test.
 Settings scanned(const QStringList& arguments)
 {
     Settings settings;

@@ -7,7 +7,7 @@
 
 using namespace test;
 
-// The three options that take two word addresses, each with every way to write a number.
+// The three options that take two word addresses, each with every notation of a number.
 
 namespace
 {
@@ -17,7 +17,7 @@ bool can_open_anything(const QString&)
     return true;
 }
 
-/// An option that takes two addresses, with what the messages call it.
+/// An option that takes two addresses, and its name in messages.
 struct RangeOption {
     const char* name;
     const char* option;

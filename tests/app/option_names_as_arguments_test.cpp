@@ -24,7 +24,7 @@ const QStringList& option_names()
     return names;
 }
 
-/// An option that takes a name, what comes before that name and where it ends up.
+/// An option that takes a name, the arguments before that name, and the settings that receive it.
 struct Taker {
     const char* name;
     QStringList before;
@@ -86,7 +86,7 @@ class OptionThatTakesAName : public testing::TestWithParam<Taker>
 {
 };
 
-/// An option that takes numbers, what comes before one that is none and what is said about it.
+/// An option that takes numbers, the arguments before one that is not a number, and the message.
 struct NumberTaker {
     const char* name;
     QStringList before;

@@ -8,7 +8,7 @@
 using namespace test;
 
 // The device is lost at every command of every operation; then the same run is made again on what
-// is left of it. A lost command costs twelve seconds, so that the runs wait side by side.
+// is left of it. A lost command costs twelve seconds, so many runs wait at the same time.
 
 namespace
 {
@@ -103,7 +103,7 @@ public:
         start();
     }
 
-    /// What a write-and-verify finds done already changes its progress, and nothing else.
+    /// Pages that a write-and-verify finds up to date change its progress, and nothing else.
     void check_recovery()
     {
         SCOPED_TRACE(testing::Message() << m_operation.name << " again, after command "

@@ -10,7 +10,7 @@
 namespace test
 {
 
-// Contents of memories and images whose bytes can be told apart by where they belong.
+// Contents of memories and images in which the value of each byte shows where it belongs.
 
 inline QByteArray bytes_at(unsigned int address, int count)
 {
@@ -62,7 +62,7 @@ inline Content content_of(const Extents& extents)
     return content;
 }
 
-/// A row of filler with what an image of these extents holds of it.
+/// A row of filler, overlaid with an image of these extents.
 inline QByteArray row_with(const Extents& image, unsigned int address, QByteArray filler)
 {
     for (const Extent& extent : image) {

@@ -87,7 +87,7 @@ inline std::vector<std::string> codes(const QJsonObject& report)
 /// What to change in a row, by the number of the column.
 using Changes = std::map<int, const char*>;
 
-/// A device in whose row nothing is wrong, with some columns changed.
+/// The row of a device without problems, with some columns changed.
 inline QByteArray table_row(const Changes& changes = {})
 {
     std::vector<const char*> fields = {"v0110:",     "115200", "LARK-32",    "0x8000", "0x8000",

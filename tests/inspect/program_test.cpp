@@ -7,7 +7,7 @@
 
 using namespace test;
 
-// The program as a process: what only shows there.
+// Behaviour that only a process shows.
 
 namespace
 {

@@ -61,7 +61,7 @@ struct Hearing {
     bool probed_before;
     unsigned int baud;
     QByteArray sent;
-    bool made_out; ///< the device knows that it heard a command
+    bool made_out; ///< the device recognised a command
     QByteArray answer;
     bool runs_afterwards;
 };
@@ -482,7 +482,7 @@ TEST(SimBootloader, AcknowledgesWritesOfWhichNothingIsStored)
     EXPECT_TRUE(device.memory.programmed_ranges().empty());
     EXPECT_EQ(device.memory.statistics().flash_rows_programmed, 0U);
     EXPECT_EQ(device.memory.statistics().eeprom_writes, 0U);
-    // What it refuses is not acknowledged, stored or not.
+    // A write that it refuses is not acknowledged, whether it is stored or not.
     EXPECT_TRUE(device.ask(bytes("02 01 01 08 00") + QByteArray(0x40, '\x11')).command.refused);
 }
 

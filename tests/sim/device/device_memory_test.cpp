@@ -233,7 +233,7 @@ TEST_F(SimDeviceMemory, HoldsStuckBitsWhateverIsDone)
     EXPECT_EQ(memory.read(0x1000, 2), bytes("7E FF"));
     memory.preset(0x1000, bytes("FF 00"));
     EXPECT_EQ(memory.read(0x1000, 2), bytes("7E 0F"));
-    // A broken cell is no mistake of the host's.
+    // A broken cell is not the host's mistake.
     EXPECT_EQ(memory.statistics().cells_programmed_without_erase, 0U);
 }
 

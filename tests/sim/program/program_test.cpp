@@ -70,7 +70,7 @@ protected:
         return environment;
     }
 
-    /// For what no event announces. Gives the process time between two tries.
+    /// Waits for a condition that no event reports, and pauses between two checks.
     template <typename Predicate>
     bool try_until(Predicate predicate)
     {
@@ -624,7 +624,7 @@ TEST_F(SimProgram, WaitsForNoReaderOfItsTrace)
     start("--table one.txt --trace pipe");
     EXPECT_EQ(exit_status(), 2);
     EXPECT_EQ(errors(), "zserial-sim: --trace pipe: cannot write there\n");
-    // A reader that never reads.
+    // A reader that does not read.
     const Descriptor reader(::open(pipe.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     ASSERT_TRUE(reader.is_open());
     start_shell("--table one.txt --entry version --trace pipe --state state --memory image.hex "

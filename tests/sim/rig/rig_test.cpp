@@ -153,10 +153,10 @@ TEST_F(SimRig, SpoilsResponsesByOneBit)
 {
     start({"corrupt-response@1"});
     host->send(row_request);
-    const QByteArray spoilt = host->receive(row_answer.size());
+    const QByteArray damaged = host->receive(row_answer.size());
     int turned = 0;
-    for (int i = 0; i < spoilt.size(); ++i) {
-        const int difference = spoilt.at(i) ^ row_answer.at(i);
+    for (int i = 0; i < damaged.size(); ++i) {
+        const int difference = damaged.at(i) ^ row_answer.at(i);
         turned += difference != 0 ? 1 : 0;
         EXPECT_EQ(difference & (difference - 1), 0) << "more than one bit of byte " << i;
     }
