@@ -4,10 +4,14 @@
 
 #include <QTemporaryDir>
 
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <fcntl.h>
 #include <future>
 #include <ostream>
+#include <pthread.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -55,6 +59,51 @@ const PipedText piped_texts[] = {
     {"wrong_checksum", ":0100000041BF", false},
     {"segment_record", ":020000020000FC", false},
 };
+
+std::atomic<int> signals{0};
+
+/// Handles SIGUSR1 so that it interrupts a read, as long as it lives.
+class InterruptingSignal
+{
+public:
+    InterruptingSignal()
+    {
+        Action action{};
+        action.sa_handler = [](int) {
+            ++signals;
+        };
+        EXPECT_EQ(::sigaction(SIGUSR1, &action, &m_previous), 0);
+    }
+
+    ~InterruptingSignal() { ::sigaction(SIGUSR1, &m_previous, nullptr); }
+
+    InterruptingSignal(const InterruptingSignal&) = delete;
+    InterruptingSignal& operator=(const InterruptingSignal&) = delete;
+
+    /// Sends ten, each after the one before has arrived.
+    static void send_to(pthread_t thread)
+    {
+        for (int sent = signals + 1, last = sent + 9; sent <= last; ++sent) {
+            ::pthread_kill(thread, SIGUSR1);
+            while (signals < sent) {
+                std::this_thread::yield();
+            }
+        }
+    }
+
+private:
+    using Action = struct sigaction;
+
+    Action m_previous{};
+};
+
+void wait_until_read(int pipe)
+{
+    int unread = 1;
+    while (::ioctl(pipe, FIONREAD, &unread) == 0 && unread > 0) {
+        std::this_thread::yield();
+    }
+}
 
 class HexPipeKeptOpen : public HexPipe, public testing::WithParamInterface<PipedText>
 {
@@ -114,3 +163,23 @@ TEST_P(HexPipeKeptOpen, IsNotAskedForMoreThanIsNeeded)
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, HexPipeKeptOpen, testing::ValuesIn(piped_texts), row_name);
+
+TEST_F(HexPipe, IsReadOnAfterASignal)
+{
+    const int both_ends = ::open(name.constData(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(both_ends, 0);
+    const InterruptingSignal handler;
+    const pthread_t reader = ::pthread_self();
+    std::thread writer([both_ends, reader] {
+        EXPECT_EQ(::write(both_ends, ":0100", 5), 5);
+        wait_until_read(both_ends);
+        InterruptingSignal::send_to(reader);
+        const QByteArray rest = byte_a.mid(5) + ":00000001FF\n";
+        EXPECT_EQ(::write(both_ends, rest.constData(), static_cast<std::size_t>(rest.size())),
+                  rest.size());
+    });
+    EXPECT_TRUE(map.load_from_hex_file(path, {}));
+    writer.join();
+    ::close(both_ends);
+    EXPECT_EQ(map.size(), 1U);
+}
