@@ -1,8 +1,8 @@
 #include "fuzz/MemoryFile.h"
 #include "inspect/LogAnalysis.h"
 #include "inspect/LogFacts.h"
+#include "profile/Profile.h"
 
-#include <algorithm>
 #include <numeric>
 
 namespace
