@@ -9,11 +9,13 @@ import tempfile
 from pathlib import Path
 
 import conditions
+import gang
 import goal
 import host
 import images
 import wire
 
+PARTS = {"host": host, "images": images, "wire": wire, "gang": gang}
 FIGURES = re.compile(r"(<!-- figures -->\n).*(<!-- end of figures -->)", re.DOTALL)
 
 
@@ -44,7 +46,11 @@ def arguments():
         "--slow-rounds", type=int, default=3, help="at the low rates, where one takes minutes"
     )
     parser.add_argument("--write", type=Path, help="page to put the table into")
-    return parser.parse_args()
+    parser.add_argument("--part", choices=PARTS, action="append", help="only this; repeatable")
+    options = parser.parse_args()
+    if options.part and options.write:
+        parser.error("the page has the figures of all parts")
+    return options
 
 
 def make_device_image(context):
@@ -68,8 +74,8 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         context = Context(options, scratch)
         make_device_image(context)
-        for part in (host, images, wire):
-            for reached in part.goals(context):
+        for name in options.part or PARTS:
+            for reached in PARTS[name].goals(context):
                 print(*reached.cells(), sep="  ", file=sys.stderr, flush=True)
                 goals.append(reached)
     print(f"{circumstances}\n\n{goal.as_text(goals)}")

@@ -32,7 +32,7 @@ if(ZSERIAL_BUILD_SIMULATOR)
         sim/device/Options.h
         sim/device/SimulatedDevice.h
         sim/rig/MemoryImage.h)
-    list(APPEND libraries zserial_sim)
+    list(APPEND libraries zserial_process zserial_sim)
 endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zserial)
 install(TARGETS ${libraries} EXPORT zserialTargets

@@ -1,9 +1,11 @@
 #include "gang/Commands.h"
 
 #include "gang/ArgumentError.h"
+#include "util/FileNames.h"
 
-#include <QDir>
 #include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
 
 namespace gang
 {
@@ -11,23 +13,28 @@ namespace gang
 namespace
 {
 
-/// The file itself, whatever links lead to it.
-QString file_behind(const QString& name)
+/// A path that matches a pattern, with something else in the place of its first wildcard for each
+/// `variant`.
+QString sample_of(const QString& pattern, const QString& variant)
 {
-    const QString existing = QFileInfo(name).canonicalFilePath();
-    return existing.isEmpty() ? QDir::cleanPath(QDir::current().absoluteFilePath(name)) : existing;
+    static const QRegularExpression wildcard(QStringLiteral("\\*|\\?|\\[.[^\\]]*\\]"));
+    const QRegularExpressionMatch first = wildcard.match(pattern);
+    if (!first.hasMatch()) {
+        return pattern;
+    }
+    QString rest = pattern.mid(first.capturedEnd());
+    return pattern.left(first.capturedStart()) + variant +
+           rest.replace(wildcard, QStringLiteral("x"));
 }
 
+/// Of ports that may appear, two that are as alike as two ports can be.
 QStringList sample_ports(const Arguments& arguments)
 {
     QStringList ports = arguments.ports;
     if (!arguments.watch.isEmpty()) {
-        ports << arguments.watch;
-        if (arguments.watch.contains(QLatin1Char('*')) ||
-            arguments.watch.contains(QLatin1Char('?')) ||
-            arguments.watch.contains(QLatin1Char('['))) {
-            ports << arguments.watch + QStringLiteral("another");
-        }
+        ports << sample_of(arguments.watch, QStringLiteral("1"))
+              << sample_of(arguments.watch, QStringLiteral("2"));
+        ports.removeDuplicates();
     }
     return ports;
 }
@@ -36,7 +43,7 @@ void refuse_repeated_ports(const QStringList& ports)
 {
     QHash<QString, QString> seen;
     for (const QString& port : ports) {
-        const QString file = file_behind(file_of_port(port));
+        const QString file = Platform::file_key(file_of_port(port));
         if (seen.contains(file)) {
             throw ArgumentError(
                 QStringLiteral("%1 and %2 are the same port").arg(seen.value(file), port));
@@ -49,23 +56,31 @@ void refuse_repeated_ports(const QStringList& ports)
 QHash<QString, QString> inputs_of(const Arguments& arguments,
                                   const std::vector<ToolCommand>& commands)
 {
-    QHash<QString, QString> inputs{{file_behind(arguments.table), QStringLiteral("the table")}};
+    QHash<QString, QString> inputs{
+        {Platform::file_key(arguments.table), QStringLiteral("the table")}};
     for (const ToolCommand& command : commands) {
         QStringList images = command.images();
         if (!command.written_image().isEmpty()) {
             images << command.written_image();
         }
         for (const QString& image : images) {
-            inputs.insert(file_behind(image), QStringLiteral("an image"));
+            inputs.insert(Platform::file_key(image), QStringLiteral("an image"));
         }
     }
     if (!arguments.record.isEmpty()) {
-        inputs.insert(file_behind(arguments.record), QStringLiteral("the record"));
+        inputs.insert(Platform::file_key(arguments.record), QStringLiteral("the record"));
     }
     if (!arguments.number_file.isEmpty()) {
-        inputs.insert(file_behind(arguments.number_file), QStringLiteral("the serial file"));
+        inputs.insert(Platform::file_key(arguments.number_file), QStringLiteral("the serial file"));
     }
     return inputs;
+}
+
+/// Such as a terminal.
+bool keeps_nothing(const QString& path)
+{
+    const QFileInfo file(path);
+    return file.exists() && !file.isFile();
 }
 
 void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCommand>& commands)
@@ -74,7 +89,10 @@ void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCom
     QHash<QString, QString> writers;
     for (const ToolCommand& command : commands) {
         for (const QString& output : command.outputs()) {
-            const QString file = file_behind(output);
+            if (keeps_nothing(output)) {
+                continue;
+            }
+            const QString file = Platform::file_key(output);
             if (inputs.contains(file)) {
                 throw ArgumentError(QStringLiteral("%1 would be overwritten, and is %2")
                                         .arg(output, inputs.value(file)));
@@ -115,8 +133,8 @@ void check_operations(const Arguments& arguments, const ToolCommand& command)
 
 std::vector<ToolCommand> commands_of(const Arguments& arguments)
 {
+    refuse_repeated_ports(arguments.ports);
     const QStringList ports = sample_ports(arguments);
-    refuse_repeated_ports(ports);
     std::vector<ToolCommand> commands;
     for (const QString& port : ports) {
         commands.emplace_back(arguments.tool_arguments,

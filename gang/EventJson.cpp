@@ -2,8 +2,6 @@
 
 #include <QJsonDocument>
 
-#include <unistd.h>
-
 namespace gang
 {
 
@@ -34,12 +32,6 @@ QString phase_name(RunState::Phase phase)
 
 } // namespace
 
-EventJson::EventJson()
-{
-    // By its descriptor: the stream of the C library keeps lines back when nobody types.
-    m_out.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
-}
-
 void EventJson::print(const char* event, QJsonObject fields)
 {
     fields.insert(QStringLiteral("event"), QString::fromLatin1(event));
@@ -47,7 +39,7 @@ void EventJson::print(const char* event, QJsonObject fields)
     if (!fields.contains(key)) {
         fields.insert(key, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
     }
-    m_out.write(QJsonDocument(fields).toJson(QJsonDocument::Compact) + '\n');
+    m_out.print(QJsonDocument(fields).toJson(QJsonDocument::Compact) + '\n');
 }
 
 void EventJson::started(const RunStates& states, int run)

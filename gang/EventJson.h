@@ -1,8 +1,8 @@
 #pragma once
 
 #include "gang/Display.h"
+#include "gang/EventOutput.h"
 
-#include <QFile>
 #include <QJsonObject>
 
 namespace gang
@@ -13,8 +13,6 @@ namespace gang
 class EventJson : public Display
 {
 public:
-    EventJson();
-
     void started(const RunStates& states, int run) override;
     void changed(const RunStates& states, int run) override;
     void failed_try(const RunStates& states, int run) override;
@@ -24,7 +22,7 @@ public:
 private:
     void print(const char* event, QJsonObject fields);
 
-    QFile m_out;
+    EventOutput m_out;
     QMap<int, QString> m_shown; ///< the progress last shown of each run
 };
 

@@ -1,7 +1,5 @@
 #include "gang/EventLines.h"
 
-#include <unistd.h>
-
 namespace gang
 {
 
@@ -24,15 +22,9 @@ QString line_of(const QString& port_name, const RunRecord& record)
     return parts.join(QStringLiteral(", "));
 }
 
-EventLines::EventLines()
-{
-    // By its descriptor: the stream of the C library keeps lines back when nobody types.
-    m_out.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
-}
-
 void EventLines::print(const QString& line)
 {
-    m_out.write(line.toLocal8Bit() + '\n');
+    m_out.print(line.toLocal8Bit() + '\n');
 }
 
 void EventLines::started(const RunStates& states, int run)

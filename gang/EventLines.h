@@ -1,8 +1,7 @@
 #pragma once
 
 #include "gang/Display.h"
-
-#include <QFile>
+#include "gang/EventOutput.h"
 
 namespace gang
 {
@@ -11,8 +10,6 @@ namespace gang
 class EventLines : public Display
 {
 public:
-    EventLines();
-
     void started(const RunStates& states, int run) override;
 
     void changed(const RunStates&, int) override {}
@@ -24,7 +21,7 @@ public:
 private:
     void print(const QString& line);
 
-    QFile m_out;
+    EventOutput m_out;
 };
 
 /// One line for a run that has ended: "ttyUSB0: ok, 12.3 s, version 0x0110".

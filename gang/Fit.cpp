@@ -1,6 +1,7 @@
 #include "gang/Fit.h"
 
-#include "memory/MemoryMap.h"
+#include "gang/Problems.h"
+#include "inspect/DeviceFit.h"
 
 #include <algorithm>
 
@@ -12,21 +13,27 @@ namespace
 
 bool is_written(const Profile& device, unsigned int address, const Settings& settings)
 {
-    const bool left_out = (!settings.include_encrypted && device.is_encrypted_flash(address)) ||
-                          (!settings.include_unencrypted && device.is_unencrypted_flash(address));
-    return !left_out && device.get_memory_type(address) != MEMORY_OTHER;
+    switch (inspect::area_of(device, address)) {
+    case inspect::Area::Encrypted:
+        return settings.include_encrypted;
+    case inspect::Area::Unencrypted:
+        return settings.include_unencrypted;
+    case inspect::Area::Eeprom:
+        return true;
+    case inspect::Area::Bootloader:
+    case inspect::Area::Outside:
+        break;
+    }
+    return false;
 }
 
 } // namespace
 
-QString misfit(const Profile& device, const QString& image, const Settings& settings,
-               const std::optional<NumberSlot>& slot)
+/// The tool takes or leaves a piece by its first address.
+QString emptiness(const Profile& device, const inspect::ImageFile& image, const Settings& settings,
+                  const std::optional<NumberSlot>& slot)
 {
-    MemoryMap map(MemoryMap::default_chunk_size);
-    if (!map.load_from_hex_file(image, device.boundaries)) {
-        return QStringLiteral("the image cannot be read as an Intel HEX file");
-    }
-    const auto& pieces = map.blobs();
+    const auto& pieces = image.image.blobs();
     if (std::none_of(pieces.begin(), pieces.end(), [&](const auto& piece) {
             return is_written(device, piece->address, settings);
         })) {
@@ -39,6 +46,25 @@ QString misfit(const Profile& device, const QString& image, const Settings& sett
         }
     }
     return {};
+}
+
+QStringList misfits(const Profile& device, const inspect::ImageFile& image)
+{
+    QStringList lines;
+    for (const inspect::Problem& problem : inspect::fit(device, image).problems) {
+        if (stops(problem)) {
+            lines << text_of(problem);
+        }
+    }
+    return lines;
+}
+
+bool has_room(const Profile& device, const inspect::ImageFile& image)
+{
+    const std::vector<inspect::AreaPiece> pieces = inspect::cut(device, image.segments);
+    return std::none_of(pieces.begin(), pieces.end(), [](const inspect::AreaPiece& piece) {
+        return piece.area == inspect::Area::Outside;
+    });
 }
 
 } // namespace gang

@@ -1,78 +1,74 @@
 #include "gang/Inputs.h"
 
 #include "gang/ArgumentError.h"
+#include "gang/CopiedFile.h"
 #include "gang/Fit.h"
 #include "gang/ImageNumber.h"
+#include "gang/Problems.h"
 #include "gang/RunRecord.h"
-#include "gang/SharedFile.h"
-#include "memory/MemoryMap.h"
 
-#include <QCryptographicHash>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace gang
 {
 
-namespace
-{
-
-QString sha256_of(const QByteArray& bytes)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-}
-
-bool write_file(const QString& path, const QByteArray& contents)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
-           file.flush();
-}
-
-} // namespace
-
 Inputs::Inputs(const Arguments& arguments, const std::vector<ToolCommand>& commands)
-    : m_slot(arguments.number_slot)
+    : m_arguments(arguments)
 {
     if (!m_scratch.isValid()) {
         throw ArgumentError(
             QStringLiteral("cannot make a scratch folder: %1").arg(m_scratch.errorString()));
     }
-    take_table(arguments);
+    m_table.emplace(arguments.table, m_scratch.filePath(QStringLiteral("table")));
+    const QSet<unsigned short> versions = versions_of(commands);
+    inspect_table(versions);
     take_images(commands);
     for (const ToolCommand& command : commands) {
-        for (const QString& problem : command.doubts()) {
-            doubt(problem);
+        doubt(command.doubts());
+        inspect_fit(command, versions);
+    }
+    if (versions.isEmpty()) {
+        inspect_room();
+    }
+}
+
+void Inputs::doubt(const QStringList& problems)
+{
+    for (const QString& problem : problems) {
+        if (!m_problems.contains(problem)) {
+            m_problems << problem;
         }
     }
-    inspect_fit(arguments, commands);
 }
 
-void Inputs::doubt(const QString& problem)
+/// The versions that the devices have, as far as that is certain; none if any may come.
+QSet<unsigned short> Inputs::versions_of(const std::vector<ToolCommand>& commands) const
 {
-    if (!m_problems.contains(problem)) {
-        m_problems << problem;
+    if (m_arguments.expected_version) {
+        return {*m_arguments.expected_version};
     }
+    QSet<unsigned short> given;
+    for (const ToolCommand& command : commands) {
+        given.insert(static_cast<unsigned short>(command.settings().bootloader_version));
+    }
+    if (!given.contains(0)) {
+        return given;
+    }
+    const std::vector<const Profile*> devices = m_table->devices();
+    return devices.size() == 1 ? QSet<unsigned short>{version_of(*devices.front())}
+                               : QSet<unsigned short>();
 }
 
-void Inputs::take_table(const Arguments& arguments)
+void Inputs::inspect_table(const QSet<unsigned short>& versions)
 {
-    QFile file(arguments.table);
-    if (!file.open(QIODevice::ReadOnly)) {
-        doubt(QStringLiteral("%1: %2").arg(arguments.table, file.errorString()));
-        return;
-    }
-    const QByteArray whole = file.readAll();
-    m_table_sha256 = sha256_of(whole);
-    m_table = arguments.expected_version ? rows_of(whole, *arguments.expected_version) : whole;
-    m_rows.emplace(*m_table);
-    for (const QString& problem : m_rows->problems()) {
-        doubt(QStringLiteral("%1: %2").arg(arguments.table, problem));
-    }
-    if (arguments.expected_version && m_rows->find(*arguments.expected_version) == nullptr) {
-        throw ArgumentError(QStringLiteral("%1 has no device with version %2")
-                                .arg(arguments.table, version_text(*arguments.expected_version)));
+    const std::optional<unsigned short>& expected = m_arguments.expected_version;
+    doubt(m_table->problems(versions, expected.has_value()));
+    if (expected && m_table->is_readable() && m_table->find(*expected) == nullptr) {
+        throw ArgumentError(QStringLiteral("%1 has no usable device with version %2")
+                                .arg(m_arguments.table, version_text(*expected)));
     }
 }
 
@@ -90,64 +86,90 @@ void Inputs::take_images(const std::vector<ToolCommand>& commands)
 /// A missing or empty file would be an empty image to the tool, written with success.
 void Inputs::take_image(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw ArgumentError(QStringLiteral("%1: %2").arg(path, file.errorString()));
-    }
-    const QByteArray contents = file.readAll();
-    const QString copy = m_scratch.filePath(
-        QStringLiteral("image-%1-%2")
-            .arg(QString::number(m_images.size() + 1), QFileInfo(path).fileName()));
-    if (file.error() != QFileDevice::NoError || !write_file(copy, contents)) {
-        throw ArgumentError(QStringLiteral("%1: cannot be copied to %2").arg(path, copy));
-    }
-    m_images.insert(path, {copy, sha256_of(contents)});
-    inspect_image(path, copy);
-}
-
-void Inputs::inspect_image(const QString& path, const QString& copy)
-{
-    MemoryMap map(MemoryMap::default_chunk_size);
-    const bool is_hex = map.load_from_hex_file(copy, {});
-    if (is_hex && map.size() == 0) {
-        throw ArgumentError(QStringLiteral("%1: holds no data").arg(path));
-    }
-    if (m_slot) {
-        const QString problem = slot_problem(copy, *m_slot);
-        if (!problem.isEmpty()) {
-            throw ArgumentError(QStringLiteral("%1: %2").arg(path, problem));
+    const QString copy = m_scratch.filePath(QStringLiteral("image-%1").arg(m_images.size() + 1));
+    const CopiedFile file(path, copy);
+    m_images.insert(path, {copy, file.sha256()});
+    for (const inspect::Problem& problem : inspect::read_image(copy, {}).problems) {
+        if (problem.code == inspect::Code::ImageWithoutData) {
+            throw ArgumentError(line_of(problem, path));
         }
-    } else if (!is_hex) {
-        doubt(QStringLiteral("%1: cannot be read as an Intel HEX file").arg(path));
+        if (stops(problem)) {
+            doubt({line_of(problem, path)});
+        }
+    }
+    const auto& slot = m_arguments.number_slot;
+    const QString problem = slot ? slot_problem(copy, *slot) : QString();
+    if (!problem.isEmpty()) {
+        throw ArgumentError(QStringLiteral("%1: %2").arg(path, problem));
     }
 }
 
 /// Looks ahead at what is certain about the device that will be there.
-void Inputs::inspect_fit(const Arguments& arguments, const std::vector<ToolCommand>& commands)
+void Inputs::inspect_fit(const ToolCommand& command, const QSet<unsigned short>& versions)
 {
-    for (const ToolCommand& command : commands) {
-        const unsigned int given = command.settings().bootloader_version;
-        std::optional<unsigned short> version = arguments.expected_version;
-        if (!version && given != 0) {
-            version = static_cast<unsigned short>(given);
-        } else if (!version && m_rows) {
-            version = m_rows->only_version();
-        }
-        const QString problem = version ? misfit(*version, command) : QString();
-        if (!problem.isEmpty()) {
-            doubt(QStringLiteral("%1: %2").arg(command.written_image(), problem));
+    for (const QString& image : command.images()) {
+        for (const unsigned short version : versions) {
+            const Profile* device = m_table->find(version);
+            if (device == nullptr) {
+                continue;
+            }
+            const Misfit& misfit = misfit_of(*device, image, command.settings());
+            for (const QString& problem : misfit.problems + QStringList{misfit.emptiness}) {
+                if (!problem.isEmpty()) {
+                    doubt({QStringLiteral("%1: %2").arg(image, problem)});
+                }
+            }
         }
     }
 }
 
+/// Looks whether an image can be for any device at all.
+void Inputs::inspect_room()
+{
+    const std::vector<const Profile*> devices = m_table->devices();
+    for (auto image = m_images.begin(); image != m_images.end() && !devices.empty(); ++image) {
+        const inspect::ImageFile file = inspect::read_image(image->copy, {});
+        if (std::none_of(devices.begin(), devices.end(),
+                         [&file](const Profile* device) { return has_room(*device, file); })) {
+            doubt({QStringLiteral("%1: no device of the table has memory for all of it")
+                       .arg(image.key())});
+        }
+    }
+}
+
+const Inputs::Misfit& Inputs::misfit_of(const Profile& device, const QString& image,
+                                        const Settings& settings) const
+{
+    const QString key = QStringLiteral("%1 %2 %3 %4")
+                            .arg(version_of(device))
+                            .arg(settings.include_encrypted)
+                            .arg(settings.include_unencrypted)
+                            .arg(image);
+    const auto known = m_misfits.constFind(key);
+    if (known != m_misfits.constEnd()) {
+        return *known;
+    }
+    const inspect::ImageFile file =
+        inspect::read_image(m_images.value(image).copy, device.boundaries);
+    Misfit misfit;
+    if (file.loads) {
+        misfit.emptiness = emptiness(device, file, settings, m_arguments.number_slot);
+        misfit.problems = misfits(device, file);
+    }
+    return *m_misfits.insert(key, misfit);
+}
+
+/// What was to be done all the same is not held against the device, as long as something was done.
 QString Inputs::misfit(unsigned short version, const ToolCommand& command) const
 {
     const QString image = command.written_image();
-    const Profile* device = m_rows ? m_rows->find(version) : nullptr;
+    const Profile* device = m_table->find(version);
     if (device == nullptr || image.isEmpty()) {
         return {};
     }
-    return gang::misfit(*device, m_images.value(image).copy, command.settings(), m_slot);
+    const Misfit& misfit = misfit_of(*device, image, command.settings());
+    const bool forced = m_arguments.force || misfit.problems.isEmpty();
+    return forced || !misfit.emptiness.isEmpty() ? misfit.emptiness : misfit.problems.first();
 }
 
 QString Inputs::folder_of(const PortNames& port) const
@@ -155,27 +177,31 @@ QString Inputs::folder_of(const PortNames& port) const
     return m_scratch.filePath(QStringLiteral("port-%1").arg(port.n));
 }
 
+QString Inputs::own_copy(const QString& folder, const QString& shared, quint64 number) const
+{
+    const QString own = folder + QLatin1Char('/') + QFileInfo(shared).fileName();
+    const auto bytes = bytes_of(number, *m_arguments.number_slot);
+    if (!bytes ||
+        !copy_with_number(shared, own, *m_arguments.number_slot, *bytes, m_table->boundaries())) {
+        throw FileError(QStringLiteral("%1: cannot be written").arg(own));
+    }
+    return own;
+}
+
 QHash<QString, QString> Inputs::furnish(const QString& folder, const ToolCommand& command,
                                         const std::optional<quint64>& number) const
 {
+    const auto& expected = m_arguments.expected_version;
     if (!QDir().mkpath(folder) ||
-        (m_table && !write_file(folder + QStringLiteral("/device.txt"), *m_table))) {
+        (m_table->is_readable() &&
+         !write_file(folder + QStringLiteral("/device.txt"),
+                     expected ? m_table->rows_of(*expected) : m_table->contents()))) {
         throw FileError(QStringLiteral("%1: cannot be furnished").arg(folder));
     }
     QHash<QString, QString> copies;
     for (const QString& image : command.images()) {
         const QString& shared = m_images.value(image).copy;
-        copies.insert(image, shared);
-        if (!number || !m_slot) {
-            continue;
-        }
-        const QString own = folder + QLatin1Char('/') + QFileInfo(shared).fileName();
-        const auto bytes = bytes_of(*number, *m_slot);
-        if (!bytes || !copy_with_number(shared, own, *m_slot, *bytes,
-                                        m_rows ? m_rows->boundaries() : QSet<unsigned int>())) {
-            throw FileError(QStringLiteral("%1: cannot be written").arg(own));
-        }
-        copies.insert(image, own);
+        copies.insert(image, number ? own_copy(folder, shared, *number) : shared);
     }
     return copies;
 }

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "gang/Arguments.h"
-#include "gang/DeviceRows.h"
+#include "gang/DeviceTable.h"
 #include "gang/ToolCommand.h"
 
 #include <QHash>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <optional>
@@ -18,13 +19,13 @@ namespace gang
 class Inputs
 {
 public:
-    /// Takes all files in. Throws ArgumentError for what no run could begin with.
+    /// Takes all files in. Throws ArgumentError or FileError for what no run could begin with.
     Inputs(const Arguments& arguments, const std::vector<ToolCommand>& commands);
 
     /// What should be put right before any device is touched, one line each.
     const QStringList& problems() const { return m_problems; }
 
-    QString table_sha256() const { return m_table_sha256; }
+    QString table_sha256() const { return m_table->sha256(); }
 
     /// In hexadecimal; of an image as the user has it.
     QString image_sha256(const QString& image) const { return m_images.value(image).sha256; }
@@ -45,20 +46,29 @@ private:
         QString sha256;
     };
 
-    void take_table(const Arguments& arguments);
+    /// What one device would not have of one image.
+    struct Misfit {
+        QString emptiness;
+        QStringList problems;
+    };
+
     void take_images(const std::vector<ToolCommand>& commands);
     void take_image(const QString& path);
-    void inspect_image(const QString& path, const QString& copy);
-    void inspect_fit(const Arguments& arguments, const std::vector<ToolCommand>& commands);
-    void doubt(const QString& problem);
+    void inspect_table(const QSet<unsigned short>& versions);
+    void inspect_fit(const ToolCommand& command, const QSet<unsigned short>& versions);
+    void inspect_room();
+    QSet<unsigned short> versions_of(const std::vector<ToolCommand>& commands) const;
+    const Misfit& misfit_of(const Profile& device, const QString& image,
+                            const Settings& settings) const;
+    QString own_copy(const QString& folder, const QString& shared, quint64 number) const;
+    void doubt(const QStringList& problems);
 
+    const Arguments& m_arguments;
     QTemporaryDir m_scratch;
-    std::optional<QByteArray> m_table; ///< nothing: it cannot be read
-    QString m_table_sha256;
-    std::optional<DeviceRows> m_rows;
-    std::optional<NumberSlot> m_slot;
+    std::optional<DeviceTable> m_table;
     QHash<QString, Image> m_images;
     QStringList m_problems;
+    mutable QHash<QString, Misfit> m_misfits; ///< those that have been worked out
 };
 
 } // namespace gang

@@ -2,8 +2,10 @@
 
 #include "gang/EventLines.h"
 #include "gang/Terminal.h"
+#include "util/Platform.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace gang
 {
@@ -19,6 +21,11 @@ constexpr const char* clear_screen = "\033[2J";
 constexpr const char* home = "\033[H";
 constexpr const char* clear_rest_of_line = "\033[K";
 constexpr const char* clear_rest = "\033[J";
+
+void write_to_terminal(const QByteArray& bytes)
+{
+    Platform::write_all(Platform::StandardStream::Output, bytes);
+}
 
 } // namespace
 
@@ -50,10 +57,8 @@ void LiveTable::resize()
 {
     const TerminalSize size = terminal_size();
     m_look = {size.columns, size.lines, !wants_no_colour()};
-    if (m_on_screen) {
-        write_to_terminal(clear_screen);
-        draw();
-    }
+    m_clears = m_on_screen;
+    draw();
 }
 
 void LiveTable::note(const RunStates& states)
@@ -97,14 +102,16 @@ double LiveTable::expected_s() const
     return *middle;
 }
 
+/// Somebody who has stopped the terminal stops no upload.
 void LiveTable::draw()
 {
-    if (m_states == nullptr) {
+    if (m_states == nullptr || !takes_output()) {
         return;
     }
     const double elapsed_s = static_cast<double>(m_since.elapsed()) / 1000.0;
     const QStringList lines = table_text(*m_states, m_look, elapsed_s, expected_s());
-    QByteArray screen(home);
+    QByteArray screen(std::exchange(m_clears, false) ? clear_screen : "");
+    screen += home;
     for (int i = 0; i < lines.size(); ++i) {
         screen += (i == 0 ? "" : "\r\n") + lines.at(i).toLocal8Bit() + clear_rest_of_line;
     }

@@ -43,6 +43,7 @@ private:
     std::vector<double> m_durations; ///< of uploads that were ok, in seconds
     QStringList m_ended;             ///< a line for each run that has ended
     bool m_on_screen = false;
+    bool m_clears = false; ///< the screen, before the next table
 };
 
 } // namespace gang

@@ -38,7 +38,15 @@ void NumberFile::take_line(const QByteArray& line)
     m_has_next = true;
 }
 
-/// Reads what others have appended. The first line may be one that a user wrote without a line end.
+/// Whether these bytes without a line end are what a gang that was killed left of the line for the
+/// next number. Anything else was written by a user and counts.
+bool NumberFile::is_torn(const QByteArray& rest) const
+{
+    const QByteArray start = QByteArray::number(m_next) + ' ';
+    return m_has_next && !rest.isEmpty() && start.startsWith(rest.left(start.size()));
+}
+
+/// Reads what others have appended.
 void NumberFile::catch_up()
 {
     m_file.require_same_file();
@@ -47,14 +55,12 @@ void NumberFile::catch_up()
     for (int end = 0; (end = added.indexOf('\n', start)) >= 0; start = end + 1) {
         take_line(added.mid(start, end - start));
     }
-    if (start < added.size()) {
-        if (m_has_next) {
-            m_file.cut(m_read + start);
-        } else {
-            m_file.end_line();
-            take_line(added.mid(start));
-            start = added.size() + 1;
-        }
+    if (is_torn(added.mid(start))) {
+        m_file.cut(m_read + start);
+    } else if (start < added.size()) {
+        m_file.end_line();
+        take_line(added.mid(start));
+        start = added.size() + 1;
     }
     m_read += start;
     if (!m_has_next) {
@@ -75,7 +81,8 @@ quint64 NumberFile::draw(const QString& to, const std::function<void(quint64)>& 
     catch_up();
     const quint64 number = m_next;
     accepts(number);
-    m_file.append(QByteArray::number(number) + ' ' + to.toUtf8());
+    m_file.append(QByteArray::number(number) + ' ' + to.simplified().toUtf8());
+    catch_up(); // so that it is known as given even if the file loses the line
     return number;
 }
 

@@ -43,6 +43,7 @@ public:
 
 private:
     void catch_up();
+    bool is_torn(const QByteArray& rest) const;
     void take_line(const QByteArray& line);
     [[noreturn]] void refuse_line(const char* reason) const;
 

@@ -7,6 +7,17 @@
 namespace gang
 {
 
+namespace
+{
+
+/// As the library for serial ports sees it.
+bool is_relative(const QString& port)
+{
+    return port.startsWith(QLatin1String("./")) || port.startsWith(QLatin1String("../"));
+}
+
+} // namespace
+
 PortNames names_of(const QString& port, int n)
 {
     QString name = port;
@@ -16,9 +27,14 @@ PortNames names_of(const QString& port, int n)
     } else {
         name = QFileInfo(port).fileName();
     }
-    const bool is_relative =
-        port.startsWith(QLatin1String("./")) || port.startsWith(QLatin1String("../"));
-    return {is_relative ? file_of_port(port) : port, name, n};
+    return {is_relative(port) ? file_of_port(port) : port, name, n};
+}
+
+/// "link/.." need not be where "link" is.
+QString absolute_name(const QString& file)
+{
+    const QString name = QDir::current().absoluteFilePath(file);
+    return name.contains(QLatin1String("..")) ? name : QDir::cleanPath(name);
 }
 
 QString file_of_port(const QString& port)
@@ -26,8 +42,8 @@ QString file_of_port(const QString& port)
     if (port.startsWith(QLatin1Char('/'))) {
         return port;
     }
-    if (port.startsWith(QLatin1Char('.'))) {
-        return QDir::cleanPath(QDir::current().absoluteFilePath(port));
+    if (is_relative(port)) {
+        return absolute_name(port);
     }
     return QStringLiteral("/dev/") + port;
 }

@@ -15,6 +15,9 @@ struct PortNames {
 /// A path that begins with "./" or "../" becomes an absolute one.
 PortNames names_of(const QString& port, int n);
 
+/// The same file, whatever the folder in which it is used.
+QString absolute_name(const QString& file);
+
 /// The file of a port; one that is named without any path is in /dev.
 QString file_of_port(const QString& port);
 

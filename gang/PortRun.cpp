@@ -141,8 +141,7 @@ void PortRun::begin_certification()
 void PortRun::launch(Step step, const QStringList& words)
 {
     m_step = step;
-    const bool has_own_log = !m_command.settings().log_file.isEmpty();
-    m_words = (has_own_log ? QStringList() : m_kept.frame_log_arguments()) + words;
+    m_words = (m_command.has_frame_log() ? QStringList() : m_kept.frame_log_arguments()) + words;
     m_settings = settings_from(m_words);
     m_state.phase = step == Step::Upload ? RunState::Phase::Running : RunState::Phase::Certifying;
     m_state.percentage = -1;

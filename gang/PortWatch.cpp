@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <iterator>
 
 namespace gang
@@ -64,17 +65,29 @@ bool PortWatch::is_ready(const QString& port)
     return since.hasExpired(longest_unready_ms);
 }
 
+/// By this name or another one.
+bool PortWatch::is_taken(const FileIdentity& identity) const
+{
+    const auto is_same = [&identity](const FileIdentity& other) {
+        return other.is_same_node(identity);
+    };
+    return std::any_of(m_announced.begin(), m_announced.end(), is_same) ||
+           std::any_of(m_in_use.begin(), m_in_use.end(), is_same);
+}
+
 void PortWatch::look()
 {
     const QStringList present = files_matching(m_pattern);
     forget_absent(present);
     for (const QString& port : present) {
-        if (m_announced.contains(port) || m_in_use.contains(port) || !is_ready(port)) {
+        const FileIdentity identity = identity_of(port);
+        if (!identity.exists() || m_in_use.contains(port) || is_taken(identity) ||
+            !is_ready(port)) {
             continue;
         }
-        m_announced.insert(port, identity_of(port));
+        m_announced.insert(port, identity);
         m_unready.remove(port);
-        m_in_use.insert(port);
+        m_in_use.insert(port, identity);
         Q_EMIT appeared(port);
     }
 }

@@ -6,14 +6,13 @@
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QObject>
-#include <QSet>
 #include <QTimer>
 
 namespace gang
 {
 
-/// Waits for ports that match a pattern. Each port is announced once, and again when it has gone
-/// and come back.
+/// Waits for ports that match a pattern. Each port is announced once, by one of its names, and
+/// again when it has gone and come back.
 class PortWatch : public QObject
 {
     Q_OBJECT
@@ -34,12 +33,13 @@ private:
     void look();
     void forget_absent(const QStringList& present);
     bool is_ready(const QString& port);
+    bool is_taken(const FileIdentity& identity) const;
 
     QString m_pattern;
     QFileSystemWatcher m_watcher;
     QTimer m_timer;
     QHash<QString, FileIdentity> m_announced;
-    QSet<QString> m_in_use;
+    QHash<QString, FileIdentity> m_in_use;
     QHash<QString, QElapsedTimer> m_unready; ///< since when ports are there that cannot be opened
 };
 

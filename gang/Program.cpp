@@ -3,10 +3,11 @@
 #include "gang/Arguments.h"
 #include "gang/ReportCommand.h"
 #include "gang/Session.h"
+#include "util/Platform.h"
+#include "util/ProcessSetup.h"
 
 #include <QCoreApplication>
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -44,14 +45,15 @@ int run(const QStringList& command_line)
 
 int run_program(int argc, char** argv)
 {
+    Platform::occupy_standard_descriptors();
+    // Who reads the events may go; the uploads, and their record, go on.
+    Platform::set_up_signals();
     // The end of every process and each of its lines wakes the dispatcher; the plain one is
     // cheaper.
     qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zserial-gang"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZSERIAL_VERSION));
-    // Who reads the events may go; the uploads, and their record, go on.
-    std::signal(SIGPIPE, SIG_IGN);
     try {
         return run(QCoreApplication::arguments());
     } catch (const std::exception& failure) {

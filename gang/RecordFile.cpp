@@ -5,11 +5,33 @@
 namespace gang
 {
 
+namespace
+{
+
+/// While one run is recorded.
+constexpr int most_replacements = 100;
+
+} // namespace
+
+RecordFile::RecordFile(const QString& path) : m_path(path)
+{
+    const SharedFile file(path, SharedFile::Missing::Create);
+}
+
+/// The file is opened anew for each line: whoever stores it away by another name, or removes it,
+/// takes no later line with it.
 void RecordFile::append(const RunRecord& record)
 {
     const QByteArray line = QJsonDocument(json_of(record)).toJson(QJsonDocument::Compact);
-    const SharedFile::Lock lock(m_file);
-    m_file.append(line);
+    for (int i = 0; i < most_replacements; ++i) {
+        SharedFile file(m_path, SharedFile::Missing::Create);
+        const SharedFile::Lock lock(file);
+        if (file.has_its_name()) {
+            file.append(line);
+            return;
+        }
+    }
+    throw FileError(QStringLiteral("%1: is replaced again and again").arg(m_path));
 }
 
 } // namespace gang

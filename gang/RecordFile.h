@@ -10,14 +10,14 @@ namespace gang
 class RecordFile
 {
 public:
-    /// Throws FileError.
-    explicit RecordFile(const QString& path) : m_file(path, SharedFile::Missing::Create) {}
+    /// Makes the file if there is none. Throws FileError if it cannot be opened.
+    explicit RecordFile(const QString& path);
 
     /// Returns once the line is on the disk; throws FileError if it is not.
     void append(const RunRecord& record);
 
 private:
-    SharedFile m_file;
+    QString m_path;
 };
 
 } // namespace gang

@@ -1,5 +1,6 @@
 #include "gang/RecordReader.h"
 
+#include "gang/SerialNumber.h"
 #include "gang/SharedFile.h"
 
 #include <QFile>
@@ -13,9 +14,12 @@ namespace gang
 namespace
 {
 
-quint64 number_from(const QJsonValue& value)
+/// Nothing if it is none that a gang gives out.
+std::optional<quint64> number_from(const QJsonValue& value)
 {
-    return static_cast<quint64>(value.toDouble());
+    const double number = value.toDouble(-1);
+    const bool is_given = number >= 0 && number <= static_cast<double>(largest_number);
+    return is_given ? std::optional(static_cast<quint64>(number)) : std::nullopt;
 }
 
 /// A line counts if it says at least how the run ended.
@@ -32,12 +36,11 @@ std::optional<RecordedRun> run_from(const QByteArray& line)
     run.port = json.value(QStringLiteral("port")).toString();
     run.seconds = json.value(QStringLiteral("seconds")).toDouble();
     run.tries = json.value(QStringLiteral("tries")).toInt(1);
-    const QString number = QStringLiteral("number");
-    if (json.contains(number)) {
-        run.number = number_from(json.value(number));
-    }
+    run.number = number_from(json.value(QStringLiteral("number")));
     for (const QJsonValue& value : json.value(QStringLiteral("void_numbers")).toArray()) {
-        run.void_numbers.push_back(number_from(value));
+        if (const auto number = number_from(value)) {
+            run.void_numbers.push_back(*number);
+        }
     }
     return run;
 }

@@ -4,11 +4,9 @@
 #include "gang/OptionParser.h"
 #include "gang/Report.h"
 #include "gang/Session.h"
+#include "util/Platform.h"
 
-#include <QFile>
 #include <QJsonDocument>
-
-#include <unistd.h>
 
 namespace gang
 {
@@ -43,10 +41,8 @@ QByteArray printed(const Report& report, const OptionParser& parser)
 
 int print(const QByteArray& bytes)
 {
-    QFile out;
-    const bool printed = out.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                         out.write(bytes) == bytes.size();
-    if (!printed) {
+    if (Platform::write_all(Platform::StandardStream::Output, bytes) !=
+        Platform::WriteOutcome::Complete) {
         throw FileError(QStringLiteral("the report cannot be written"));
     }
     return ExitAllOk;

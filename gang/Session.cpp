@@ -102,11 +102,13 @@ void Session::prepare_numbers()
 
 int Session::run()
 {
+    // From here on nothing waits for anybody, and a stop is asked of the uploads.
+    m_signals.emplace();
     m_display = display_for(m_arguments);
     m_crew = std::make_unique<Crew>(*m_assignment, m_record ? &*m_record : nullptr, *m_display);
-    connect(&m_signals, &Signals::stop_requested, this, &Session::take_stop);
+    connect(&*m_signals, &Platform::SignalEvents::stop_requested, this, &Session::take_stop);
     if (auto* table = dynamic_cast<LiveTable*>(m_display.get())) {
-        connect(&m_signals, &Signals::terminal_resized, table, &LiveTable::resize);
+        connect(&*m_signals, &Platform::SignalEvents::terminal_resized, table, &LiveTable::resize);
     }
     connect(m_crew.get(), &Crew::became_idle, this, &Session::end_if_idle);
     connect(m_crew.get(), &Crew::troubled, this,

@@ -8,7 +8,7 @@
 #include "gang/NumberFile.h"
 #include "gang/PortWatch.h"
 #include "gang/RecordFile.h"
-#include "gang/Signals.h"
+#include "util/SignalEvents.h"
 
 #include <QObject>
 
@@ -41,8 +41,8 @@ private:
     int status() const;
 
     const Arguments& m_arguments;
-    Signals m_signals;
     Inputs m_inputs;
+    std::optional<Platform::SignalEvents> m_signals;
     std::optional<NumberFile> m_numbers;
     std::optional<RecordFile> m_record;
     std::unique_ptr<Display> m_display;

@@ -50,10 +50,18 @@ void SharedFile::fail(const QString& reason) const
 
 QByteArray SharedFile::read_from(qint64 position)
 {
+    const qint64 size = m_file.size();
+    if (size < position) {
+        fail(QStringLiteral("was cut short while in use"));
+    }
     if (!m_file.seek(position)) {
         fail(m_file.errorString());
     }
-    return m_file.readAll();
+    QByteArray bytes = m_file.readAll();
+    if (bytes.size() != size - position) {
+        fail(QStringLiteral("cannot be read: %1").arg(m_file.errorString()));
+    }
+    return bytes;
 }
 
 bool SharedFile::ends_in_mid_line()
@@ -94,9 +102,14 @@ void SharedFile::cut(qint64 position)
     }
 }
 
+bool SharedFile::has_its_name() const
+{
+    return identity_of(m_path).is_same_node(identity_of(m_file));
+}
+
 void SharedFile::require_same_file() const
 {
-    if (!identity_of(m_path).is_same_node(identity_of(m_file))) {
+    if (!has_its_name()) {
         fail(QStringLiteral("was replaced or removed while in use"));
     }
 }

@@ -42,7 +42,8 @@ public:
 
     const QString& path() const { return m_path; }
 
-    /// All of it from a position on. Needs the lock.
+    /// All of it from a position on. Throws FileError, also if there is less by now. Needs the
+    /// lock.
     QByteArray read_from(qint64 position);
 
     /// Appends a line, given without its line end, and returns once it is on the disk. What a
@@ -55,6 +56,8 @@ public:
     void cut(qint64 position);
     /// Ends a last line that has no line end. Needs the lock.
     void end_line();
+    /// The name still leads to this file.
+    bool has_its_name() const;
     /// Throws FileError if the name leads to another file by now, or to none.
     void require_same_file() const;
 

@@ -1,6 +1,10 @@
 #include "gang/Terminal.h"
 
-#include <cerrno>
+#include "util/Platform.h"
+
+#include <QByteArray>
+
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -10,7 +14,8 @@ namespace gang
 bool has_terminal()
 {
     const QByteArray kind = qgetenv("TERM");
-    return ::isatty(STDOUT_FILENO) == 1 && !kind.isEmpty() && kind != "dumb";
+    return Platform::is_terminal(Platform::StandardStream::Output) && !kind.isEmpty() &&
+           kind != "dumb";
 }
 
 bool wants_no_colour()
@@ -27,17 +32,10 @@ TerminalSize terminal_size()
     return {size.ws_col, size.ws_row};
 }
 
-void write_to_terminal(const QByteArray& bytes)
+bool takes_output()
 {
-    int written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::write(STDOUT_FILENO, bytes.constData() + written,
-                                      static_cast<std::size_t>(bytes.size() - written));
-        if (count < 0 && errno != EINTR) {
-            return;
-        }
-        written += count > 0 ? static_cast<int>(count) : 0;
-    }
+    pollfd entry{STDOUT_FILENO, POLLOUT, 0};
+    return ::poll(&entry, 1, 0) > 0;
 }
 
 } // namespace gang

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QByteArray>
-
 namespace gang
 {
 
@@ -15,7 +13,7 @@ bool has_terminal();
 /// The user has asked for no colours.
 bool wants_no_colour();
 TerminalSize terminal_size();
-/// Writes to standard output at once and as a whole. Nobody reading any more is no error.
-void write_to_terminal(const QByteArray& bytes);
+/// Standard output takes something now; nobody has stopped it, and its reader keeps up.
+bool takes_output();
 
 } // namespace gang

@@ -4,8 +4,6 @@
 #include "app/Options.h"
 #include "gang/ArgumentError.h"
 
-#include <QDir>
-
 #include <algorithm>
 #include <optional>
 
@@ -28,11 +26,6 @@ void stop_at(const std::optional<Failure>& failure)
     }
 }
 
-QString absolute(const QString& file)
-{
-    return QDir::cleanPath(QDir::current().absoluteFilePath(file));
-}
-
 } // namespace
 
 Settings settings_from(const QStringList& words)
@@ -52,13 +45,17 @@ ToolCommand::ToolCommand(const QStringList& arguments, const PortNames& port) : 
 
 void ToolCommand::take_words(const QStringList& arguments)
 {
-    for (int i = 0; i < arguments.size(); ++i) {
-        const command_line::Option* option = command_line::find_option(arguments.at(i));
+    QStringList expanded;
+    for (const QString& argument : arguments) {
+        expanded << expand(argument, m_port);
+    }
+    for (int i = 0; i < expanded.size(); ++i) {
+        const command_line::Option* option = command_line::find_option(expanded.at(i));
         if (option == nullptr) {
-            m_words.push_back({expand(arguments.at(i), m_port), Role::Unknown});
+            m_words.push_back({expanded.at(i), Role::Unknown});
             continue;
         }
-        take_option(arguments.mid(i, 1 + option->arguments));
+        take_option(expanded.mid(i, 1 + option->arguments));
         i += option->arguments;
     }
 }
@@ -77,12 +74,12 @@ void ToolCommand::take_option(const QStringList& own_words)
     }
     m_words.push_back({option, Role::Option});
     for (int i = 1; i < own_words.size(); ++i) {
-        m_words.push_back({expand(own_words.at(i), m_port), Role::Value});
+        m_words.push_back({own_words.at(i), Role::Value});
     }
     if (files.contains(option) && own_words.size() > 1) {
         Word& file = m_words.back();
         file.role = files.value(option);
-        file.text = file.text.isEmpty() ? file.text : absolute(file.text);
+        file.text = file.text.isEmpty() ? file.text : absolute_name(file.text);
     }
 }
 
@@ -120,6 +117,12 @@ QString ToolCommand::written_image() const
 QString ToolCommand::read_file() const
 {
     return m_settings.write_and_verify_wanted ? QString() : m_settings.read_file;
+}
+
+bool ToolCommand::has_frame_log() const
+{
+    return std::any_of(m_words.begin(), m_words.end(),
+                       [](const Word& word) { return word.role == Role::FrameLog; });
 }
 
 QStringList ToolCommand::outputs() const

@@ -30,6 +30,8 @@ public:
     QString written_image() const;
     /// The file of a read; empty if there is none.
     QString read_file() const;
+    /// Whether it is asked for a frame log, be it one without a name.
+    bool has_frame_log() const;
     /// The files that it writes on this machine: that of a read, and the frame log.
     QStringList outputs() const;
 

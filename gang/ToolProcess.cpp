@@ -1,5 +1,7 @@
 #include "gang/ToolProcess.h"
 
+#include "util/ProcessSetup.h"
+
 #include <QProcessEnvironment>
 
 #include <csignal>
@@ -10,6 +12,8 @@ namespace gang
 
 namespace
 {
+
+constexpr int look_ms = 200;
 
 /// Without the settings that make Qt's debug channel look different, or go elsewhere.
 QProcessEnvironment environment()
@@ -26,9 +30,7 @@ QProcessEnvironment environment()
 
 void ToolProcess::Child::setupChildProcess()
 {
-    sigset_t none;
-    sigemptyset(&none);
-    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
+    Platform::restore_signals();
     ::setpgid(0, 0);
 }
 
@@ -36,13 +38,13 @@ ToolProcess::ToolProcess()
 {
     m_process.setProcessEnvironment(environment());
     m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.setStandardOutputFile(m_pipe.writer());
     m_limit.setSingleShot(true);
     connect(&m_limit, &QTimer::timeout, this, [this] {
         kill(ToolEnd::How::TimedOut,
              QStringLiteral("did not end within %1 s").arg(m_limit.interval() / 1000.0));
     });
-    connect(&m_process, &QProcess::readyReadStandardOutput, this, &ToolProcess::take_output);
-    connect(&m_process, &QProcess::readyReadStandardError, this, &ToolProcess::take_output);
+    connect(&m_look, &QTimer::timeout, this, &ToolProcess::take_output);
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &ToolProcess::report_end);
     connect(&m_process, &QProcess::errorOccurred, this, &ToolProcess::report_error);
@@ -51,7 +53,7 @@ ToolProcess::ToolProcess()
 ToolProcess::~ToolProcess()
 {
     m_process.disconnect(this);
-    m_process.kill();
+    kill_all();
     m_process.waitForFinished();
 }
 
@@ -59,7 +61,9 @@ void ToolProcess::start(const QString& program, const QStringList& arguments, co
                         int limit_ms)
 {
     m_process.setWorkingDirectory(folder);
+    m_look.start(look_ms);
     m_process.start(program, arguments, QIODevice::ReadOnly);
+    m_pipe.close_writer();
     if (limit_ms > 0) {
         m_limit.start(limit_ms);
     }
@@ -70,24 +74,38 @@ void ToolProcess::stop()
     kill(ToolEnd::How::Stopped, QStringLiteral("ended by the user"));
 }
 
+/// The tool may be a script that runs the real one. The group is not there yet for an instant after
+/// the start.
+void ToolProcess::kill_all()
+{
+    if (m_process.processId() > 0) {
+        ::kill(static_cast<pid_t>(-m_process.processId()), SIGKILL);
+    }
+    m_process.kill();
+}
+
 /// A process that has ended before the signal reaches it is judged by its own end.
 void ToolProcess::kill(ToolEnd::How how, const QString& reason)
 {
     m_end.how = how;
     m_end.reason = reason;
-    m_process.kill();
+    kill_all();
 }
 
 void ToolProcess::take_output()
 {
-    m_out.add(m_process.readAllStandardOutput());
+    const QByteArray printed_now = m_pipe.take();
     m_err += m_process.readAllStandardError();
-    Q_EMIT printed();
+    if (!printed_now.isEmpty()) {
+        m_out.add(printed_now);
+        Q_EMIT printed();
+    }
 }
 
 void ToolProcess::report_end(int code, QProcess::ExitStatus status)
 {
     m_limit.stop();
+    m_look.stop();
     take_output();
     m_end.code = code;
     m_end.out = m_out.text();
@@ -104,6 +122,7 @@ void ToolProcess::report_error(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart) {
         m_limit.stop();
+        m_look.stop();
         m_end.how = ToolEnd::How::NotStarted;
         m_end.reason =
             QStringLiteral("cannot start %1: %2").arg(m_process.program(), m_process.errorString());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gang/ConsoleText.h"
+#include "gang/OutputPipe.h"
 #include "gang/ToolEnd.h"
 
 #include <QObject>
@@ -46,11 +47,14 @@ private:
     };
 
     void kill(ToolEnd::How how, const QString& reason);
+    void kill_all();
     void take_output();
     void report_end(int code, QProcess::ExitStatus status);
     void report_error(QProcess::ProcessError error);
 
     Child m_process;
+    OutputPipe m_pipe;
+    QTimer m_look; ///< at what it has printed
     QTimer m_limit;
     ConsoleText m_out;
     QByteArray m_err;

@@ -27,7 +27,7 @@ MARKER = ".files-of-reliability"  # marks a folder whose content may be removed
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", type=pathlib.Path, default=SOURCE / "build/release",
-                        help="the folder of zserial and zserial-sim")
+                        help="the folder of zserial, zserial-sim and zserial-gang")
     parser.add_argument("--folder", type=pathlib.Path, default=SOURCE / "build/reliability",
                         help="where runs leave their files; emptied at the start if an earlier"
                         " campaign left it, refused if it holds anything else")
@@ -53,7 +53,8 @@ class Campaign:
     def __init__(self, arguments):
         self.arguments = arguments
         build = arguments.programs.resolve()
-        self.programs = runs.Programs(str(build / "zserial"), str(build / "zserial-sim"))
+        self.programs = runs.Programs(*(str(build / name) for name in
+                                        ("zserial", "zserial-sim", "zserial-gang")))
         self.folder = arguments.folder.resolve()
         self.circumstances = conditions.text(SOURCE)
         self.complaints = []  # about the tool or the campaign itself

@@ -8,5 +8,5 @@ cd "$(dirname "$0")/.."
 
 install_packages "${build_packages[@]}" "${test_packages[@]}"
 cmake --preset release
-cmake --build --preset release --target zserial zserial-sim
+cmake --build --preset release --target zserial zserial-sim zserial-gang
 exec python3 scripts/reliability.py "$@"

@@ -31,7 +31,7 @@ shift 2
 mkdir -p "$results"
 
 # Runs in a shell of its own for each station: pushes the files, runs the gang, fetches the record.
-# The record comes back whatever became of the devices, and the folder on the station goes.
+# The record comes back whatever became of the devices; then the folder on the station goes.
 program_station() {
     local words host ports remote status=0
     read -ra words <<<"$1"
@@ -40,9 +40,10 @@ program_station() {
     remote=$("$SSH" "$host" 'mktemp -d') || return 1
     tar -cf - -C "$FILES" firmware.hex device.txt |
         "$SSH" "$host" "tar -xf - -C $remote" || return 1
-    "$SSH" "$host" "cd $remote && zserial-gang --record record.jsonl --station $host \
+    "$SSH" "$host" "cd $remote && : >record.jsonl && zserial-gang --record record.jsonl --station $host \
         $OPTIONS ${ports[*]@Q} -- $OPERATION firmware.hex $ARGUMENTS" || status=1
-    "$SSH" "$host" "cat $remote/record.jsonl; rm -r $remote" >>"$RESULTS/$host.jsonl" || status=1
+    "$SSH" "$host" "cat $remote/record.jsonl" >>"$RESULTS/$host.jsonl" || return 1
+    "$SSH" "$host" "rm -r $remote" || status=1
     return "$status"
 }
 export -f program_station

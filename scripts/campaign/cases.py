@@ -68,6 +68,7 @@ CASES = [
           procedures.WRITE_THEN_VERIFY, End.ERROR, None, ("--write-ms", "200"), quick=True),
     _case("row-write", ROW, "alter-request@3", procedures.WRITE, End.FALSE_SUCCESS, Cause.REQUEST),
     _case("row-write-verify", ROW, "alter-request@3", procedures.WRITE_THEN_VERIFY, End.ERROR),
+    _case("row-certified", ROW, "alter-request@3", procedures.CERTIFIED, End.ERROR),
     _case("row-write-and-verify", ROW, "alter-request@3", procedures.WRITE_AND_VERIFY, End.ERROR),
     _case("eeprom-write-and-verify", EEPROM, "alter-request@31",
           procedures.WRITE_AND_VERIFY, End.FALSE_SUCCESS, Cause.REQUEST),
@@ -81,6 +82,7 @@ CASES = [
           End.ERROR),
     Case("version-write-verify", VERSION, STARTING, procedures.ASK_WRITE_VERIFY, End.FALSE_SUCCESS,
          Cause.PROFILE, seed=49),
+    Case("version-certified", VERSION, STARTING, procedures.ASK_CERTIFIED, End.ERROR, seed=49),
     Case("version-given-write-verify", VERSION, STARTING, procedures.WRITE_THEN_VERIFY, End.RIGHT,
          seed=49),
 ]

@@ -86,3 +86,17 @@ READ_TWICE = Procedure(
 ASK = "{zserial} -x frames.log "
 ASK_WRITE_VERIFY = Procedure("write, verify without -B", (ASK + "-e -w image.hex -v image.hex",),
                              _not_written, _anything, passes=2)
+
+
+def _certified(options):
+    """What zserial-gang and every zserial print, and the status of zserial-gang."""
+    return ("{gang} --certify --keep logs -- " + options + "-x frames.log -e -w image.hex;"
+            " status=$?; cat logs/*/console.txt; exit $status",)
+
+
+# A run that is not ok has one line with its verdict and ends with status 1.
+NOT_OK = re.compile(r"^1 run: 1 (?!ok)[a-z-]+, ", re.MULTILINE)
+CERTIFIED = Procedure("certified", _certified("-B " + device.VERSION + " "), _not_written,
+                      _anything, passes=2, failure=NOT_OK)
+ASK_CERTIFIED = Procedure("certified without -B", _certified(""), _not_written, _anything,
+                          passes=2, failure=NOT_OK)

@@ -20,6 +20,7 @@ ALL_IS_WELL, COMMAND_FAILED = 0, 3  # of the simulator's statuses
 class Programs:
     zserial: str
     simulator: str
+    gang: str
 
 
 @dataclasses.dataclass
@@ -73,7 +74,9 @@ class Outcome:
 
 def arguments_of(run, programs):
     """The simulator's command line, with the procedure's within it."""
-    steps = " && ".join(step.format(zserial=f"{shlex.quote(programs.zserial)} -s \"$0\"")
+    zserial = shlex.quote(programs.zserial)
+    gang = f"{shlex.quote(programs.gang)} --zserial {zserial} \"$0\""
+    steps = " && ".join(step.format(zserial=f"{zserial} -s \"$0\"", gang=gang)
                         for step in run.procedure.steps)
     return [programs.simulator, "--table", "device.txt", "--device", device.VERSION,
             "--memory", "before.hex", "--save", "after.hex", "--trace", "trace.txt",

@@ -1,13 +1,13 @@
 #include "sim/program/CommandRunner.h"
 
-#include "sim/program/ProcessSetup.h"
+#include "util/ProcessSetup.h"
 
 namespace sim
 {
 
 void CommandRunner::Process::setupChildProcess()
 {
-    restore_signals();
+    Platform::restore_signals();
 }
 
 CommandRunner::CommandRunner(const QStringList& command, const QString& port_path)

@@ -1,12 +1,10 @@
 #include "sim/program/FileClash.h"
 
-#include <QDir>
-#include <QFile>
+#include "util/FileNames.h"
+
 #include <QFileInfo>
-#include <QStringList>
 
 #include <algorithm>
-#include <sys/stat.h>
 
 namespace sim
 {
@@ -14,52 +12,23 @@ namespace sim
 namespace
 {
 
-/// More than anybody links one to the other; also the end of links that lead in a circle.
-constexpr int longest_chain = 40;
-
-/// The path without links in its folders, whether the file is there or not.
-QString place_of(const QString& path)
+/// Whatever isn't there yet will be a regular file.
+bool keeps_nothing(const QString& path)
 {
     const QFileInfo file(path);
-    const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
-    return QDir(folder.isEmpty() ? file.absolutePath() : folder).filePath(file.fileName());
-}
-
-/// The path and what it leads to from link to link; the last is where writing would end, whether
-/// the file is there or not.
-QStringList chain_of(const QString& path)
-{
-    QStringList places = {place_of(path)};
-    while (places.size() < longest_chain && QFileInfo(places.last()).isSymLink()) {
-        places.append(place_of(QFileInfo(places.last()).symLinkTarget()));
-    }
-    return places;
-}
-
-std::optional<struct stat> status_of(const QString& path)
-{
-    struct stat status {
-    };
-
-    const bool exists = ::stat(QFile::encodeName(path).constData(), &status) == 0;
-    return exists ? std::optional(status) : std::nullopt;
+    return file.exists() && !file.isFile();
 }
 
 bool are_one_file(const NamedFile& one, const NamedFile& other)
 {
     if (one.use == NamedFile::Use::Linked) {
-        return chain_of(other.path).contains(place_of(one.path));
+        return Platform::link_chain(other.path).contains(Platform::place_of(one.path));
     }
     if (other.use == NamedFile::Use::Linked) {
         return are_one_file(other, one);
     }
-    const auto status = status_of(one.path);
-    const auto other_status = status_of(other.path);
-    if (status && other_status) {
-        return S_ISREG(status->st_mode) && status->st_dev == other_status->st_dev &&
-               status->st_ino == other_status->st_ino;
-    }
-    return chain_of(one.path).last() == chain_of(other.path).last();
+    return !keeps_nothing(one.path) &&
+           Platform::file_key(one.path) == Platform::file_key(other.path);
 }
 
 bool clash(const NamedFile& one, const NamedFile& other)

@@ -88,7 +88,7 @@ Session::Session(const Arguments& arguments)
     }
     m_quiet.setSingleShot(true);
     connect(&m_quiet, &QTimer::timeout, this, &Session::leave_when_quiet);
-    connect(&*m_signals, &StopSignals::stop_requested, this, &Session::stop);
+    connect(&*m_signals, &Platform::SignalEvents::stop_requested, this, &Session::stop);
     // Last, for it empties its file.
     if (!arguments.trace.isEmpty()) {
         for_option("--trace", [&] { m_rig->start_trace(arguments.trace); });

@@ -10,8 +10,8 @@
 #include "sim/program/DeviceTable.h"
 #include "sim/program/PortLink.h"
 #include "sim/program/StateFile.h"
-#include "sim/program/StopSignals.h"
 #include "sim/rig/MemoryImage.h"
+#include "util/SignalEvents.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -67,7 +67,7 @@ private:
     std::optional<Rig> m_rig;
     std::optional<StateFile> m_state;
     std::optional<MemoryImage> m_expected;
-    std::optional<StopSignals> m_signals;
+    std::optional<Platform::SignalEvents> m_signals;
     std::unique_ptr<PortLink> m_link;
     std::unique_ptr<CommandRunner> m_command;
     QTimer m_quiet;

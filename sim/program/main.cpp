@@ -1,7 +1,7 @@
 #include "sim/program/Console.h"
-#include "sim/program/ProcessSetup.h"
 #include "sim/program/Session.h"
 #include "util/Platform.h"
+#include "util/ProcessSetup.h"
 
 #include <QCoreApplication>
 
@@ -41,7 +41,7 @@ int run(const sim::Arguments& arguments)
 int main(int argc, char** argv)
 {
     Platform::occupy_standard_descriptors();
-    sim::set_up_signals();
+    Platform::set_up_signals();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zserial-sim"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZSERIAL_VERSION));

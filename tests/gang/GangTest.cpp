@@ -94,13 +94,16 @@ std::ostream& operator<<(std::ostream& stream, const GangResult& result)
                   << result.err.constData();
 }
 
-GangProcess::GangProcess(const QString& folder, const QStringList& arguments)
+GangProcess::GangProcess(const QString& folder, const QStringList& arguments, const QString& setup)
 {
     m_process.setWorkingDirectory(folder);
     m_process.setProcessEnvironment(environment(folder));
     const bool is_report = arguments.value(0) == QLatin1String("report");
-    m_process.start(QStringLiteral(ZSERIAL_GANG_PROGRAM),
-                    (is_report ? QStringList() : words("--zserial " ZSERIAL_PROGRAM)) + arguments);
+    m_process.start(
+        QStringLiteral("bash"),
+        QStringList{QStringLiteral("-c"), setup + QStringLiteral("; exec \"$0\" \"$@\""),
+                    QStringLiteral(ZSERIAL_GANG_PROGRAM)} +
+            (is_report ? QStringList() : words("--zserial " ZSERIAL_PROGRAM)) + arguments);
     EXPECT_TRUE(m_process.waitForStarted(longest_run_ms)) << ZSERIAL_GANG_PROGRAM;
 }
 
@@ -162,6 +165,14 @@ void GangTest::give_file(const char* data, const QString& name) const
     QFile source(QStringLiteral(GANG_TEST_DATA "/") + QLatin1String(data));
     ASSERT_TRUE(source.open(QIODevice::ReadOnly)) << data;
     put_file(name, source.readAll());
+}
+
+QString GangTest::put_tool(const QByteArray& script) const
+{
+    const QString name = QStringLiteral("tool.sh");
+    put_file(name, "#!/bin/bash\nZSERIAL=" ZSERIAL_PROGRAM "\n" + script);
+    EXPECT_TRUE(QFile::setPermissions(path(name), QFile::ReadOwner | QFile::ExeOwner));
+    return path(name);
 }
 
 QByteArray GangTest::file(const QString& name) const

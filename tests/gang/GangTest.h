@@ -56,7 +56,9 @@ std::ostream& operator<<(std::ostream& stream, const GangResult& result);
 class GangProcess
 {
 public:
-    GangProcess(const QString& folder, const QStringList& arguments);
+    /// `setup`: what a shell does before it becomes the gang.
+    GangProcess(const QString& folder, const QStringList& arguments,
+                const QString& setup = QStringLiteral(":"));
     ~GangProcess();
 
     qint64 id() const { return m_process.processId(); }
@@ -87,6 +89,8 @@ protected:
 
     void put_file(const QString& name, const QByteArray& contents) const;
     void give_file(const char* data, const QString& name) const;
+    /// A shell script to run in place of the tool, which it finds as $ZSERIAL.
+    QString put_tool(const QByteArray& script) const;
     QByteArray file(const QString& name) const;
     /// The lines of a record that are JSON.
     std::vector<QJsonObject> record(const QString& name = QStringLiteral("record.jsonl")) const;

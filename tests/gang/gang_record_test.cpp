@@ -3,6 +3,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 
 #include <csignal>
@@ -66,6 +67,18 @@ TEST_F(GangRecord, GoesOnAfterATornLine)
     EXPECT_TRUE(file(QStringLiteral("record.jsonl")).startsWith("{\"torn\n{"));
 }
 
+TEST_F(GangRecord, IsBegunAnewIfItIsStoredAway)
+{
+    const auto silent = device("--entry silent");
+    GangProcess gang(folder(),
+                     QStringList{silent->port()} + words("--record record.jsonl -- -wv image.hex"));
+    ASSERT_TRUE(gang.has_printed("started"));
+    ASSERT_TRUE(QFile::rename(path(QStringLiteral("record.jsonl")), path(QStringLiteral("old"))));
+    EXPECT_EQ(gang.result().status, 1);
+    EXPECT_EQ(record().size(), 1U);
+    EXPECT_EQ(file(QStringLiteral("old")).size(), 0);
+}
+
 TEST_F(GangRecord, WithoutItNoDeviceIsOk)
 {
     const auto simulated = device();
@@ -124,6 +137,14 @@ TEST_F(GangKeep, CanBeOfFailuresOnly)
     EXPECT_EQ(text(result.last("end", good->port()), "log"), "");
     EXPECT_THAT(text(result.last("end", bad->port()), "log"),
                 testing::EndsWith(kept().first().toStdString()));
+}
+
+TEST_F(GangKeep, TakesAFrameLogWithoutANameAsNone)
+{
+    const auto simulated = device();
+    const GangResult result = run(QStringList{simulated->port()} +
+                                  words("--keep logs -- -B 0102 -e -x") + QStringList{{}});
+    EXPECT_EQ(result.status, 0) << result;
 }
 
 TEST_F(GangKeep, LeavesTheUsersOwnFrameLogAlone)

@@ -1,7 +1,10 @@
 #include "tests/gang/GangTest.h"
 #include "tests/support/RowName.h"
 
+#include <QDir>
 #include <QFile>
+
+#include <unistd.h>
 
 using namespace test;
 
@@ -22,6 +25,30 @@ std::ostream& operator<<(std::ostream& stream, const RefusalCase& row)
 
 class GangRefusal : public GangTest, public testing::WithParamInterface<RefusalCase>
 {
+protected:
+    void put_images() const
+    {
+        const QByteArray image = file(QStringLiteral("image.hex"));
+        put_file(QStringLiteral("joined.hex"), image + image);
+        put_file(QStringLiteral("cut.hex"), image.left(image.lastIndexOf(':')));
+        give_file("elsewhere.hex", QStringLiteral("elsewhere.hex"));
+        const int end = image.lastIndexOf(':');
+        put_file(QStringLiteral("partly.hex"),
+                 image.left(end) + file(QStringLiteral("elsewhere.hex")));
+    }
+
+    /// Names by which two ports, a and b, would write one file.
+    void put_links() const
+    {
+        ASSERT_TRUE(QDir(folder()).mkdir(QStringLiteral("a")));
+        ASSERT_TRUE(QFile::link(QStringLiteral("a"), path(QStringLiteral("b"))));
+        ASSERT_TRUE(QFile::link(QStringLiteral("c.log"), path(QStringLiteral("a.log"))));
+        ASSERT_TRUE(QFile::link(QStringLiteral("c.log"), path(QStringLiteral("b.log"))));
+        put_file(QStringLiteral("a.hex"), {});
+        ASSERT_EQ(::link(QFile::encodeName(path(QStringLiteral("a.hex"))).constData(),
+                         QFile::encodeName(path(QStringLiteral("b.hex"))).constData()),
+                  0);
+    }
 };
 
 TEST_P(GangRefusal, StartsNothing)
@@ -30,6 +57,8 @@ TEST_P(GangRefusal, StartsNothing)
     give_file("bad_checksum.hex", QStringLiteral("bad_checksum.hex"));
     give_file("bad_device.txt", QStringLiteral("bad_device.txt"));
     put_file(QStringLiteral("numbers"), "70000\n");
+    put_images();
+    put_links();
     const GangResult result =
         run(words("--json --record record.jsonl") + words(GetParam().arguments));
     EXPECT_EQ(result.status, 2) << result;
@@ -57,6 +86,12 @@ const std::vector<RefusalCase> refusal_cases = {
      "would be written for /dev/a and for /dev/b"},
     {"OneLogForTwoPorts", "/dev/a /dev/b -- -e -x out.log",
      "would be written for /dev/a and for /dev/b"},
+    {"OneFileByTwoNames", "/dev/a /dev/b -- -r {name}.hex", "would be written for /dev/a and"},
+    {"OneFileByTwoLinks", "/dev/a /dev/b -- -e -x {name}.log", "would be written for /dev/a and"},
+    {"OneFolderByTwoNames", "/dev/a /dev/b -- -r {name}/out.hex",
+     "would be written for /dev/a and"},
+    {"OneNameInManyFolders", "--watch /x/*/tty -- -r {name}.hex",
+     "would be written for /x/1/tty and for /x/2/tty"},
     {"OneFileForAllThatAppear", "--watch /dev/x* -- -r out.hex", "would be written for"},
     {"ReadOverTheImage", "/dev/a -- -w image.hex -r image.hex",
      "image.hex would be overwritten, and is an image"},
@@ -65,12 +100,25 @@ const std::vector<RefusalCase> refusal_cases = {
     {"MissingImage", "/dev/a -- -w missing.hex", "missing.hex: No such file or directory"},
     {"MissingImageByForce", "--force /dev/a -- -w missing.hex",
      "missing.hex: No such file or directory"},
-    {"EmptyImage", "--force /dev/a -- -w empty.hex", "empty.hex: holds no data"},
-    {"BadImage", "/dev/a -- -w bad_checksum.hex", "bad_checksum.hex"},
+    {"EmptyImage", "--force /dev/a -- -w empty.hex", "empty.hex: An image without data (I002)"},
+    {"BadImage", "/dev/a -- -w bad_checksum.hex",
+     "(I005): The record that begins in column 1"},
+    {"ImageInTwoParts", "/dev/a -- -w joined.hex",
+     "joined.hex, line 9: Records after the end record (I012)"},
+    {"ImageWithoutEnd", "/dev/a -- -w cut.hex", "No end record (I013)"},
+    {"ImageOfAnotherDevice", "/dev/a -- -B 0102 -w elsewhere.hex",
+     "elsewhere.hex: the image holds nothing for this device"},
+    {"ImagePartlyOutside", "--expect 0102 /dev/a -- -w partly.hex",
+     "Bytes outside the device (I019): TWIN: 16 bytes outside the device"},
+    {"ImageToVerifyPartlyOutside", "/dev/a -- -B 0102 -e -v partly.hex", "(I019)"},
+    {"ImageOfNoDevice", "/dev/a -- -w partly.hex",
+     "partly.hex: no device of the table has memory for all of it"},
     {"NoTable", "--table none.txt /dev/a -- -e", "none.txt: No such file or directory"},
-    {"BadTable", "--table bad_device.txt /dev/a -- -e", "bad_device.txt"},
+    {"BadTable", "--table bad_device.txt /dev/a -- -e",
+     "(T005): bootloader_end_address is \"forty\"."},
+    {"BadTableWhateverTheVersion", "--table bad_device.txt /dev/a -- -B 0102 -e", "(T005)"},
     {"ExpectedVersionNotInTheTable", "--expect 0999 /dev/a -- -e",
-     "has no device with version 0x0999"},
+     "has no usable device with version 0x0999"},
     {"ExpectedVersionNoVersion", "--expect 12345 /dev/a -- -e", "is no bootloader version"},
     {"ExpectedVersionNotAsked", "--expect 0102 /dev/a -- -B 0102 -e",
      "--expect cannot protect any"},

@@ -15,12 +15,31 @@ const QString no_port = QStringLiteral("/dev/no-such-port");
 /// A fault of the device, its line or its files, and the one verdict that follows from it.
 struct VerdictCase {
     const char* name;
-    const char* device; ///< options of the simulator; null: no device, a port that is not there
-    const char* tool;
+    QByteArray device; ///< options of the simulator; empty: no device, a port that is not there
+    QByteArray tool;
     const char* gang;
     const char* verdict;
     const char* message; ///< how the message begins
 };
+
+/// With a device that does nothing wrong.
+VerdictCase good_device(const char* name, const char* tool, const char* gang = "",
+                        const char* verdict = "ok", const char* message = "")
+{
+    return {name, "--entry version", tool, gang, verdict, message};
+}
+
+/// With a known device that has this fault.
+VerdictCase fault(const char* name, const char* device_fault, const char* tool, const char* verdict,
+                  const char* message)
+{
+    return {name,
+            QByteArray("--entry version --fault ") + device_fault,
+            QByteArray("-B 0102 ") + tool,
+            "",
+            verdict,
+            message};
+}
 
 std::ostream& operator<<(std::ostream& stream, const VerdictCase& row)
 {
@@ -37,61 +56,67 @@ TEST_P(GangVerdicts, FollowFromFaults)
     give_file("bad_device.txt", QStringLiteral("bad_device.txt"));
     give_file("bad_checksum.hex", QStringLiteral("bad_checksum.hex"));
     give_file("elsewhere.hex", QStringLiteral("elsewhere.hex"));
-    const auto simulated = row.device == nullptr ? nullptr : device(row.device);
-    const GangResult result = run(simulated ? simulated->port() : no_port, row.tool, row.gang);
+    const QByteArray image = file(QStringLiteral("image.hex"));
+    put_file(QStringLiteral("partly.hex"),
+             image.left(image.lastIndexOf(':')) + file(QStringLiteral("elsewhere.hex")));
+    const auto simulated = row.device.isEmpty() ? nullptr : device(row.device.constData());
+    const GangResult result =
+        run(simulated ? simulated->port() : no_port, row.tool.constData(), row.gang);
     const QJsonObject end = result.last("end");
     EXPECT_EQ(text(end, "verdict"), row.verdict) << result;
     EXPECT_THAT(text(end, "message"), testing::StartsWith(row.message)) << result;
     EXPECT_EQ(result.status, std::string(row.verdict) == "ok" ? 0 : 1);
 }
 
+const char* const in_two_steps = "-e -w image.hex";
+const char* const and_verify = "-e -w image.hex -v image.hex";
+
 const std::vector<VerdictCase> verdict_cases = {
-    {"Written", "--entry version", "-B 0102 -e -w image.hex -v image.hex -R", "", "ok", ""},
-    {"WrittenAndVerified", "--entry version", "-B 0102 -wv image.hex", "", "ok", ""},
+    good_device("Written", "-B 0102 -e -w image.hex -v image.hex -R"),
+    good_device("WrittenAndVerified", "-B 0102 -wv image.hex"),
     {"Found", "--entry probe", "-wv image.hex", "", "ok", ""},
-    {"Read", "--entry version", "-B 0102 -l 0x80 0xC0 {name}.hex", "", "ok", ""},
-    {"SpoiltAnswersOnTheWay", "--entry version --fault corrupt-response@2,4,6",
-     "-B 0102 -e -w image.hex -v image.hex", "", "ok", ""},
-    {"NoPort", nullptr, "-B 0102 -wv image.hex", "", "port",
-     "Port /dev/no-such-port cannot be opened."},
+    good_device("Read", "-B 0102 -l 0x80 0xC0 {name}.hex"),
+    fault("SpoiltAnswersOnTheWay", "corrupt-response@2,4,6", and_verify, "ok", ""),
+    {"NoPort", "", "-B 0102 -wv image.hex", "", "port", "Port /dev/no-such-port cannot be opened."},
     {"Silent", "--entry silent", "-wv image.hex", "", "silent",
      "Did not succeed in QV entry procedure"},
-    {"VersionNotInTheTable", "--entry version", "-wv image.hex", "--expect 0203 --force",
-     "unknown-version", "Found version 0x0102 but could not load profile"},
-    {"GivenVersionNotInTheTable", "--entry version", "-B 0999 -wv image.hex", "", "unknown-version",
-     "Could not find device profile matching specified 0x0999"},
-    {"BadTable", "--entry version", "-wv image.hex", "--table bad_device.txt --force", "table",
-     "could not parse attr"},
-    {"NoTable", "--entry version", "-wv image.hex", "--table none.txt --force", "table",
-     "file not found: ./device.txt"},
-    {"BadImage", "--entry version", "-B 0102 -wv bad_checksum.hex", "--force", "file",
-     "Could not process firmware file"},
-    {"NothingForTheDevice", "--entry version", "-B 0102 -w elsewhere.hex", "--force", "file",
-     "the image holds nothing for this device"},
-    {"NothingToVerify", "--entry version", "-B 0102 -v elsewhere.hex", "", "file",
-     "the image holds nothing for this device"},
-    {"Erase", "--entry version --fault wrong-ack@1", "-B 0102 -e -w image.hex", "", "erase",
-     "unable to erase"},
-    {"EraseOfAPage", "--entry version --fault wrong-ack@2", "-B 0102 -wv image.hex", "", "erase",
-     "unable to erase flash page at address 0x000000"},
-    {"Write", "--entry version --fault wrong-ack@2", "-B 0102 -e -w image.hex", "", "write",
-     "unable to write flash row at address 0x000000A0"},
-    {"WriteOfEeprom", "--entry version --fault wrong-ack@5", "-B 0102 -e -w image.hex", "", "write",
-     "unable to write EEPROM row at address 0x00001010"},
-    {"ReadSpoilt", "--entry version --fault corrupt-response=1", "-B 0102 -r {name}.hex", "",
-     "read", "read() at"},
-    {"VerifyCannotRead", "--entry version --fault corrupt-response=1", "-B 0102 -v image.hex", "",
-     "read", "giving up after having made 40 attempts, with errors ("},
-    {"Mismatch", "--entry version --fault stuck-bits:0xB5:0x01:0",
-     "-B 0102 -e -w image.hex -v image.hex", "", "mismatch",
-     "data mismatch starting at address 0x000000A0"},
-    {"RowMismatch", "--entry version --fault stuck-bits:0xB5:0x01:0", "-B 0102 -wv image.hex", "",
-     "mismatch", "Row verify failure at address 0x000000A0"},
+    good_device("VersionNotInTheTable", "-wv image.hex", "--expect 0203 --force", "unknown-version",
+                "Found version 0x0102 but could not load profile"),
+    good_device("GivenVersionNotInTheTable", "-B 0999 -wv image.hex", "", "unknown-version",
+                "Could not find device profile matching specified 0x0999"),
+    good_device("BadTable", "-wv image.hex", "--table bad_device.txt --force", "table",
+                "could not parse attr"),
+    good_device("BadRowOfAnotherDevice", "-wv image.hex", "--expect 0102 --table bad_device.txt"),
+    good_device("NoTable", "-wv image.hex", "--table none.txt --force", "table",
+                "file not found: ./device.txt"),
+    good_device("BadImage", "-B 0102 -wv bad_checksum.hex", "--force", "file",
+                "Could not process firmware file"),
+    good_device("PartlyOutsideByForce", "-B 0102 -e -w partly.hex", "--force"),
+    {"ForAnotherDevice", "--entry version --device 0203", "-e -w image.hex", "", "file",
+     "Bytes outside the device (I019): SOLO: 16 bytes"},
+    good_device("NothingForTheDevice", "-B 0102 -w elsewhere.hex", "--force", "file",
+                "the image holds nothing for this device"),
+    good_device("NothingToVerify", "-B 0102 -v elsewhere.hex", "--force", "file",
+                "the image holds nothing for this device"),
+    fault("Erase", "wrong-ack@1", in_two_steps, "erase", "unable to erase"),
+    fault("EraseOfAPage", "wrong-ack@2", "-wv image.hex", "erase",
+          "unable to erase flash page at address 0x000000"),
+    fault("Write", "wrong-ack@2", in_two_steps, "write",
+          "unable to write flash row at address 0x000000A0"),
+    fault("WriteOfEeprom", "wrong-ack@5", in_two_steps, "write",
+          "unable to write EEPROM row at address 0x00001010"),
+    fault("ReadSpoilt", "corrupt-response=1", "-r {name}.hex", "read", "read() at"),
+    fault("VerifyCannotRead", "corrupt-response=1", "-v image.hex", "read",
+          "giving up after having made 40 attempts, with errors ("),
+    fault("Mismatch", "stuck-bits:0xB5:0x01:0", and_verify, "mismatch",
+          "data mismatch starting at address 0x000000A0"),
+    fault("RowMismatch", "stuck-bits:0xB5:0x01:0", "-wv image.hex", "mismatch",
+          "Row verify failure at address 0x000000A0"),
     {"Limit", "--entry silent", "-wv image.hex", "--limit 0.5", "timed-out",
      "did not end within 0.5 s"},
-    {"FullDisk", "--entry version", "-B 0102 -l 0x80 0xC0 /dev/full", "", "unsaved", "/dev/full"},
-    {"NothingPrinted", "--entry version", "-B 0102 -wv image.hex", "--zserial /bin/true", "failed",
-     "status 0: "},
+    good_device("FullDisk", "-B 0102 -l 0x80 0xC0 /dev/full", "", "unsaved", "/dev/full"),
+    good_device("NothingPrinted", "-B 0102 -wv image.hex", "--zserial /bin/true", "failed",
+                "status 0: "),
 };
 
 INSTANTIATE_TEST_SUITE_P(Real, GangVerdicts, testing::ValuesIn(verdict_cases), row_name);
@@ -114,7 +139,9 @@ TEST_F(GangEnds, CrashOfTheTool)
 {
     const auto simulated = device("--entry silent");
     const auto gang = stuck(simulated->port());
-    ::kill(static_cast<pid_t>(children_of(gang->id()).front()), SIGSEGV);
+    const std::vector<qint64> tools = children_of(gang->id());
+    ASSERT_EQ(tools.size(), 1U);
+    ASSERT_EQ(::kill(static_cast<pid_t>(tools.front()), SIGSEGV), 0);
     const GangResult result = gang->result();
     EXPECT_EQ(text(result.last("end"), "verdict"), "crashed") << result;
     EXPECT_EQ(result.status, 1);

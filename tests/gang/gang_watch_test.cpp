@@ -14,18 +14,18 @@ class GangWatch : public GangTest
 {
 protected:
     /// Plugs a device in: a link to its port appears.
-    std::unique_ptr<SimProcess> plug_in(const char* name) const
+    std::unique_ptr<SimProcess> plug_in(const char* name,
+                                        const QByteArray& options = "--entry version") const
     {
-        const QByteArray options =
-            "--entry version --link " + path(QString::fromLatin1(name)).toUtf8();
-        return device(options.constData());
+        return device(
+            (options + " --link " + path(QString::fromLatin1(name)).toUtf8()).constData());
     }
 
-    GangProcess watch() const
+    GangProcess watch(const char* arguments = "-B 0102 -w image.hex") const
     {
         return GangProcess(folder(),
                            QStringList{QStringLiteral("--watch"), path(QStringLiteral("tty*"))} +
-                               words("--record record.jsonl -- -B 0102 -w image.hex"));
+                               words("--record record.jsonl --") + words(arguments));
     }
 };
 
@@ -56,6 +56,36 @@ TEST_F(GangWatch, TakesTheNextDeviceOnceThePortHasBeenAway)
     gang.send(SIGINT);
     EXPECT_EQ(gang.result().status, 0);
     EXPECT_EQ(record().size(), 3U) << "a port that stays is programmed once";
+}
+
+TEST_F(GangWatch, TakesADeviceWithTwoNamesOnce)
+{
+    const auto first = plug_in("ttyA");
+    ASSERT_TRUE(QFile::link(first->port(), path(QStringLiteral("ttyB"))));
+    auto gang = watch();
+    ASSERT_TRUE(gang.has_printed("ttyA: ok"));
+    const auto bystander = plug_in("ttyC");
+    ASSERT_TRUE(gang.has_printed("ttyC: ok"));
+    gang.send(SIGINT);
+    EXPECT_EQ(gang.result().status, 0);
+    EXPECT_EQ(record().size(), 2U);
+}
+
+TEST_F(GangWatch, TakesADeviceThatCameWhileTheOneBeforeWasStillTried)
+{
+    auto gang = watch("-wv image.hex");
+    {
+        const auto silent = plug_in("ttyA", "--entry silent");
+        ASSERT_TRUE(gang.has_printed("ttyA: started"));
+    }
+    const auto bystander = plug_in("ttyB");
+    ASSERT_TRUE(gang.has_printed("ttyB: ok")) << "by now the first is known to be away";
+    EXPECT_EQ(gang.count("ttyA: started"), 1) << "one run on a port at a time";
+    const auto next = plug_in("ttyA");
+    ASSERT_TRUE(gang.has_printed("ttyA: ok"));
+    gang.send(SIGTERM);
+    EXPECT_EQ(gang.result().status, 1) << "the first was not ok";
+    EXPECT_EQ(record().size(), 3U);
 }
 
 } // namespace

@@ -78,6 +78,36 @@ TEST_F(NumberFiles, SkipRemarksAndJumpAhead)
     EXPECT_EQ(draw(numbers), 500U);
 }
 
+TEST_F(NumberFiles, JumpAheadWithoutALineEnd)
+{
+    NumberFile numbers = counter("10\n10 a\n500");
+    EXPECT_EQ(draw(numbers), 500U);
+    EXPECT_EQ(contents(), "10\n10 a\n500\n500 me\n");
+}
+
+TEST_F(NumberFiles, RemoveNothingThatAUserWrote)
+{
+    EXPECT_EQ(refusal("10\n10 a\nfive"),
+              "/numbers, line 3: does not begin with a number that can be given");
+    EXPECT_EQ(contents(), "10\n10 a\nfive\n");
+}
+
+TEST_F(NumberFiles, StayOneLineForEachNumber)
+{
+    NumberFile numbers = counter("1\n");
+    EXPECT_EQ(draw(numbers, "a\n7 b"), 1U);
+    EXPECT_EQ(contents(), "1\n1 a 7 b\n");
+    EXPECT_EQ(NumberFile(name()).next(), 2U);
+}
+
+TEST_F(NumberFiles, NoticeThatTheyWereCutShort)
+{
+    NumberFile numbers = counter("1\n");
+    EXPECT_EQ(draw(numbers), 1U);
+    put_file(QStringLiteral("numbers"), "1\n");
+    EXPECT_THROW(draw(numbers), FileError);
+}
+
 TEST_F(NumberFiles, GiveNothingOutThatIsNotAccepted)
 {
     NumberFile numbers = counter("300\n");

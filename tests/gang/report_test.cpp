@@ -65,6 +65,15 @@ TEST_F(Reports, SkipATornLineThatLooksWhole)
     EXPECT_EQ(report(torn).all.runs, 5) << "the line may have been meant to go on";
 }
 
+TEST_F(Reports, CountNoNumberThatNobodyGives)
+{
+    const Report odd = report(line("/dev/a", "ok", 2, ",\"number\":-1") +
+                              line("/dev/a", "ok", 2, ",\"number\":1e300") +
+                              line("/dev/a", "ok", 2, ",\"number\":\"7\",\"void_numbers\":[-7]"));
+    EXPECT_EQ(odd.all.runs, 3);
+    EXPECT_EQ(odd.numbers, 0);
+}
+
 TEST_F(Reports, HaveNothingToSayOfNothing)
 {
     EXPECT_EQ(text_of(report("")).toStdString(), "No runs\n");

@@ -34,6 +34,7 @@ TEST(PortNames, AreFitForFiles)
     EXPECT_EQ(gang::names_of(QStringLiteral("ttyS1"), 1).path, QStringLiteral("ttyS1"));
     EXPECT_EQ(gang::names_of(QStringLiteral("./left"), 1).path,
               QDir::current().absoluteFilePath(QStringLiteral("left")));
+    EXPECT_EQ(gang::file_of_port(QStringLiteral(".hidden")), QStringLiteral("/dev/.hidden"));
 }
 
 TEST(PortNames, AreReplacedOnce)
@@ -50,6 +51,20 @@ TEST(ToolCommand, PutsThePortFirstAndMakesFilesAbsolute)
               "-s /dev/ttyUSB0 -w ./a.hex -r ./ttyUSB0.hex -x ./3.log -R");
     EXPECT_EQ(joined(command("-W 0 0x10 a.hex -l 0 0x10 b.hex").words({})),
               "-s /dev/ttyUSB0 -W 0 0x10 ./a.hex -l 0 0x10 ./b.hex");
+}
+
+TEST(ToolCommand, KnowsAFileByAPathThatLeavesALink)
+{
+    EXPECT_EQ(joined(command("-w link/../a.hex -r ././b.hex").words({})),
+              "-s /dev/ttyUSB0 -w ./link/../a.hex -r ./b.hex");
+}
+
+TEST(ToolCommand, KnowsOptionsThatComeOfPlaceholders)
+{
+    const gang::PortNames odd{QStringLiteral("/dev/-e"), QStringLiteral("-e"), 1};
+    const ToolCommand erase(words("{name}"), odd);
+    EXPECT_TRUE(erase.settings().erase_all_wanted);
+    EXPECT_TRUE(erase.doubts().isEmpty());
 }
 
 TEST(ToolCommand, UsesCopiesOfImages)

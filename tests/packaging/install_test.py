@@ -85,7 +85,7 @@ class Installed(unittest.TestCase):
 
     def test_are_libraries_for_cmake(self):
         libraries = {Path(name).name for name in self.files if name.endswith(".a")}
-        self.assertEqual(libraries, {"libzserial-core.a", "libzserial-sim.a"})
+        self.assertEqual(libraries, {"libzserial-core.a", "libzserial-process.a", "libzserial-sim.a"})
         found = {Path(name).name for name in self.files if "/cmake/zserial/" in name}
         found -= {name for name in found if re.fullmatch(r"zserialTargets-[a-z]+\.cmake", name)}
         self.assertEqual(found, {"zserialConfig.cmake", "zserialConfigVersion.cmake",

@@ -1,15 +1,15 @@
-#include "sim/program/ProcessSetup.h"
+#include "util/ProcessSetup.h"
 
 #include "util/Platform.h"
 
 #include <csignal>
 
-namespace sim
+namespace Platform
 {
 
 void set_up_signals()
 {
-    Platform::let_impossible_writes_fail();
+    let_impossible_writes_fail();
     (void)std::signal(SIGCHLD, SIG_DFL);
     sigset_t children;
     sigemptyset(&children);
@@ -26,4 +26,4 @@ void restore_signals()
     ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
 }
 
-} // namespace sim
+} // namespace Platform

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace sim
+namespace Platform
 {
 
 /// Makes the process independent of the signal settings that it inherits: the end of a child is
@@ -11,4 +11,4 @@ void set_up_signals();
 /// Gives a child process the signals that programs expect. Safe between fork and exec.
 void restore_signals();
 
-} // namespace sim
+} // namespace Platform

@@ -1,4 +1,4 @@
-#include "sim/program/StopSignals.h"
+#include "util/SignalEvents.h"
 
 #include <cerrno>
 #include <csignal>
@@ -6,7 +6,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace sim
+namespace Platform
 {
 
 namespace
@@ -25,8 +25,9 @@ int open_signals(sigset_t& mask_before)
 {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
+    for (const int signal : {SIGINT, SIGTERM, SIGWINCH}) {
+        sigaddset(&signals, signal);
+    }
     if (!is_ignored(SIGHUP)) {
         sigaddset(&signals, SIGHUP);
     }
@@ -40,27 +41,34 @@ int open_signals(sigset_t& mask_before)
 
 } // namespace
 
-StopSignals::StopSignals()
+SignalEvents::SignalEvents()
     : m_descriptor(open_signals(m_mask_before)),
-      m_notifier(m_descriptor.get(), QSocketNotifier::Read)
+      m_notifier(m_descriptor, QSocketNotifier::Read)
 {
-    connect(&m_notifier, &QSocketNotifier::activated, this, &StopSignals::take);
+    connect(&m_notifier, &QSocketNotifier::activated, this, &SignalEvents::take);
 }
 
-StopSignals::~StopSignals()
+SignalEvents::~SignalEvents()
 {
+    m_notifier.setEnabled(false);
     signalfd_siginfo signal{};
-    while (::read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal) {
+    while (::read(m_descriptor, &signal, sizeof signal) == sizeof signal) {
     }
+    ::close(m_descriptor);
     ::pthread_sigmask(SIG_SETMASK, &m_mask_before, nullptr);
 }
 
-void StopSignals::take()
+void SignalEvents::take()
 {
     signalfd_siginfo signal{};
-    if (::read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal) {
+    if (::read(m_descriptor, &signal, sizeof signal) != sizeof signal) {
+        return;
+    }
+    if (signal.ssi_signo == SIGWINCH) {
+        Q_EMIT terminal_resized();
+    } else {
         Q_EMIT stop_requested();
     }
 }
 
-} // namespace sim
+} // namespace Platform
