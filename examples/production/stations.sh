@@ -32,6 +32,7 @@ mkdir -p "$results"
 
 # Runs in a shell of its own for each station: pushes the files, runs the gang, fetches the record.
 # The record comes back whatever became of the devices; then the folder on the station goes.
+# shellcheck disable=SC2317  # called by name
 program_station() {
     local words host ports remote status=0
     read -ra words <<<"$1"
