@@ -26,16 +26,14 @@ bool can_open_for_reading_and_writing(const QString& name)
 
 std::optional<Failure> scan(const QStringList& arguments, FileCheck can_open, Settings& settings)
 {
-    for (int i = 0; i < arguments.size(); ++i) {
-        const Option* option = find_option(arguments.at(i));
-        if (option == nullptr) {
+    for (const GivenWord& word : split(arguments)) {
+        Scan scan{word.following, can_open, settings};
+        if (word.option == nullptr) {
             continue;
         }
-        Scan scan{arguments.mid(i + 1, option->arguments), can_open, settings};
-        if (auto failure = option->handle(scan)) {
+        if (auto failure = word.option->handle(scan)) {
             return failure;
         }
-        i += option->arguments;
     }
     return std::nullopt;
 }
@@ -79,6 +77,25 @@ std::optional<Failure> check_request(const Settings& settings)
             true};
     }
     return std::nullopt;
+}
+
+std::optional<Failure> take(const QStringList& arguments, const FileAccess& files,
+                            Settings& settings)
+{
+    if (arguments.isEmpty()) {
+        return Failure{QStringLiteral("Please specify an argument"), true};
+    }
+    if (auto failure = scan(arguments, files.can_open, settings)) {
+        return failure;
+    }
+    if (auto failure = check_conflicts(settings)) {
+        return failure;
+    }
+    if (!settings.log_file.isEmpty() && !files.open_frame_log(settings.log_file)) {
+        return Failure{QStringLiteral("Could not open ") + settings.log_file +
+                       QStringLiteral(" for writing!\n")};
+    }
+    return check_request(settings);
 }
 
 } // namespace command_line

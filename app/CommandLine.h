@@ -25,4 +25,14 @@ std::optional<Failure> check_conflicts(const Settings& settings);
 /// frame log is open.
 std::optional<Failure> check_request(const Settings& settings);
 
+/// What a command line does to files before anything is sent.
+struct FileAccess {
+    FileCheck can_open;
+    bool (*open_frame_log)(const QString& name);
+};
+
+/// All of the above, in this order.
+std::optional<Failure> take(const QStringList& arguments, const FileAccess& files,
+                            Settings& settings);
+
 } // namespace command_line

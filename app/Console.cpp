@@ -12,8 +12,6 @@ QFile serial_record;
 namespace
 {
 
-constexpr int closing_ms = 1000;
-
 void record(const char* direction, const QByteArray& frame)
 {
     if (serial_record.isOpen()) {
@@ -51,6 +49,12 @@ void slot_progress(unsigned int processed, unsigned int total)
     const unsigned int percentage = total == 0 ? 0 : processed * 100U / total;
     std::printf("\rProgress %u%%", percentage);
     (void)std::fflush(stdout);
+}
+
+bool open_frame_log(const QString& name)
+{
+    serial_record.setFileName(name);
+    return serial_record.open(QIODevice::Append);
 }
 
 void slot_command_received(QByteArray frame)

@@ -27,12 +27,17 @@ void end_application();
 void slot_error(QString error);
 /// Rewrites the progress line at once. Counts are bytes; the percentage is worked out in 32 bits.
 void slot_progress(unsigned int processed, unsigned int total);
+/// Opens the frame log to append to it.
+bool open_frame_log(const QString& name);
 /// Append a frame to the frame log.
 void slot_command_received(QByteArray frame);
 void slot_command_transmitted(QByteArray frame);
 /// Processes the application's pending events once; the device calls it while it polls.
 void process_events_handler();
-/// Processes events for at least a second, so that bytes in flight leave before the port is closed.
+/// How long a run stays after its last step.
+inline constexpr int closing_ms = 1000;
+/// Processes events for at least that time, so that bytes in flight leave before the port is
+/// closed.
 void let_pending_events_pass();
 
 /// Writes the usage text to the console.

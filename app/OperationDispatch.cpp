@@ -1,44 +1,71 @@
 #include "app/OperationDispatch.h"
 
-#include "app/Console.h"
 #include "device/ZarnSerialDevice.h"
 
 #include <QFile>
+#include <QTextStream>
 
-namespace
+std::vector<Operation> operations_of(const Settings& settings)
 {
-
-/// Prints the message of a success, or returns that of a failure.
-std::optional<Failure> report(bool success, const char* done, const char* failed)
-{
-    if (!success) {
-        return Failure{QString::fromLatin1(failed)};
+    if (settings.write_and_verify_wanted) {
+        return {Operation::WriteAndVerify};
     }
-    out << done;
-    return std::nullopt;
+    std::vector<Operation> operations;
+    const auto add = [&operations](bool wanted, Operation operation) {
+        if (wanted) {
+            operations.push_back(operation);
+        }
+    };
+    add(settings.erase_all_wanted || settings.erase_range_wanted, Operation::Erase);
+    add(settings.write_wanted || settings.write_range_wanted, Operation::Write);
+    add(settings.read_wanted || settings.read_range_wanted, Operation::Read);
+    add(settings.verify_wanted, Operation::Verify);
+    return operations;
 }
 
-} // namespace
-
-OperationDispatch::OperationDispatch(ZarnSerialDevice& device, const Settings& settings)
+OperationDispatch::OperationDispatch(ZarnSerialDevice& device, const Settings& settings,
+                                     QTextStream& console)
     : m_device(device),
       m_settings(settings),
+      m_console(console),
       m_map(MemoryMap::default_chunk_size)
 {
 }
 
 std::optional<Failure> OperationDispatch::run()
 {
-    if (m_settings.write_and_verify_wanted) {
-        return write_and_verify();
-    }
-    using Step = std::optional<Failure> (OperationDispatch::*)();
-    for (const Step step : {&OperationDispatch::erase, &OperationDispatch::write,
-                            &OperationDispatch::read, &OperationDispatch::verify}) {
-        if (auto failure = (this->*step)()) {
+    for (const Operation operation : operations_of(m_settings)) {
+        if (auto failure = carry_out(operation)) {
             return failure;
         }
     }
+    return std::nullopt;
+}
+
+std::optional<Failure> OperationDispatch::carry_out(Operation operation)
+{
+    switch (operation) {
+    case Operation::WriteAndVerify:
+        return write_and_verify();
+    case Operation::Erase:
+        return erase();
+    case Operation::Write:
+        return write();
+    case Operation::Read:
+        return read();
+    case Operation::Verify:
+        return verify();
+    }
+    return std::nullopt;
+}
+
+/// Prints the message of a success, or returns that of a failure.
+std::optional<Failure> OperationDispatch::report(bool success, const char* done, const char* failed)
+{
+    if (!success) {
+        return Failure{QString::fromLatin1(failed)};
+    }
+    m_console << done;
     return std::nullopt;
 }
 
@@ -48,12 +75,12 @@ std::optional<Failure> OperationDispatch::write_and_verify()
     if (auto failure = load(m_settings.write_and_verify_file, QStringLiteral("write-and-verify"))) {
         return failure;
     }
-    out << "Uploading firmware\n";
-    out.flush();
+    m_console << "Uploading firmware\n";
+    m_console.flush();
     const bool uploaded =
         m_device.write_with_verify(&m_map, m_abort_requested, m_settings.include_encrypted,
                                    m_settings.include_unencrypted, m_settings.erase_all_wanted);
-    out << "\n";
+    m_console << "\n";
     return report(uploaded, "Uploaded!\n", "Write-and-verify failure!\n");
 }
 
@@ -65,26 +92,20 @@ std::optional<Failure> OperationDispatch::erase()
         return report(m_device.erase_all(encrypted, unencrypted), "Erased all flash!\n",
                       "Erase all flash failed? Aborting...\n");
     }
-    if (m_settings.erase_range_wanted) {
-        // The two addresses are passed as the area flags and the area flags as the addresses.
-        // docs/user-guide.md explains the effect.
-        return report(m_device.erase_range(m_settings.erase_range.lower != 0,
-                                           m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
-                                           unencrypted ? 1 : 0),
-                      "Erased flash range!\n", "Failed to erase flash range, aborting...\n");
-    }
-    return std::nullopt;
+    // The two addresses are passed as the area flags and the area flags as the addresses.
+    // docs/user-guide.md explains the effect.
+    return report(m_device.erase_range(m_settings.erase_range.lower != 0,
+                                       m_settings.erase_range.upper != 0, encrypted ? 1 : 0,
+                                       unencrypted ? 1 : 0),
+                  "Erased flash range!\n", "Failed to erase flash range, aborting...\n");
 }
 
 std::optional<Failure> OperationDispatch::write()
 {
-    if (!m_settings.write_wanted && !m_settings.write_range_wanted) {
-        return std::nullopt;
-    }
     if (auto failure = load(m_settings.write_file, QStringLiteral("write"))) {
         return failure;
     }
-    out << "Now writing";
+    m_console << "Now writing";
     if (m_settings.write_wanted) {
         return report(m_device.write(&m_map, m_abort_requested, m_settings.include_encrypted,
                                      m_settings.include_unencrypted),
@@ -101,12 +122,9 @@ std::optional<Failure> OperationDispatch::write()
 /// saving reports what is wrong with the file.
 std::optional<Failure> OperationDispatch::read()
 {
-    if (!m_settings.read_wanted && !m_settings.read_range_wanted) {
-        return std::nullopt;
-    }
     QFile file(m_settings.read_file);
     if (!file.open(QIODevice::ReadWrite)) {
-        out << "Could not open file to read data into!";
+        m_console << "Could not open file to read data into!";
     }
     // The device needs its name only. Left open, a pipe would have a reader that never reads: the
     // run would hang in saving once the real one has gone.
@@ -124,17 +142,14 @@ std::optional<Failure> OperationDispatch::read()
 
 std::optional<Failure> OperationDispatch::verify()
 {
-    if (!m_settings.verify_wanted) {
-        return std::nullopt;
-    }
     if (auto failure = load(m_settings.verify_file, QStringLiteral("verify"))) {
         return failure;
     }
-    out << "Verifying firmware\n";
-    out.flush();
+    m_console << "Verifying firmware\n";
+    m_console.flush();
     const bool verified = m_device.verify_firmware(
         &m_map, m_abort_requested, m_settings.include_encrypted, m_settings.include_unencrypted);
-    out << "\n";
+    m_console << "\n";
     return report(verified, "Verified!\n", "Verification failure!\n");
 }
 

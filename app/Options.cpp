@@ -306,4 +306,16 @@ const Option* find_option(const QString& argument)
     return nullptr;
 }
 
+std::vector<GivenWord> split(const QStringList& arguments)
+{
+    std::vector<GivenWord> words;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const Option* const option = find_option(arguments.at(i));
+        const int own = option == nullptr ? 0 : option->arguments;
+        words.push_back({arguments.at(i), option, arguments.mid(i + 1, own)});
+        i += own;
+    }
+    return words;
+}
+
 } // namespace command_line

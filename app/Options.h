@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <vector>
 
 namespace command_line
 {
@@ -31,5 +32,14 @@ struct Option {
 
 /// The option of that name, compared whole and by case; null when there is none.
 const Option* find_option(const QString& argument);
+
+/// An element of the command line that is no argument of an option.
+struct GivenWord {
+    QString text;
+    const Option* option;  ///< null for a word that is none, which is ignored
+    QStringList following; ///< the option's own arguments, as far as the command line has them
+};
+
+std::vector<GivenWord> split(const QStringList& arguments);
 
 } // namespace command_line

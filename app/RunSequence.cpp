@@ -23,37 +23,6 @@ QStringList arguments_after_program_name(int argc, char** argv)
     return arguments;
 }
 
-std::optional<Failure> open_frame_log(const QString& name)
-{
-    if (name.isEmpty()) {
-        return std::nullopt;
-    }
-    serial_record.setFileName(name);
-    if (!serial_record.open(QIODevice::Append)) {
-        return Failure{QStringLiteral("Could not open ") + name +
-                       QStringLiteral(" for writing!\n")};
-    }
-    return std::nullopt;
-}
-
-std::optional<Failure> take_command_line(const QStringList& arguments, Settings& settings)
-{
-    if (arguments.isEmpty()) {
-        return Failure{QStringLiteral("Please specify an argument"), true};
-    }
-    if (auto failure = command_line::scan(arguments, command_line::can_open_for_reading_and_writing,
-                                          settings)) {
-        return failure;
-    }
-    if (auto failure = command_line::check_conflicts(settings)) {
-        return failure;
-    }
-    if (auto failure = open_frame_log(settings.log_file)) {
-        return failure;
-    }
-    return command_line::check_request(settings);
-}
-
 /// The device opens the port again by itself; this only reports a wrong name early.
 std::optional<Failure> check_port(const QString& name)
 {
@@ -152,7 +121,9 @@ void finish(ZarnSerialDevice& device, bool reset_wanted)
 std::optional<Failure> run(const QStringList& arguments)
 {
     Settings settings;
-    if (auto failure = take_command_line(arguments, settings)) {
+    if (auto failure = command_line::take(
+            arguments, {command_line::can_open_for_reading_and_writing, open_frame_log},
+            settings)) {
         return failure;
     }
     if (auto failure = check_port(settings.port_name)) {
@@ -165,7 +136,7 @@ std::optional<Failure> run(const QStringList& arguments)
     if (auto failure = settle_version(device, settings)) {
         return failure;
     }
-    if (auto failure = OperationDispatch(device, settings).run()) {
+    if (auto failure = OperationDispatch(device, settings, out).run()) {
         return failure;
     }
     finish(device, settings.reset_wanted);
