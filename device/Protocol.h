@@ -31,6 +31,12 @@ inline constexpr int timeout_ms = 300;
 inline constexpr unsigned char entry_attempts = 3;
 inline constexpr int entry_timeout_ms = 100;
 
+/// What a starting bootloader answers with its version, the rate at which it hears that, and the
+/// time that it is then given to settle.
+inline constexpr char entry_probe = 0x55;
+inline constexpr int starting_baud = 9600;
+inline constexpr int settle_ms = 1000;
+
 /// Bytes after the repeated command, or in place of it.
 inline constexpr unsigned short version_length = 2;
 inline constexpr unsigned short acknowledgement_length = 1;

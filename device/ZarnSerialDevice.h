@@ -75,12 +75,15 @@ public:
     bool request_bootloader_version(unsigned short* version);
     /// Selects the profile of `version` and its baud rate; keeps the old one when there is none.
     bool set_bootloader_version(unsigned short version);
+    /// Selects a profile that need not be in the registry, and its baud rate. It must outlive the
+    /// device.
+    void select_profile(const Profile& profile);
     /// The selected profile's version, or 0; nothing is sent.
     unsigned short get_bootloader_version();
     bool is_half_duplex() const;
     unsigned int get_attr(Profile::Attr attr) const;
     QString get_name() const;
-    /// The selected profile, owned by the registry; null until one is selected.
+    /// The selected profile; null until one is selected.
     const Profile* profile() const;
     /// Catches a bootloader that is starting (9600 baud) or finds one that is running (460800
     /// baud) and selects its profile. `version`, which may be null, receives what it answered even

@@ -20,10 +20,7 @@ constexpr int probes_per_pass = 5;
 constexpr int probe_wait_ms = 200;
 /// The pause between two polls of the line: short compared with a reply, long compared with a poll.
 constexpr unsigned long probe_pause_us = 1000;
-constexpr int settle_ms = 1000;
-constexpr qint32 starting_baud = QSerialPort::Baud9600;
 constexpr qint32 running_baud = 460800;
-constexpr char entry_probe = 0x55;
 
 /// The two version bytes after the marker in whatever a starting bootloader sent, once both are in.
 std::optional<QByteArray> find_entry_reply(const QByteArray& received)
@@ -57,11 +54,16 @@ bool ZarnSerialDevice::set_bootloader_version(unsigned short version)
         return error(QStringLiteral("no profile for device (bootloader version = %1)")
                          .arg(Util::uint_to_hex<unsigned int>(version, 4)));
     }
-    m_profile = profile;
+    select_profile(*profile);
+    return true;
+}
+
+void ZarnSerialDevice::select_profile(const Profile& profile)
+{
+    m_profile = &profile;
     m_baud = get_attr(Profile::max_baud);
     m_port.setBaudRate(static_cast<qint32>(m_baud));
     m_profile_selected = true;
-    return true;
 }
 
 unsigned short ZarnSerialDevice::get_bootloader_version()
@@ -102,7 +104,7 @@ bool ZarnSerialDevice::QV_entry_procedure(unsigned short* version)
     unsigned short& answer = version == nullptr ? found : *version;
     for (int pass = 0; pass < entry_passes; ++pass) {
         qDebug() << "Trying 0x55 9600 baud\n";
-        if (!open_anew(starting_baud)) {
+        if (!open_anew(protocol::starting_baud)) {
             return false;
         }
         if (const auto reply = catch_starting_bootloader()) {
@@ -149,7 +151,7 @@ std::optional<QByteArray> ZarnSerialDevice::catch_starting_bootloader()
 std::optional<QByteArray> ZarnSerialDevice::probe_for_version()
 {
     const QDeadlineTimer deadline(probe_wait_ms, Qt::PreciseTimer);
-    m_port.write(&entry_probe, 1);
+    m_port.write(&protocol::entry_probe, 1);
     while (!deadline.hasExpired()) {
         deliver_events();
         if (auto reply = find_entry_reply(m_receive_buffer)) {
@@ -173,7 +175,7 @@ bool ZarnSerialDevice::let_bootloader_settle()
     m_port.close();
     m_has_vanished = false;
     m_receive_buffer.clear();
-    return run_event_loop(settle_ms) == Wait::TimedOut || fail_for_ended_wait();
+    return run_event_loop(protocol::settle_ms) == Wait::TimedOut || fail_for_ended_wait();
 }
 
 void ZarnSerialDevice::reset()

@@ -120,6 +120,22 @@ TEST(Version, ThatIsNotListedLeavesTheConstructorWithoutProfile)
                                       "\"no profile for device (bootloader version = 00AB)\"")));
 }
 
+TEST(Version, MayBelongToAProfileThatIsNotInTheTable)
+{
+    QStringList fields{QStringLiteral("0x4321"), QStringLiteral("38400"), QStringLiteral("other")};
+    while (fields.size() < Profile::_enum_size) {
+        fields << QStringLiteral("1");
+    }
+    const Profile profile(fields);
+    DeviceOnLine line("sample", newcomer());
+    ASSERT_TRUE(line.device.open_port());
+    line.device.select_profile(profile);
+    EXPECT_EQ(line.device.profile(), &profile);
+    EXPECT_EQ(line.device.get_bootloader_version(), 0x4321);
+    EXPECT_EQ(line.simulated.host_baud(), 38400U);
+    EXPECT_THAT(line.recorder.lines(), IsEmpty());
+}
+
 TEST(VersionRequest, SelectsTheProfileOfTheDeviceThatAnswers)
 {
     DeviceOnLine line("swapped-divisors", newcomer());
