@@ -13,9 +13,10 @@ import gang
 import goal
 import host
 import images
+import plan
 import wire
 
-PARTS = {"host": host, "images": images, "wire": wire, "gang": gang}
+PARTS = {"host": host, "images": images, "plan": plan, "wire": wire, "gang": gang}
 FIGURES = re.compile(r"(<!-- figures -->\n).*(<!-- end of figures -->)", re.DOTALL)
 
 

@@ -1,6 +1,7 @@
 #include "inspect/CommandWords.h"
 #include "inspect/DeviceVersion.h"
 #include "inspect/ImageFacts.h"
+#include "inspect/InspectedImage.h"
 #include "inspect/MapSvg.h"
 #include "inspect/MapText.h"
 #include "inspect/OutputFile.h"
@@ -27,12 +28,6 @@ struct Device {
     const Profile* profile() const { return row == nullptr ? nullptr : row->profile.get(); }
 };
 
-/// Everything about one image.
-struct Inspected {
-    ImageFile image;
-    std::optional<DeviceFit> fit;
-};
-
 /// Without --table and --device there is none.
 std::unique_ptr<Device> device_of(const CommandWords& words)
 {
@@ -47,39 +42,7 @@ std::unique_ptr<Device> device_of(const CommandWords& words)
     return device;
 }
 
-/// Of what is wrong with the table, only what keeps the uploader from using it at all.
-void add_fatal_problems(Report& report, const TableFile& table)
-{
-    std::copy_if(table.problems.begin(), table.problems.end(), std::back_inserter(report.problems),
-                 [](const Problem& problem) {
-                     return problem.code == Code::RowVersion ||
-                            problem.code == Code::FieldIsNoNumber ||
-                            problem.code == Code::WordsPerAddressZero;
-                 });
-}
-
-std::shared_ptr<const Inspected> inspect_image(const QString& path, const Profile* profile)
-{
-    auto inspected = std::make_shared<Inspected>();
-    inspected->image = read_image(path, profile ? profile->boundaries : QSet<unsigned int>());
-    if (profile != nullptr && inspected->image.loads) {
-        inspected->fit = fit(*profile, inspected->image);
-    }
-    return inspected;
-}
-
-void add_problems(Report& report, const Inspected& inspected)
-{
-    const std::vector<Problem>& read = inspected.image.problems;
-    report.problems.insert(report.problems.end(), read.begin(), read.end());
-    if (inspected.fit) {
-        const std::vector<Problem>& fit = inspected.fit->problems;
-        report.problems.insert(report.problems.end(), fit.begin(), fit.end());
-    }
-    report.incomplete = report.incomplete || !inspected.image.is_readable;
-}
-
-QJsonObject facts_of(const std::vector<std::shared_ptr<const Inspected>>& images,
+QJsonObject facts_of(const std::vector<std::shared_ptr<const InspectedImage>>& images,
                      const Device& device)
 {
     QJsonArray all;
@@ -96,7 +59,7 @@ QJsonObject facts_of(const std::vector<std::shared_ptr<const Inspected>>& images
     return facts;
 }
 
-void print_images(TextPage& page, const std::vector<std::shared_ptr<const Inspected>>& images,
+void print_images(TextPage& page, const std::vector<std::shared_ptr<const InspectedImage>>& images,
                   const Profile* profile)
 {
     bool first = true;
@@ -113,7 +76,7 @@ void print_images(TextPage& page, const std::vector<std::shared_ptr<const Inspec
     }
 }
 
-void write_picture(const QString& path, const QStringList& inputs, const Inspected& inspected,
+void write_picture(const QString& path, const QStringList& inputs, const InspectedImage& inspected,
                    const Device& device)
 {
     QString title = inspected.image.path;
@@ -137,8 +100,9 @@ Report run(const CommandWords& words)
     }
     const std::shared_ptr<const Device> device = device_of(words);
     Report report;
-    add_fatal_problems(report, device->table);
-    std::vector<std::shared_ptr<const Inspected>> images;
+    const std::vector<Problem>& found = device->table.problems;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(report.problems), ends_the_run);
+    std::vector<std::shared_ptr<const InspectedImage>> images;
     for (const QString& file : files) {
         images.push_back(inspect_image(file, device->profile()));
         add_problems(report, *images.back());

@@ -31,6 +31,7 @@ const Subcommand& table_command();
 const Subcommand& image_command();
 const Subcommand& log_command();
 const Subcommand& ports_command();
+const Subcommand& plan_command();
 
 /// All of them, in the order of the help.
 const std::vector<const Subcommand*>& subcommands();

@@ -275,4 +275,10 @@ TableFile read_table(const QString& path)
     return TableReader(path).read();
 }
 
+bool ends_the_run(const Problem& problem)
+{
+    return problem.code == Code::RowVersion || problem.code == Code::FieldIsNoNumber ||
+           problem.code == Code::WordsPerAddressZero;
+}
+
 } // namespace inspect

@@ -54,4 +54,7 @@ struct TableFile {
 
 TableFile read_table(const QString& path);
 
+/// A problem that keeps the uploader from using the table at all, whichever device is asked for.
+bool ends_the_run(const Problem& problem);
+
 } // namespace inspect

@@ -50,7 +50,9 @@ TEST_P(GoldenReport, IsTheSameAsText)
 
 TEST_P(GoldenReport, IsTheSameAsJson)
 {
-    const inspect::Outcome outcome = inspect_run(words() + QStringList(QStringLiteral("--json")));
+    QStringList all = words();
+    all.insert(1, QStringLiteral("--json"));
+    const inspect::Outcome outcome = inspect_run(all);
     EXPECT_EQ(outcome.out.toStdString(), expected("json").toStdString());
     EXPECT_EQ(outcome.status, GetParam().status);
 }
@@ -85,5 +87,25 @@ INSTANTIATE_TEST_SUITE_P(
                "log tests/inspect/data/echo.log --table examples/device.txt --device 0110", 1},
         Golden{"damaged_log", "log tests/inspect/data/damaged.log --table examples/device.txt", 1},
         Golden{"empty_log", "log tests/memory/data/empty.hex", 1},
-        Golden{"missing_log", "log tests/inspect/data/no_such.log", 2}),
+        Golden{"missing_log", "log tests/inspect/data/no_such.log", 2},
+        Golden{"plan_of_a_write",
+               "plan --table examples/device.txt --device 0110 -- -s /dev/ttyUSB0 -e -w "
+               "examples/blink.hex -v examples/blink.hex -R",
+               0},
+        Golden{"plan_with_a_list",
+               "plan --table examples/device.txt --list -- -s /dev/ttyUSB0 -B 0x110 -h -l 0x800 "
+               "0xA00 no_such.hex",
+               0},
+        Golden{"plan_of_an_update",
+               "plan --table examples/device.txt --device 0110 --before examples/blink.hex -- -s "
+               "/dev/ttyUSB0 -wv examples/blink.hex",
+               0},
+        Golden{"plan_of_surprises",
+               "plan --table examples/device.txt -- -s /dev/ttyUSB0 -B 110 -E 0x800 0x1000 -W "
+               "0x800 0x900 examples/blink.hex -M 010 stray",
+               1},
+        Golden{"plan_of_a_refused_line", "plan -- -s /dev/ttyUSB0 -w", 1},
+        Golden{"plan_of_what_cannot_be_foreseen",
+               "plan --table examples/device.txt --device 0110 -- -s /dev/ttyUSB0 -w /dev/null",
+               2}),
     row_name);

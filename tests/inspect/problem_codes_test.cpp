@@ -1,5 +1,6 @@
 #include "inspect/ProblemCodes.h"
 #include "tests/inspect/InspectTest.h"
+#include "tests/inspect/PlanTest.h"
 #include "tests/inspect/Triggers.h"
 
 #include <QRegularExpression>
@@ -52,7 +53,7 @@ TEST(ProblemCodes, StandInTheOrderOfTheirTable)
     for (std::size_t i = 0; i < inspect::problem_kinds().size(); ++i) {
         EXPECT_EQ(static_cast<std::size_t>(inspect::problem_kinds().at(i).code), i);
     }
-    EXPECT_EQ(inspect::problem_kinds().back().code, inspect::Code::BrailleService);
+    EXPECT_EQ(inspect::problem_kinds().back().code, inspect::Code::ContentOutside);
 }
 
 TEST(ProblemCodes, AreNumberedWithoutGaps)
@@ -61,7 +62,7 @@ TEST(ProblemCodes, AreNumberedWithoutGaps)
     for (const inspect::ProblemKind& kind : inspect::problem_kinds()) {
         const int number = ++numbers[kind.name[0]];
         EXPECT_EQ(QString::fromLatin1(kind.name + 1),
-                  QString::number(number).rightJustified(3, QLatin1Char('0')));
+                  QString::number(++numbers[kind.name[0]]).rightJustified(3, QLatin1Char('0')));
     }
 }
 
@@ -95,6 +96,9 @@ TEST(ProblemCodes, AreTriggered)
 {
     std::set<std::string> triggered;
     for (const Trigger& trigger : triggers()) {
+        triggered.insert(trigger.code);
+    }
+    for (const PlanTrigger& trigger : plan_triggers()) {
         triggered.insert(trigger.code);
     }
     for (const inspect::ProblemKind& kind : inspect::problem_kinds()) {

@@ -1,4 +1,5 @@
 #include "tests/inspect/InspectTest.h"
+#include "tests/inspect/PlanTest.h"
 #include "tests/inspect/ProcessRun.h"
 #include "tests/inspect/Triggers.h"
 
@@ -52,6 +53,8 @@ protected:
     }
 };
 
+using PlanSchema = PlanTest;
+
 QStringList words(const char* text)
 {
     return QString::fromLatin1(text).split(QLatin1Char(' '));
@@ -84,6 +87,19 @@ TEST_F(Schema, OfLogsFitsEveryReport)
     lines.push_back(words("log tests/inspect/data/upload.log --table examples/device.txt"));
     lines.push_back(words("log no_such_log"));
     expect_valid("inspect/schema/log.schema.json", lines);
+}
+
+TEST_F(PlanSchema, FitsEveryReport)
+{
+    QJsonArray reports;
+    for (const PlanTrigger& trigger : plan_triggers()) {
+        reports.append(plan((std::string("--list ") + trigger.words).c_str()));
+    }
+    const ProcessResult result = run_process(QStringLiteral(PYTHON),
+                                             {QStringLiteral("tests/inspect/check_schema.py"),
+                                              QStringLiteral("inspect/schema/plan.schema.json")},
+                                             QJsonDocument(reports).toJson());
+    EXPECT_EQ(result.status, 0) << result.out.constData() << result.err.constData();
 }
 
 TEST_F(Schema, FitsNothingElse)

@@ -1,0 +1,94 @@
+#include "inspect/Rehearsal.h"
+
+#include "inspect/CapturedMessages.h"
+#include "inspect/RehearsalStage.h"
+#include "inspect/StandIns.h"
+#include "inspect/UsageError.h"
+
+#include <QTextStream>
+
+namespace inspect
+{
+
+namespace
+{
+
+/// A machine that stops for so long that an answer comes too late makes the uploader repeat a
+/// command, which is nothing that belongs to the plan. It hardly does so again and again.
+constexpr int most_rehearsals = 5;
+
+Settings with_stand_ins(Settings settings, StandIns& files)
+{
+    for (QString* name : {&settings.write_file, &settings.read_file, &settings.verify_file,
+                          &settings.write_and_verify_file, &settings.log_file}) {
+        *name = files.stand_in_for(*name);
+    }
+    return settings;
+}
+
+void take_steps(RehearsalStage& stage, const Settings& settings)
+{
+    QString console;
+    QTextStream console_stream(&console);
+    OperationDispatch dispatch(stage.host(), settings, console_stream);
+    for (const Operation operation : operations_of(settings)) {
+        stage.take(operation, [&] { return dispatch.carry_out(operation); });
+        if (stage.has_failed()) {
+            return;
+        }
+    }
+    if (settings.reset_wanted) {
+        stage.take(std::nullopt, [&stage] {
+            stage.host().reset();
+            return std::optional<Failure>();
+        });
+    }
+}
+
+/// Nothing when the machine has disturbed it.
+std::optional<Rehearsed> rehearse_once(const RehearsedProfiles& profiles, const Settings& settings,
+                                       const RehearsalOptions& options)
+{
+    StandIns files;
+    const Settings harmless = with_stand_ins(settings, files);
+    RehearsalStage stage(profiles, harmless, options);
+    take_steps(stage, harmless);
+    if (stage.was_disturbed()) {
+        return std::nullopt;
+    }
+    Rehearsed result = stage.take_result();
+    for (RehearsedStep& step : result.steps) {
+        for (QString& message : step.messages) {
+            message = files.with_files(message);
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+Traffic& Traffic::operator+=(const Traffic& other)
+{
+    for (const auto& [kind, count] : other.commands) {
+        commands[kind] += count;
+    }
+    bytes_to_device += other.bytes_to_device;
+    bytes_from_device += other.bytes_from_device;
+    pages_erased += other.pages_erased;
+    seconds += other.seconds;
+    return *this;
+}
+
+Rehearsed rehearse(const RehearsedProfiles& profiles, const Settings& settings,
+                   const RehearsalOptions& options)
+{
+    const CapturedMessages kept_off_the_terminal;
+    for (int i = 0; i < most_rehearsals; ++i) {
+        if (auto result = rehearse_once(profiles, settings, options)) {
+            return *result;
+        }
+    }
+    throw UsageError(QStringLiteral("the machine is too busy to rehearse the run"));
+}
+
+} // namespace inspect

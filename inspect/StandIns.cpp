@@ -1,0 +1,73 @@
+#include "inspect/StandIns.h"
+
+#include "inspect/FileOutlook.h"
+#include "inspect/UsageError.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <sys/mman.h>
+
+namespace inspect
+{
+
+namespace
+{
+
+constexpr qint64 block_size = 1024 * 1024;
+
+} // namespace
+
+QString StandIns::StandIn::name() const
+{
+    return QStringLiteral("/proc/self/fd/%1").arg(descriptor.get());
+}
+
+QString StandIns::stand_in_for(const QString& name)
+{
+    if (name.isEmpty()) {
+        return {};
+    }
+    const auto found =
+        std::find_if(m_stand_ins.begin(), m_stand_ins.end(), [&name](const StandIn& stand_in) {
+            return stand_in.file == name || are_one_file(stand_in.file, name);
+        });
+    if (found != m_stand_ins.end()) {
+        return found->name();
+    }
+    m_stand_ins.push_back({name, sim::Descriptor(::memfd_create("stand-in", MFD_CLOEXEC))});
+    fill(m_stand_ins.back());
+    return m_stand_ins.back().name();
+}
+
+/// What is no regular file, such as a terminal, or cannot be read, is only written to.
+void StandIns::fill(const StandIn& stand_in) const
+{
+    QFile copy(stand_in.name());
+    if (!stand_in.descriptor.is_open() || !copy.open(QIODevice::WriteOnly)) {
+        throw UsageError(QStringLiteral("the system gives no file in memory"));
+    }
+    if (!QFileInfo(stand_in.file).isFile() || !QFileInfo(stand_in.file).isReadable()) {
+        return;
+    }
+    QFile file(stand_in.file);
+    bool is_whole = file.open(QIODevice::ReadOnly);
+    while (is_whole && !file.atEnd()) {
+        const QByteArray block = file.read(block_size);
+        is_whole = !block.isEmpty() && copy.write(block) == block.size();
+    }
+    if (!is_whole || !copy.flush()) {
+        throw UsageError(QStringLiteral("cannot read %1").arg(stand_in.file));
+    }
+}
+
+QString StandIns::with_files(QString text) const
+{
+    for (const StandIn& stand_in : m_stand_ins) {
+        text.replace(stand_in.name(), stand_in.file);
+    }
+    return text;
+}
+
+} // namespace inspect
