@@ -4,6 +4,7 @@
 #include "device/Protocol.h"
 #include "inspect/Frames.h"
 #include "sim/device/MemoryGeometry.h"
+#include "sim/line/Line.h"
 #include "sim/rig/MemoryImage.h"
 
 #include <QDeadlineTimer>

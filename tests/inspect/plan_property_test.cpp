@@ -1,3 +1,4 @@
+#include "sim/device/Names.h"
 #include "sim/program/DeviceTable.h"
 #include "sim/rig/MemoryImage.h"
 #include "sim/rig/Rig.h"

@@ -62,7 +62,7 @@ TEST(ProblemCodes, AreNumberedWithoutGaps)
     for (const inspect::ProblemKind& kind : inspect::problem_kinds()) {
         const int number = ++numbers[kind.name[0]];
         EXPECT_EQ(QString::fromLatin1(kind.name + 1),
-                  QString::number(++numbers[kind.name[0]]).rightJustified(3, QLatin1Char('0')));
+                  QString::number(number).rightJustified(3, QLatin1Char('0')));
     }
 }
 
