@@ -5,8 +5,11 @@ namespace inspect
 
 const std::vector<const Subcommand*>& subcommands()
 {
-    static const std::vector<const Subcommand*> all = {
-        &table_command(), &image_command(), &plan_command(), &log_command(), &ports_command()};
+    static const std::vector<const Subcommand*> all = {&table_command(), &image_command(),
+#ifdef ZSERIAL_HAS_SIMULATOR
+                                                       &plan_command(),
+#endif
+                                                       &log_command(), &ports_command()};
     return all;
 }
 
