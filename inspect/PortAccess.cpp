@@ -32,6 +32,12 @@ QString octal(QFileDevice::Permissions permissions)
     return QStringLiteral("0%1").arg(mode, 3, 8, QLatin1Char('0'));
 }
 
+/// In a container, the numbers of another system often have no name.
+QString name_or_number(const QString& name, unsigned int id)
+{
+    return name.isEmpty() ? QString::number(id) : name;
+}
+
 /// As the system decides by mode: the first of owner, group and others that the user is counts.
 QString way_by_mode(const QFileInfo& file, const User& user)
 {
@@ -46,7 +52,7 @@ QString way_by_mode(const QFileInfo& file, const User& user)
     }
     if (user.groups.contains(file.groupId())) {
         return may_use(given, QFileDevice::ReadGroup | QFileDevice::WriteGroup)
-                   ? QStringLiteral("group ") + file.group()
+                   ? QStringLiteral("group ") + name_or_number(file.group(), file.groupId())
                    : QString();
     }
     return may_use(given, QFileDevice::ReadOther | QFileDevice::WriteOther)
@@ -122,8 +128,9 @@ PortAccess access_to(const QString& path, const User& user)
         return access;
     }
     access.mode = octal(file.permissions());
-    access.owner = file.owner();
-    access.group = file.group();
+    access.owner = name_or_number(file.owner(), file.ownerId());
+    access.group = name_or_number(file.group(), file.groupId());
+    access.group_has_name = !file.group().isEmpty();
     access.group_may =
         may_use(file.permissions(), QFileDevice::ReadGroup | QFileDevice::WriteGroup);
     access.through = way_by_mode(file, user);

@@ -26,8 +26,9 @@ struct PortAccess {
     bool exists = false;
     bool is_open_to_user = false;
     QString mode;  ///< "0660"
-    QString owner; ///< name of the file's owner
-    QString group;
+    QString owner; ///< name of the file's owner, or the number where it has no name
+    QString group; ///< likewise
+    bool group_has_name = false;
     QString through; ///< "root", "owner", "group dialout", "everybody", "an access list"; or empty
     bool group_may = false; ///< members of the group may open it
 };

@@ -64,6 +64,11 @@ private:
     /// Only where the group would help; nobody should join the group of root.
     QString remedy_for(const PortAccess& access) const
     {
+        if (access.group_may && !access.group_has_name) {
+            return QStringLiteral("As root, name the group with groupadd -g %1 NAME and run "
+                                  "usermod -aG NAME %2; then log in again.")
+                .arg(access.group, m_report.user.name);
+        }
         if (access.group_may && access.group != QLatin1String("root")) {
             return QStringLiteral("Run usermod -aG %1 %2 as root, and log in again.")
                 .arg(access.group, m_report.user.name);

@@ -18,6 +18,15 @@ QString lock_name(const QString& path, const SystemRoots& roots)
            path.mid(roots.dev.size() + 1).replace(QLatin1Char('/'), QLatin1Char('_'));
 }
 
+/// A process has the name under which its program was started, such as that of a link, and the
+/// kernel cuts it. A lock names the program.
+bool runs_program(const Processes& processes, qint64 id, const QByteArray& program)
+{
+    constexpr int longest_name = 15;
+    return processes.program_of(id).toUtf8() == program ||
+           processes.name_of(id).toUtf8() == program.left(longest_name);
+}
+
 /// Other programs write the process alone. The uploader's library adds the program's name, host,
 /// machine and boot; a process of another name, or an earlier boot, is not the one that locked.
 bool has_ended(const QList<QByteArray>& lines, const Process& owner, const SystemRoots& roots,
@@ -25,11 +34,11 @@ bool has_ended(const QList<QByteArray>& lines, const Process& owner, const Syste
 {
     constexpr int name_line = 1;
     constexpr int boot_line = 4;
-    const QString running = processes.name_of(owner.id);
     const QByteArray boot = small_file(roots.proc + QStringLiteral("/sys/kernel/random/boot_id"));
     const QByteArray locked_by = lines.value(name_line).trimmed();
     const QByteArray locked_in = lines.value(boot_line).trimmed();
-    return running.isEmpty() || (!locked_by.isEmpty() && !locked_by.startsWith(running.toUtf8())) ||
+    return processes.name_of(owner.id).isEmpty() ||
+           (!locked_by.isEmpty() && !runs_program(processes, owner.id, locked_by)) ||
            (!locked_in.isEmpty() && !boot.isEmpty() && locked_in != boot);
 }
 

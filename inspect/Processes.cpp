@@ -11,7 +11,7 @@
 namespace inspect
 {
 
-Processes::Processes(const QString& proc, const QStringList& paths)
+Processes::Processes(const QString& proc, const QStringList& paths) : m_proc(proc)
 {
     const QDir folder(proc);
     for (const QFileInfo& entry : folder.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
@@ -54,6 +54,18 @@ QString Processes::name_of(qint64 id) const
     const auto found = std::find_if(m_all.begin(), m_all.end(),
                                     [id](const Process& process) { return process.id == id; });
     return found == m_all.end() ? QString() : found->name;
+}
+
+/// The kernel marks a program whose file has been replaced, such as by an update.
+QString Processes::program_of(qint64 id) const
+{
+    const QString mark = QStringLiteral(" (deleted)");
+    const QFileInfo link(QStringLiteral("%1/%2/exe").arg(m_proc).arg(id));
+    QString name = QFileInfo(link.symLinkTarget()).fileName();
+    if (name.endsWith(mark)) {
+        name.chop(mark.size());
+    }
+    return name;
 }
 
 bool Processes::runs(const QString& name) const

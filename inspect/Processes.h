@@ -28,6 +28,9 @@ public:
 
     /// The name of a running process; empty when there is none of this id.
     QString name_of(qint64 id) const;
+    /// The file name of the program that a process runs, which need not be the name of the process;
+    /// empty where this user may not see it.
+    QString program_of(qint64 id) const;
     bool runs(const QString& name) const;
     std::vector<Process> holders_of(const QString& path) const;
 
@@ -37,6 +40,7 @@ public:
 private:
     void look_at_files(const QString& folder, const Process& process, const QStringList& paths);
 
+    QString m_proc;
     std::vector<Process> m_all;
     std::vector<Holder> m_holders;
     int m_unseen = 0;

@@ -8,6 +8,8 @@
 #include <QSerialPortInfo>
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
 using namespace test;
 
 // Serial ports and what keeps a user from them, on trees of made-up systems and on this machine.
@@ -149,6 +151,24 @@ TEST_F(Ports, ThatAreOpenToAGroupAreClosedToOthers)
                 HasSubstr("User nobody may not read and write it (mode 0660, owner "));
 }
 
+TEST_F(Ports, MayBelongToAUserAndAGroupWithoutNames)
+{
+    add_adapter();
+    close_port(0x6660);
+    constexpr unsigned int id = 4242424;
+    const QByteArray path = QFile::encodeName(m_system.path(QStringLiteral("dev/ttyUSB0")));
+    if (::chown(path.constData(), id, id) != 0) {
+        GTEST_SKIP() << "only root can give a file away";
+    }
+    const QJsonObject found = report({QStringLiteral("--user"), QStringLiteral("nobody")});
+    EXPECT_THAT(message_of(found, "S004"), HasSubstr("(mode 0660, owner 4242424, group 4242424)."));
+    EXPECT_THAT(message_of(found, "S004", "remedy"),
+                HasSubstr("groupadd -g 4242424 NAME and run usermod -aG NAME nobody;"));
+    const inspect::User member{QStringLiteral("a"), id + 1, {id}, false};
+    EXPECT_EQ(inspect::access_to(QFile::decodeName(path), member).through,
+              QStringLiteral("group 4242424"));
+}
+
 TEST_F(Ports, AreJudgedByTheFirstOfOwnerGroupAndOthersThatFits)
 {
     add_adapter();
@@ -189,6 +209,30 @@ TEST_F(Ports, MayBeLockedByAProcessThatRuns)
     const QJsonObject found = report();
     EXPECT_THAT(codes(found), ElementsAre("S006"));
     EXPECT_THAT(message_of(found, "S006"), HasSubstr("LCK..ttyUSB0 names process 4711 (zserial)"));
+}
+
+TEST_F(Ports, MayBeLockedByAProgramThatWasStartedUnderAnotherName)
+{
+    add_adapter();
+    m_system.add_process(4711, "flasher");
+    lock("4711\nzserial\nhost\nmachine\nthis-boot\n");
+    for (const char* program : {"/usr/bin/zserial", "/usr/bin/zserial (deleted)"}) {
+        m_system.link(QStringLiteral("proc/4711/exe"), QLatin1String(program));
+        EXPECT_THAT(codes(report()), ElementsAre("S006")) << program;
+        ASSERT_TRUE(QFile::remove(m_system.path(QStringLiteral("proc/4711/exe"))));
+    }
+    m_system.link(QStringLiteral("proc/4711/exe"), QStringLiteral("/usr/bin/flasher"));
+    EXPECT_THAT(codes(report()), ElementsAre("S007"));
+}
+
+TEST_F(Ports, MayBeLockedByAProgramWithALongName)
+{
+    add_adapter();
+    m_system.add_process(4711, "a-serial-upload");
+    lock("4711\na-serial-uploader\nhost\nmachine\nthis-boot\n");
+    EXPECT_THAT(codes(report()), ElementsAre("S006"));
+    m_system.add_process(4711, "a"); // not cut: another program
+    EXPECT_THAT(codes(report()), ElementsAre("S007"));
 }
 
 TEST_F(Ports, MayBeLockedInTheFormOfOtherPrograms)
