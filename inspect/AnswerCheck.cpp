@@ -76,7 +76,7 @@ AnswerVerdict AnswerCheck::judge(const QByteArray& payload, const QByteArray& re
     } else {
         verdict = judge_payload(payload, verdict.payload);
     }
-    if (verdict.kind != Kind::Accepted && received.startsWith(frame::encode(payload))) {
+    if (verdict.kind != Kind::Accepted && received.contains(frame::encode(payload))) {
         verdict.kind = Kind::Echo;
     }
     return verdict;

@@ -113,6 +113,11 @@ void LogDiagnosis::take_accepted(const LoggedCommand& command)
 void LogDiagnosis::take_refused(const LoggedCommand& command, const AnswerVerdict& verdict,
                                 qint64 line)
 {
+    if (is_echo(verdict)) {
+        note(Code::EchoAsAnswer, line,
+             QStringLiteral("The answer to %1 holds a command that was sent.").arg(text(command)));
+        return;
+    }
     if (const auto earlier = earlier_command(command.payload, verdict.payload)) {
         note(Code::LateAnswer, line,
              QStringLiteral("To %1 came the answer to: %2.")
@@ -121,11 +126,6 @@ void LogDiagnosis::take_refused(const LoggedCommand& command, const AnswerVerdic
     }
     const QString detail = QStringLiteral("To %1: %2.").arg(text(command), verdict.reason);
     switch (verdict.kind) {
-    case AnswerVerdict::Kind::Echo:
-        note(Code::EchoAsAnswer, line,
-             QStringLiteral("The answer to %1 begins with the very frame that was sent.")
-                 .arg(text(command)));
-        break;
     case AnswerVerdict::Kind::StrayBytes:
         note(Code::StrayBytes, line, detail);
         break;
@@ -221,6 +221,13 @@ std::vector<Problem> LogDiagnosis::problems(const QString& path, const LogCounts
                             {}});
     }
     return problems;
+}
+
+/// The echo of a command can come after the next one has been sent.
+bool LogDiagnosis::is_echo(const AnswerVerdict& verdict) const
+{
+    return verdict.kind == AnswerVerdict::Kind::Echo ||
+           std::find(m_earlier.begin(), m_earlier.end(), verdict.payload) != m_earlier.end();
 }
 
 /// The command before the last one, or a few earlier, that this is the answer to.

@@ -52,6 +52,7 @@ private:
         QString detail; ///< of the first
     };
 
+    bool is_echo(const AnswerVerdict& verdict) const;
     std::optional<SentCommand> earlier_command(const QByteArray& payload,
                                                const QByteArray& answer) const;
     QString text(const LoggedCommand& command) const;

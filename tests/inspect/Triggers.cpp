@@ -194,6 +194,8 @@ std::vector<Trigger> log_triggers()
         {"L008", version + received("00020110") + erase.repeated(40), 4, 0},
         {"L009", erased + write.repeated(40), 4, 0},
         {"L010", write + received("02010008000102"), 3, 0},
+        {"L010", erased + write + received("02") + write.mid(QByteArray("\nTX:").size()), 5, 0},
+        {"L010", write + received("02") + read + received("02010008000102"), 5, 0},
         {"L011", erase + erased, 2, 0},
         {"L012", erased + write + received("03"), 5, 0},
         {"L012",
