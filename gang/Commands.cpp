@@ -1,7 +1,7 @@
 #include "gang/Commands.h"
 
 #include "gang/ArgumentError.h"
-#include "util/FileNames.h"
+#include "process/FileNames.h"
 
 #include <QFileInfo>
 #include <QHash>

@@ -4,7 +4,7 @@
 #include "gang/ReportCommand.h"
 #include "gang/Session.h"
 #include "util/Platform.h"
-#include "util/ProcessSetup.h"
+#include "process/ProcessSetup.h"
 
 #include <QCoreApplication>
 

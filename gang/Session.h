@@ -8,7 +8,7 @@
 #include "gang/NumberFile.h"
 #include "gang/PortWatch.h"
 #include "gang/RecordFile.h"
-#include "util/SignalEvents.h"
+#include "process/SignalEvents.h"
 
 #include <QObject>
 

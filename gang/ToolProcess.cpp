@@ -1,6 +1,6 @@
 #include "gang/ToolProcess.h"
 
-#include "util/ProcessSetup.h"
+#include "process/ProcessSetup.h"
 
 #include <QProcessEnvironment>
 

@@ -16,7 +16,7 @@ refuse_all_but() {
     fi
 }
 
-allowed='util|profile|memory'
+allowed='util|process|profile|memory'
 for layer in "${layers[@]}"; do
     [ -d "sim/$layer" ]
     allowed+="|sim/$layer"

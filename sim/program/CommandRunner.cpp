@@ -1,6 +1,6 @@
 #include "sim/program/CommandRunner.h"
 
-#include "util/ProcessSetup.h"
+#include "process/ProcessSetup.h"
 
 namespace sim
 {

@@ -1,6 +1,6 @@
 #include "sim/program/FileClash.h"
 
-#include "util/FileNames.h"
+#include "process/FileNames.h"
 
 #include <QFileInfo>
 

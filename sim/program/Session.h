@@ -11,7 +11,7 @@
 #include "sim/program/PortLink.h"
 #include "sim/program/StateFile.h"
 #include "sim/rig/MemoryImage.h"
-#include "util/SignalEvents.h"
+#include "process/SignalEvents.h"
 
 #include <QElapsedTimer>
 #include <QObject>

@@ -1,7 +1,7 @@
 #include "sim/program/Console.h"
 #include "sim/program/Session.h"
 #include "util/Platform.h"
-#include "util/ProcessSetup.h"
+#include "process/ProcessSetup.h"
 
 #include <QCoreApplication>
 

@@ -96,7 +96,7 @@ class Installed(unittest.TestCase):
                  "share/man/", "share/zsh/", DOCUMENTS + "/")
         rest = {name for name in self.files if not name.startswith(known)}
         self.assertEqual({name for name in rest if not re.fullmatch(
-            r"lib[a-z0-9_/-]*/(libzserial-(core|sim)\.a|cmake/zserial/\w+(-\w+)?\.cmake)", name)}, set())
+            r"lib[a-z0-9_/-]*/(libzserial-(core|process|sim)\.a|cmake/zserial/\w+(-\w+)?\.cmake)", name)}, set())
 
     def test_name_no_folder_of_the_build(self):
         for name in self.files:

@@ -1,4 +1,4 @@
-#include "util/SignalEvents.h"
+#include "process/SignalEvents.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "util/ProcessSetup.h"
+#include "process/ProcessSetup.h"
 
 #include "util/Platform.h"
 

@@ -1,4 +1,4 @@
-#include "util/FileNames.h"
+#include "process/FileNames.h"
 
 #include <QDir>
 #include <QFile>
