@@ -309,7 +309,8 @@ const std::vector<ProblemKind>& problem_kinds()
          "something else by it."},
         {Code::AnswerLength, "L014", error, "Answers of another length",
          "Refuses the answer and sends the command again.",
-         "Correct the word size in the table, or the version of -B: the device has other words."},
+         "After a read, correct the word size in the table, or the version of -B: the device has "
+         "other words. After another command, check what is connected to the port."},
         {Code::StrayBytes, "L015", warning, "Bytes before an answer",
          "Refuses the answer and sends the command again.",
          "Look for noise on the line, for another program on the port, and for a device that "

@@ -204,6 +204,7 @@ std::vector<Trigger> log_triggers()
         {"L014", read + received("010200080001"), 3, 0},
         {"L014", read + received("01020008000102") + read + received("010200080001020304"), 5, 0},
         {"L014", read + received("01020008000102"), 3, 0, table_row()},
+        {"L014", version + received("000201"), 3, 0},
         {"L015", write + "\nRX:31555502fe04", 3, 0},
         {"L016", write + "\nRX:555502fd04", 3, 0},
         {"L017", erased + write + write + received("02"), 4, 0},
