@@ -22,8 +22,8 @@ install_packages() {
 }
 
 build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev libssl-dev zlib1g-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev python3 python3-jsonschema binutils srecord
+test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-jsonschema binutils srecord
     librsvg2-bin tmux parallel)
 fuzz_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy shellcheck)
-check_packages=(bash debootstrap dpkg-dev fish git lintian mandoc zsh)
+check_packages=(bash debootstrap dpkg-dev fish lintian mandoc zsh)
