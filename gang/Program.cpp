@@ -3,8 +3,8 @@
 #include "gang/Arguments.h"
 #include "gang/ReportCommand.h"
 #include "gang/Session.h"
-#include "util/Platform.h"
 #include "process/ProcessSetup.h"
+#include "util/Platform.h"
 
 #include <QCoreApplication>
 

@@ -5,13 +5,13 @@
 // and the state is saved however a run ends. docs/simulator.md describes the options and the exit
 // status; StateFile.h the format of a state.
 
+#include "process/SignalEvents.h"
 #include "sim/program/Arguments.h"
 #include "sim/program/CommandRunner.h"
 #include "sim/program/DeviceTable.h"
 #include "sim/program/PortLink.h"
 #include "sim/program/StateFile.h"
 #include "sim/rig/MemoryImage.h"
-#include "process/SignalEvents.h"
 
 #include <QElapsedTimer>
 #include <QObject>

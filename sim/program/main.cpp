@@ -1,7 +1,7 @@
+#include "process/ProcessSetup.h"
 #include "sim/program/Console.h"
 #include "sim/program/Session.h"
 #include "util/Platform.h"
-#include "process/ProcessSetup.h"
 
 #include <QCoreApplication>
 
