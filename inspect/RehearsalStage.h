@@ -9,6 +9,15 @@
 namespace inspect
 {
 
+/// An attempt at a command, as seen from both ends.
+struct Attempt {
+    sim::Command command; ///< as it was heard
+    int sent = 0;         ///< bytes
+    int answered = 0;     ///< bytes; 0 for no answer
+    bool is_awaited = true;
+    bool has_answer = false; ///< the uploader's end has got it
+};
+
 /// Where a rehearsal takes place: the uploader's end and the device's end of a line, and what is
 /// observed at both.
 class RehearsalStage
@@ -34,15 +43,6 @@ public:
     Rehearsed take_result() { return std::move(m_result); }
 
 private:
-    /// An attempt at a command, as seen from both ends.
-    struct Attempt {
-        sim::Command command; ///< as it was heard
-        int sent = 0;         ///< bytes
-        int answered = 0;     ///< bytes; 0 for no answer
-        bool is_awaited = true;
-        bool has_answer = false; ///< the uploader's end has got it
-    };
-
     quint64 heard() const;
     quint64 answered() const;
 
