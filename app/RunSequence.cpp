@@ -23,7 +23,7 @@ QStringList arguments_after_program_name(int argc, char** argv)
     return arguments;
 }
 
-/// The device opens the port again by itself; this only reports a wrong name early.
+/// The device opens the port again itself; this only reports a wrong name early.
 std::optional<Failure> check_port(const QString& name)
 {
     const QString message =

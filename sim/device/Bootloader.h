@@ -17,7 +17,7 @@ class Profile;
 namespace sim
 {
 
-/// What the device heard and the bytes it answers with, empty where it stays silent.
+/// What the device received, and the bytes of its answer; empty if it stays silent.
 struct Exchange {
     Command command;
     QByteArray answer;
@@ -25,10 +25,10 @@ struct Exchange {
 
 /// The bootloader as a state machine without a line: bytes in, answers out.
 ///
-/// While starting it answers the probe, heard at 9600 baud, and then runs. Frames are understood at
+/// While starting it answers a probe at 9600 baud, and then runs. Frames are understood at
 /// the profile's rate; one that comes while starting makes the device run just as a probe does. A
-/// running device also hears the version command at 460800 baud. Bytes at any other rate are noise
-/// that also damages a frame begun before.
+/// running device also understands the version command at 460800 baud. Bytes at any other rate are
+/// noise that also damages a frame in progress.
 ///
 /// Where the profile's rate is 9600 too, a starting device can't distinguish a probe from the sync
 /// symbol of a frame. It answers as for a probe and still follows the frame.
@@ -43,13 +43,13 @@ public:
 
     bool is_running() const { return m_running; }
 
-    /// Frames that began and came to nothing.
+    /// Frames that began and were dropped.
     unsigned int dropped_frames() const { return m_receiver.dropped_frames(); }
 
-    /// Without a gate every command gets to the device as it is.
+    /// Without a gate every command reaches the device unchanged.
     void set_gate(Gate gate) { m_gate = std::move(gate); }
 
-    /// Without a store all data gets into the cells.
+    /// Without a store all data reach the cells.
     void set_store(Store store) { m_store = std::move(store); }
 
 private:

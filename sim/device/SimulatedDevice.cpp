@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr qint64 ns_per_ms = 1000000;
-/// However much a host asks for without waiting, the device is done with it after so long.
+/// The longest time for which commands that a host sends without waiting keep the device busy.
 constexpr qint64 longest_work_ns = 24 * 3600 * 1000 * ns_per_ms;
 
 LineOptions line_options(const Options& options)
@@ -116,7 +116,7 @@ void SimulatedDevice::Works::hear(const QByteArray& bytes, unsigned int baud)
     }
 }
 
-/// A device does one thing after the other; what it is asked meanwhile waits its turn.
+/// A device carries out one command after the other; those that arrive meanwhile wait.
 SimulatedDevice::Works::Reply SimulatedDevice::Works::reply_to(Exchange& exchange, qint64 now_ns)
 {
     exchange.command.sequence = m_next_sequence++;
@@ -171,7 +171,7 @@ bool SimulatedDevice::Works::Reply::is_immediate() const
     return ready_ns == heard_ns && !deliveries.empty() && deliveries.front().delay_ms <= 0;
 }
 
-/// Where the line takes its time, that alone decides what comes together.
+/// On a paced line, timing alone decides which bytes arrive together.
 bool SimulatedDevice::Works::holds_answers_back() const
 {
     return m_options.echo == Echo::Apart && !m_options.paced && m_options.latency_ms == 0;

@@ -1,9 +1,9 @@
 #pragma once
 
 // This folder is a healthy device: frames, commands, flash and EEPROM with their rules, and the
-// state that decides what is heard. It was written from the device's side and shares nothing with
-// the tool's own codec, or both could make the same mistake. Faults have no place in it: they come
-// in through its filters, gate and store. docs/protocol.md has the format of frames and commands.
+// state that decides what is received. It was written from the device's side and shares nothing
+// with the tool's own codec, or both could make the same mistake. It has no faults: they enter
+// through its filters, gate and store. docs/protocol.md has the format of frames and commands.
 
 #include "sim/device/Command.h"
 #include "sim/device/DeviceMemory.h"
@@ -44,12 +44,12 @@ public:
     /// The rate that the host has set on its port.
     unsigned int host_baud() const;
 
-    /// To preset, and to look at what commands have done.
+    /// For presetting it and for checking what commands have done.
     DeviceMemory& memory();
     const DeviceMemory& memory() const;
 
-    /// Everything made out since the start or the last clear_commands(), in order; nothing for a
-    /// device that keeps no record, as for payloads() and heard().
+    /// Every command since the start or the last clear_commands(), in order; empty for a
+    /// device that keeps no record, as are payloads() and heard().
     const std::vector<Command>& commands() const;
     /// The payloads of the framed commands among them, that is all but the probes.
     std::vector<QByteArray> payloads() const;
@@ -62,9 +62,9 @@ public:
     qint64 bytes_from_host() const;
     /// Bytes that were dropped because the host left too much unread.
     qint64 lost_bytes() const;
-    /// Frames that began and came to nothing.
+    /// Frames that began and were dropped.
     unsigned int dropped_frames() const;
-    /// The line with its figures.
+    /// The line with its statistics.
     const Line& line() const;
 
     /// Replaces answers. An empty filter lets them pass as they are.

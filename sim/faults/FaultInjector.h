@@ -1,9 +1,9 @@
 #pragma once
 
-// This folder is what goes wrong. Every kind of fault draws its random numbers from a stream of its
-// own, which depends on seed, kind and the number of the command alone: a fault more or less does
-// not change when the others happen. FaultKind.h has the list of kinds; docs/simulator.md describes
-// how faults are written, under "Faults".
+// This folder is everything that goes wrong. Every kind of fault draws its random numbers from a
+// stream of its own, which depends only on the seed, the kind and the number of the command: adding
+// or removing a fault does not change when the others happen. FaultKind.h lists the kinds;
+// docs/simulator.md describes how faults are written, under "Faults".
 
 #include "sim/faults/ByteDamage.h"
 #include "sim/faults/FaultSettings.h"
@@ -16,14 +16,14 @@
 namespace sim
 {
 
-/// Lets the faults that a user asked for happen to one device, and counts them. Follows a device
-/// through its four openings: requests, gate, store, replies.
+/// Injects the faults that a user requested into one device, and counts them. Uses the four hooks
+/// of a device: request filter, gate, store, reply filter.
 class FaultInjector
 {
 public:
     explicit FaultInjector(const FaultSettings& settings);
 
-    /// What the device gets of bytes from the host.
+    /// The bytes from the host as the device receives them.
     QByteArray damage_request(const QByteArray& bytes);
     /// What the device gets of its next command; see Gate.
     std::optional<QByteArray> let_through(const Command& command);
@@ -37,12 +37,12 @@ public:
         bool unplug = false;            ///< the line vanishes before anything of this goes out
     };
 
-    /// What goes out for a command; asked once for each that was let through or not, in the same
-    /// order.
+    /// What is sent in answer to a command; called once for each command, lost ones included, in
+    /// the same order.
     Reply reply(const Command& command, const QByteArray& answer);
 
-    /// How often each kind has been applied; kinds that never were are missing. Of stuck bits, how
-    /// many have been asked for.
+    /// How often each kind has been applied; kinds that never were are missing. For stuck bits,
+    /// the number requested.
     const std::map<FaultKind, unsigned int>& counts() const { return m_counts; }
 
 private:

@@ -17,10 +17,10 @@ namespace sim
 namespace
 {
 
-/// What a command wrote to its port just before it ended takes a moment to get here.
+/// What a command wrote to its port just before it ended takes a moment to arrive.
 constexpr int quiet_ms = 20;
-/// A slow line needs this long for a few frames. A flood that the command left behind, or that one
-/// of its own processes keeps up, must not hold up the end of the run.
+/// A slow line needs this long for a few frames. Bytes that the command has left in the port, or
+/// that one of its processes keeps sending, must not delay the end of the run.
 constexpr int longest_wait_ms = 5000;
 
 QString summary_text(const Summary& summary, bool json)
@@ -39,7 +39,7 @@ void write_text(const QString& path, const QString& text)
     }
 }
 
-/// What can't be done is complained about with the name of the option that asked for it.
+/// Error messages name the option that requested what cannot be done.
 template <typename Action>
 void for_option(const char* option, const Action& action)
 {
@@ -50,7 +50,7 @@ void for_option(const char* option, const Action& action)
     }
 }
 
-/// Complains when it fails.
+/// Reports a failure on standard error.
 template <typename Write>
 bool succeeds(const Write& write)
 {
@@ -77,7 +77,7 @@ Session::Session(const Arguments& arguments)
     if (!arguments.check_image.isEmpty()) {
         m_expected.emplace(arguments.check_image);
     }
-    // From here on nothing waits for anybody, and what is made has to be removed in the end.
+    // From here on nothing blocks, and whatever is created has to be removed at the end.
     m_signals.emplace();
     const QString port_path = m_rig->device().port_path();
     if (!arguments.link.isEmpty()) {
@@ -89,7 +89,7 @@ Session::Session(const Arguments& arguments)
     m_quiet.setSingleShot(true);
     connect(&m_quiet, &QTimer::timeout, this, &Session::leave_when_quiet);
     connect(&*m_signals, &Platform::SignalEvents::stop_requested, this, &Session::stop);
-    // Last, for it empties its file.
+    // Last, because it truncates its file.
     if (!arguments.trace.isEmpty()) {
         for_option("--trace", [&] { m_rig->start_trace(arguments.trace); });
     }
@@ -103,7 +103,7 @@ void Session::set_up_rig()
     }
 }
 
-/// A file that is written must be none of the others: it would be lost.
+/// A file that is written must not be one of the others, whose content would be lost.
 void Session::refuse_clashes() const
 {
     using Use = NamedFile::Use;
@@ -124,7 +124,7 @@ void Session::refuse_clashes() const
     }
 }
 
-/// The image goes over the state, as an uploader's work would.
+/// The image overwrites the state, as an uploader would.
 void Session::prepare_memory()
 {
     DeviceMemory& memory = m_rig->device().memory();
@@ -150,7 +150,7 @@ int Session::run()
     }
     serve();
     m_link.reset();
-    // Saved first: who was to read the summary may be gone.
+    // Saved first: the reader of the summary may be gone.
     const bool saved = save();
     const bool holds = sum_up();
     return exit_status(m_served && saved && holds);
@@ -164,7 +164,7 @@ int Session::exit_status(bool is_good) const
     return is_good ? ExitGood : ExitFailed;
 }
 
-/// Whatever happens, what was to be saved can still be saved after it.
+/// Whatever happens here, everything can still be saved afterwards.
 void Session::serve()
 {
     try {
@@ -202,7 +202,7 @@ void Session::end_command(const CommandEnd& end, const QString& complaint)
     m_quiet.start(quiet_ms);
 }
 
-/// The device gets the last word that a command sent, such as a reset that it did not wait for.
+/// Lets the device receive the last bytes of the command, such as a reset that it did not wait for.
 void Session::leave_when_quiet()
 {
     const qint64 heard = m_rig->device().bytes_from_host();
@@ -219,7 +219,7 @@ void Session::leave_when_quiet()
     QCoreApplication::quit();
 }
 
-/// True when the memory holds what it should and the summary has got out.
+/// True if the memory passes the check and the summary has been written.
 bool Session::sum_up()
 {
     Summary summary = m_rig->summary();
@@ -246,11 +246,11 @@ bool Session::give_out(const QString& text) const
     return succeeds([&] { write_text(m_arguments.summary, text + QLatin1Char('\n')); });
 }
 
-/// Tries everything that is to be saved, whatever becomes of the rest.
+/// Tries to save everything, even if some of it fails.
 bool Session::save()
 {
     const bool state = save_state();
-    // An image may go to a pipe, which waits for its reader and for ever if there is none.
+    // An image may go to a pipe, which blocks until it has a reader.
     m_signals.reset();
     const bool image = save_image();
     if (!m_rig->is_trace_whole()) {

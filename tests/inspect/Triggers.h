@@ -8,13 +8,13 @@
 namespace test
 {
 
-/// A file, or two, that brings a problem of one code. Those of ports come with PortsTest.
+/// One or two files that cause a problem with this code. Those of ports come with PortsTest.
 struct Trigger {
     const char* code;
     QByteArray content; ///< of the table, image or log; none at all when null
     int line;           ///< where the problem is; 0 for nowhere
     int column;
-    QByteArray other = {}; ///< of the table beside it
+    QByteArray other = {}; ///< of the other table
 
     /// "table", "image" or "log".
     const char* subcommand() const
@@ -26,7 +26,7 @@ struct Trigger {
     const char* other_option() const { return code[0] == 'T' ? "--against" : "--table"; }
 };
 
-/// For every code at least one.
+/// At least one for every code.
 const std::vector<Trigger>& triggers();
 
 } // namespace test
