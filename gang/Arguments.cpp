@@ -74,7 +74,8 @@ unsigned short parse_version(const QString& text)
     const ushort version = text.toUShort(&converted, 16);
     if (!converted) {
         throw ArgumentError(
-            QStringLiteral("%1 is no bootloader version of up to four hexadecimal digits")
+            QStringLiteral(
+                "--expect: '%1' is not a bootloader version of up to four hexadecimal digits")
                 .arg(text));
     }
     return version;
@@ -85,7 +86,8 @@ unsigned int parse_address(const QString& text)
     bool converted = false;
     const uint address = text.toUInt(&converted, 0);
     if (!converted) {
-        throw ArgumentError(QStringLiteral("--serial-at takes an address such as 0x1F00"));
+        throw ArgumentError(
+            QStringLiteral("--serial-at: '%1' is not an address such as 0x1F00").arg(text));
     }
     return address;
 }
@@ -101,7 +103,8 @@ NumberSlot::Format parse_format(const QString& text)
     if (text == QLatin1String("text")) {
         return NumberSlot::Format::DecimalText;
     }
-    throw ArgumentError(QStringLiteral("--serial-format is little, big or text"));
+    throw ArgumentError(
+        QStringLiteral("--serial-format must be little, big or text, not '%1'").arg(text));
 }
 
 /// All three options of the serial number or none.
@@ -121,7 +124,8 @@ std::optional<NumberSlot> parse_slot(const OptionParser& parser)
     slot.format = parse_format(parser.value("serial-format", QStringLiteral("little")));
     slot.size = parser.whole_number("serial-size", 0, 1, largest_size(slot.format));
     if (slot.address > std::numeric_limits<unsigned int>::max() - unsigned(slot.size - 1)) {
-        throw ArgumentError(QStringLiteral("the serial number goes beyond the last address"));
+        throw ArgumentError(
+            QStringLiteral("the serial number would reach beyond address 0xFFFFFFFF"));
     }
     return slot;
 }
@@ -155,13 +159,15 @@ void take_options(const OptionParser& parser, Arguments& arguments)
 void check(const Arguments& arguments)
 {
     if (arguments.ports.isEmpty() == arguments.watch.isEmpty()) {
-        throw ArgumentError(QStringLiteral("name the ports, or a pattern with --watch"));
+        throw ArgumentError(
+            QStringLiteral("name either ports or, with --watch, a pattern for them"));
     }
     if (arguments.tool_arguments.isEmpty()) {
-        throw ArgumentError(QStringLiteral("the arguments of zserial must follow --"));
+        throw ArgumentError(
+            QStringLiteral("the arguments of zserial are missing; write them after --"));
     }
     if (arguments.keep_failures_only && arguments.keep.isEmpty()) {
-        throw ArgumentError(QStringLiteral("--keep-failures goes with --keep"));
+        throw ArgumentError(QStringLiteral("--keep-failures needs --keep"));
     }
 }
 

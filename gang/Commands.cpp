@@ -94,12 +94,13 @@ void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCom
             }
             const QString file = Platform::file_key(output);
             if (inputs.contains(file)) {
-                throw ArgumentError(QStringLiteral("%1 would be overwritten, and is %2")
+                throw ArgumentError(QStringLiteral("%1 is %2 and would be overwritten")
                                         .arg(output, inputs.value(file)));
             }
             if (writers.contains(file)) {
                 throw ArgumentError(
-                    QStringLiteral("%1 would be written for %2 and for %3; use {name} or {n}")
+                    QStringLiteral(
+                        "%1 would be written for %2 and for %3; put {name} or {n} into its name")
                         .arg(output, writers.value(file), command.port().path));
             }
             writers.insert(file, command.port().path);
@@ -111,7 +112,8 @@ void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCom
 void refuse_images_by_port(const std::vector<ToolCommand>& commands)
 {
     if (commands.size() > 1 && commands[0].images() != commands[1].images()) {
-        throw ArgumentError(QStringLiteral("with --watch all devices get the same images"));
+        throw ArgumentError(
+            QStringLiteral("with --watch, the name of an image must not depend on the port"));
     }
 }
 
@@ -125,7 +127,7 @@ void check_operations(const Arguments& arguments, const ToolCommand& command)
     }
     if (command.settings().bootloader_version != 0 && arguments.expected_version) {
         throw ArgumentError(QStringLiteral(
-            "with -B no device is asked for its version, so --expect cannot protect any"));
+            "--expect and -B exclude each other: with -B no device is asked for its version"));
     }
 }
 

@@ -23,7 +23,8 @@ CopiedFile::CopiedFile(const QString& path, const QString& copy)
         throw FileError(QStringLiteral("%1: %2").arg(path, file.errorString()));
     }
     if (!write_file(copy, m_contents)) {
-        throw FileError(QStringLiteral("%1: cannot be copied to %2").arg(path, copy));
+        throw FileError(
+            QStringLiteral("%1: cannot copy it to the temporary file %2").arg(path, copy));
     }
 }
 

@@ -100,7 +100,7 @@ void Crew::take_record(int index, RunRecord record)
             m_record->append(record);
         }
     } catch (const FileError& error) {
-        record.message = QStringLiteral("%1, and cannot be recorded: %2")
+        record.message = QStringLiteral("%1, but not recorded: %2")
                              .arg(name_of(record.verdict), QString::fromStdString(error.what()));
         record.verdict = Verdict::Failed;
         give_up(QString::fromStdString(error.what()));

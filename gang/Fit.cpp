@@ -41,8 +41,7 @@ QString emptiness(const Profile& device, const inspect::ImageFile& image, const 
     }
     for (int i = 0; slot && i < slot->size; ++i) {
         if (!is_written(device, slot->address + static_cast<unsigned int>(i), settings)) {
-            return QStringLiteral(
-                "the serial number does not lie in the part of the device that is written");
+            return QStringLiteral("the serial number lies outside what is written to this device");
         }
     }
     return {};

@@ -43,10 +43,10 @@ QString slot_problem(const QString& image, const NumberSlot& slot)
     QByteArray bytes;
     if (!covers(map, slot) ||
         !map.read(slot.address, static_cast<unsigned int>(slot.size), bytes)) {
-        return at(slot) + QStringLiteral(" lie outside of the image; let it hold FF there");
+        return at(slot) + QStringLiteral(" lie outside the image; let it hold FF there");
     }
     if (!is_reserved(bytes)) {
-        return at(slot) + QStringLiteral(" hold data of the image: ") +
+        return at(slot) + QStringLiteral(" already hold data of the image: ") +
                QString::fromLatin1(bytes.toHex(' ').toUpper());
     }
     return {};

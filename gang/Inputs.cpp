@@ -20,7 +20,7 @@ Inputs::Inputs(const Arguments& arguments, const std::vector<ToolCommand>& comma
 {
     if (!m_scratch.isValid()) {
         throw ArgumentError(
-            QStringLiteral("cannot make a scratch folder: %1").arg(m_scratch.errorString()));
+            QStringLiteral("cannot create a temporary folder: %1").arg(m_scratch.errorString()));
     }
     m_table.emplace(arguments.table, m_scratch.filePath(QStringLiteral("table")));
     const QSet<unsigned short> versions = versions_of(commands);
@@ -67,7 +67,7 @@ void Inputs::inspect_table(const QSet<unsigned short>& versions)
     const std::optional<unsigned short>& expected = m_arguments.expected_version;
     doubt(m_table->problems(versions, expected.has_value()));
     if (expected && m_table->is_readable() && m_table->find(*expected) == nullptr) {
-        throw ArgumentError(QStringLiteral("%1 has no usable device with version %2")
+        throw ArgumentError(QStringLiteral("%1 has no usable row for version %2")
                                 .arg(m_arguments.table, version_text(*expected)));
     }
 }
@@ -131,8 +131,8 @@ void Inputs::inspect_room()
         const inspect::ImageFile file = inspect::read_image(image->copy, {});
         if (std::none_of(devices.begin(), devices.end(),
                          [&file](const Profile* device) { return has_room(*device, file); })) {
-            doubt({QStringLiteral("%1: no device of the table has memory for all of it")
-                       .arg(image.key())});
+            doubt(
+                {QStringLiteral("%1: does not fit into any device of the table").arg(image.key())});
         }
     }
 }
@@ -183,7 +183,7 @@ QString Inputs::own_copy(const QString& folder, const QString& shared, quint64 n
     const auto bytes = bytes_of(number, *m_arguments.number_slot);
     if (!bytes ||
         !copy_with_number(shared, own, *m_arguments.number_slot, *bytes, m_table->boundaries())) {
-        throw FileError(QStringLiteral("%1: cannot be written").arg(own));
+        throw FileError(QStringLiteral("cannot write the temporary file %1").arg(own));
     }
     return own;
 }
@@ -196,7 +196,7 @@ QHash<QString, QString> Inputs::furnish(const QString& folder, const ToolCommand
         (m_table->is_readable() &&
          !write_file(folder + QStringLiteral("/device.txt"),
                      expected ? m_table->rows_of(*expected) : m_table->contents()))) {
-        throw FileError(QStringLiteral("%1: cannot be furnished").arg(folder));
+        throw FileError(QStringLiteral("cannot write to the temporary folder %1").arg(folder));
     }
     QHash<QString, QString> copies;
     for (const QString& image : command.images()) {

@@ -315,11 +315,12 @@ Judgement judge_exit(const ToolEnd& end, const Settings& settings)
     judgement = read_console(end, settings, true);
     if (judgement.verdict == Verdict::Ok) {
         judgement.verdict = Verdict::Unsaved;
-        judgement.message = QStringLiteral("could not open file to read data into");
+        judgement.message =
+            QStringLiteral("%1 could not be opened to save what was read").arg(settings.read_file);
     } else if (judgement.verdict == Verdict::Failed) {
         judgement.touched = true;
         judgement.message =
-            QStringLiteral("status %1: %2")
+            QStringLiteral("ended with status %1; its last lines: %2")
                 .arg(QString::number(end.code), last_lines(end.out + '\n' + end.err, shown_lines));
     }
     return judgement;

@@ -24,7 +24,7 @@ QString make_new_folder(const QString& parent, const QString& name)
             return folder.absoluteFilePath(candidate);
         }
     }
-    throw FileError(QStringLiteral("%1/%2: cannot be made").arg(parent, name));
+    throw FileError(QStringLiteral("cannot create the folder %1/%2").arg(parent, name));
 }
 
 } // namespace

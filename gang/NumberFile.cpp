@@ -24,10 +24,10 @@ void NumberFile::take_line(const QByteArray& line)
     bool is_number = false;
     const quint64 number = text.split(' ').first().toULongLong(&is_number);
     if (!is_number || number > largest_number) {
-        refuse_line("does not begin with a number that can be given");
+        refuse_line("does not begin with a number from 0 to 9007199254740991");
     }
     if (m_has_next && number < m_next) {
-        refuse_line("goes back to a number that has been given out or passed over");
+        refuse_line("goes back to a number that was given out or skipped");
     }
     if (blank < 0) {
         m_next = number;
@@ -64,7 +64,9 @@ void NumberFile::catch_up()
     }
     m_read += start;
     if (!m_has_next) {
-        refuse_line("has no number to begin with");
+        throw FileError(
+            QStringLiteral("%1: holds no number; write the first one into it, such as 1000")
+                .arg(m_file.path()));
     }
 }
 

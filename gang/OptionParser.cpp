@@ -61,7 +61,7 @@ double OptionParser::number(const char* name, double preset, double lowest, doub
     // Written so that what is no number fails, too.
     if (!converted || !(number >= lowest && number <= highest)) {
         throw ArgumentError(
-            QStringLiteral("--%1 takes a number from %2 to %3")
+            QStringLiteral("--%1 must be a number from %2 to %3")
                 .arg(text_of(name), QString::number(lowest), QString::number(highest, 'f', 0)));
     }
     return number;
@@ -71,7 +71,7 @@ int OptionParser::whole_number(const char* name, int preset, int lowest, int hig
 {
     const double value = number(name, preset, lowest, highest);
     if (value != std::floor(value)) {
-        throw ArgumentError(QStringLiteral("--%1 takes a whole number").arg(text_of(name)));
+        throw ArgumentError(QStringLiteral("--%1 must be a whole number").arg(text_of(name)));
     }
     return static_cast<int>(value);
 }

@@ -225,8 +225,9 @@ void PortRun::judge_certification(Judgement judgement)
         judgement.message = QStringLiteral("certification: ") + judgement.message;
     } else if (judgement.version != written_as) {
         judgement.verdict = Verdict::UnknownVersion;
-        judgement.message = QStringLiteral("certification: the device was written as %1 and is %2")
-                                .arg(version_text(*written_as), version_text(*judgement.version));
+        judgement.message =
+            QStringLiteral("certification: the device was written as version %1 and reports %2")
+                .arg(version_text(*written_as), version_text(*judgement.version));
     }
     if (!judgement.version) {
         judgement.version = written_as;

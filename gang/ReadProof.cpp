@@ -32,13 +32,14 @@ QString ReadProof::problem() const
         return {};
     }
     if (!QFileInfo(m_file).isFile()) {
-        return QStringLiteral("%1 is no file that keeps what was read").arg(m_file);
+        return QStringLiteral("%1 is missing or not a regular file, so what was read is not saved")
+            .arg(m_file);
     }
     if (identity_of(m_file) == m_before) {
-        return QStringLiteral("%1 is as it was before the read").arg(m_file);
+        return QStringLiteral("%1 has not changed, so what was read is not saved").arg(m_file);
     }
     if (!is_whole(m_file)) {
-        return QStringLiteral("%1 does not hold what was read").arg(m_file);
+        return QStringLiteral("%1 is incomplete: it does not end with an end record").arg(m_file);
     }
     return {};
 }

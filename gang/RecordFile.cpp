@@ -31,7 +31,7 @@ void RecordFile::append(const RunRecord& record)
             return;
         }
     }
-    throw FileError(QStringLiteral("%1: is replaced again and again").arg(m_path));
+    throw FileError(QStringLiteral("%1: another program keeps replacing it").arg(m_path));
 }
 
 } // namespace gang

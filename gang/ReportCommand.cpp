@@ -43,7 +43,7 @@ int print(const QByteArray& bytes)
 {
     if (Platform::write_all(Platform::StandardStream::Output, bytes) !=
         Platform::WriteOutcome::Complete) {
-        throw FileError(QStringLiteral("the report cannot be written"));
+        throw FileError(QStringLiteral("cannot write the report to standard output"));
     }
     return ExitAllOk;
 }
@@ -58,7 +58,8 @@ int run_report(const QStringList& command_line)
         return print(parser.help_text().toLocal8Bit());
     }
     if (parser.words().isEmpty() || (parser.has("json") && parser.has("html"))) {
-        throw ArgumentError(QStringLiteral("report takes record files, and --json or --html"));
+        throw ArgumentError(
+            QStringLiteral("report needs record files, and takes --json or --html but not both"));
     }
     RecordedRuns runs;
     for (const QString& file : parser.words()) {
@@ -69,7 +70,7 @@ int run_report(const QStringList& command_line)
         given = NumberFile(parser.value("serial-file")).given();
     }
     if (runs.skipped != 0) {
-        complain(QStringLiteral("%1 lines are no records and are skipped").arg(runs.skipped));
+        complain(QStringLiteral("skipped lines that are not records: %1").arg(runs.skipped));
     }
     return print(printed(report_on(runs, given), parser));
 }

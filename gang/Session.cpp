@@ -26,7 +26,8 @@ QString tool_for(const Arguments& arguments)
     if (!arguments.tool.isEmpty()) {
         const QString found = QStandardPaths::findExecutable(arguments.tool);
         if (found.isEmpty()) {
-            throw ArgumentError(QStringLiteral("%1 cannot be run").arg(arguments.tool));
+            throw ArgumentError(
+                QStringLiteral("--zserial: there is no executable file %1").arg(arguments.tool));
         }
         return QFileInfo(found).absoluteFilePath();
     }
@@ -36,7 +37,8 @@ QString tool_for(const Arguments& arguments)
         tool = QStandardPaths::findExecutable(name);
     }
     if (tool.isEmpty()) {
-        throw ArgumentError(QStringLiteral("there is no zserial; name it with --zserial"));
+        throw ArgumentError(QStringLiteral(
+            "there is no zserial beside this program or on the PATH; name it with --zserial"));
     }
     return tool;
 }
@@ -68,7 +70,8 @@ Session::Session(const Arguments& arguments)
         complain(problem);
     }
     if (!m_inputs.problems().isEmpty() && !arguments.force) {
-        throw ArgumentError(QStringLiteral("not started; --force starts all the same"));
+        throw ArgumentError(
+            QStringLiteral("not started because of these problems; --force starts anyway"));
     }
     prepare_folders();
     prepare_numbers();
@@ -82,7 +85,8 @@ void Session::prepare_folders()
     }
     if (!m_arguments.keep.isEmpty() &&
         !(QDir().mkpath(m_arguments.keep) && QFileInfo(m_arguments.keep).isWritable())) {
-        throw ArgumentError(QStringLiteral("%1: cannot be written").arg(m_arguments.keep));
+        throw ArgumentError(
+            QStringLiteral("--keep: cannot write to the folder %1").arg(m_arguments.keep));
     }
 }
 

@@ -22,7 +22,7 @@ void stop_at(const std::optional<Failure>& failure)
 {
     if (failure) {
         throw ArgumentError(
-            QStringLiteral("zserial refuses its arguments: %1").arg(failure->message.trimmed()));
+            QStringLiteral("zserial refuses these arguments: %1").arg(failure->message.trimmed()));
     }
 }
 
@@ -134,16 +134,17 @@ QStringList ToolCommand::doubts() const
 {
     QStringList doubts;
     for (const QString& word : texts_of(Role::Unknown)) {
-        doubts << QStringLiteral("zserial passes over the word \"%1\"").arg(word);
+        doubts
+            << QStringLiteral("zserial ignores the word \"%1\", which is not an option").arg(word);
     }
     const Settings& settings = m_settings;
     if (settings.write_and_verify_wanted &&
         (settings.write_wanted || settings.write_range_wanted || settings.read_wanted ||
          settings.read_range_wanted || settings.verify_wanted || settings.erase_range_wanted)) {
-        doubts << QStringLiteral("beside -wv, zserial carries out none of -E, -w, -W, -r, -l, -v");
+        doubts << QStringLiteral("with -wv, zserial does not carry out -E, -w, -W, -r, -l or -v");
     }
     if (settings.version_request_wanted && settings.bootloader_version == 0) {
-        doubts << QStringLiteral("with -V and without -B every run fails");
+        doubts << QStringLiteral("with -V but without -B, every run fails: leave out -V");
     }
     return doubts;
 }

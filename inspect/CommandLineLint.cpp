@@ -241,7 +241,7 @@ void lint_images(const std::vector<FileUse>& files, std::vector<Problem>& proble
         } else if (!info.isFile()) {
             problems.push_back(problem(
                 Code::ImageUnforeseen,
-                QStringLiteral("%1 after %2 is no regular file.").arg(file.name, file.purpose)));
+                QStringLiteral("%1 after %2 is not a regular file.").arg(file.name, file.purpose)));
             problems.back().place.file = file.name;
         }
     }

@@ -12,8 +12,8 @@ const TableRow& row_for(const TableFile& table, const QString& version)
     static const QRegularExpression form(QStringLiteral("^(?:0[xX]|v)?([0-9A-Fa-f]{1,4}):?$"));
     const QRegularExpressionMatch match = form.match(version);
     if (!match.hasMatch()) {
-        throw UsageError(
-            QStringLiteral("%1 is no version; write up to four hexadecimal digits").arg(version));
+        throw UsageError(QStringLiteral("%1 is not a version; write up to four hexadecimal digits")
+                             .arg(version));
     }
     const TableRow* row = table.find(match.captured(1).toUShort(nullptr, 16));
     if (row == nullptr) {
@@ -29,8 +29,8 @@ const TableRow& only_row(const TableFile& table)
     for (const TableRow& row : table.rows) {
         if (row.profile != nullptr && row.counts) {
             if (only != nullptr) {
-                throw UsageError(
-                    QStringLiteral("%1 has several devices: choose with --device").arg(table.path));
+                throw UsageError(QStringLiteral("%1 has several devices: choose one with --device")
+                                     .arg(table.path));
             }
             only = &row;
         }

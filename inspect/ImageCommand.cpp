@@ -96,7 +96,7 @@ Report run(const CommandWords& words)
     }
     if (svg && files.size() > 1) {
         throw UsageError(
-            QStringLiteral("--svg draws one image, and %1 are named").arg(files.size()));
+            QStringLiteral("--svg draws one image, but %1 are named").arg(files.size()));
     }
     const std::shared_ptr<const Device> device = device_of(words);
     Report report;

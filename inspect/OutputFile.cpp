@@ -44,7 +44,8 @@ void write_output(const QString& path, const QStringList& inputs, const QByteArr
         return is_same_file(path, input);
     });
     if (is_input) {
-        throw UsageError(QStringLiteral("%1 is looked into and cannot be written").arg(path));
+        throw UsageError(
+            QStringLiteral("%1 is read by this command and would be overwritten").arg(path));
     }
     const std::unique_ptr<QFileDevice> file = target_for(path);
     if (!file->open(QIODevice::WriteOnly) || file->write(content) != content.size() ||

@@ -179,8 +179,8 @@ private:
         if (m_request.device) {
             m_plan.device = &row_for(m_plan.table, *m_request.device);
         } else if (!is_version_given()) {
-            throw UsageError(QStringLiteral(
-                "which device will answer? Without -B in the command line, name it with --device"));
+            throw UsageError(QStringLiteral("name the device that will answer with --device, "
+                                            "because the command line has no -B"));
         }
         choose_profile();
         if (m_plan.uploader != nullptr) {

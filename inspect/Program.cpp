@@ -76,7 +76,7 @@ Outcome run_subcommand(const Subcommand& subcommand, const QStringList& words,
 Outcome run_words(const QStringList& words, const Terminal& terminal)
 {
     if (words.isEmpty()) {
-        throw UsageError(QStringLiteral("what to look into? --help lists the subcommands"));
+        throw UsageError(QStringLiteral("no subcommand is named; --help lists them"));
     }
     if (words.first() == QLatin1String("--help") || words.first() == QLatin1String("-h")) {
         return {ExitFine, general_help(), {}};
@@ -99,7 +99,7 @@ Outcome run(const QStringList& command_line, const Terminal& terminal)
     try {
         return run_words(command_line.mid(1), terminal);
     } catch (const std::bad_alloc&) {
-        return cannot(QStringLiteral("there is not enough memory for this"));
+        return cannot(QStringLiteral("not enough memory"));
     } catch (const std::exception& failure) {
         return cannot(QString::fromStdString(failure.what()));
     }

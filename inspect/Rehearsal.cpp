@@ -88,7 +88,7 @@ Rehearsed rehearse(const RehearsedProfiles& profiles, const Settings& settings,
             return *result;
         }
     }
-    throw UsageError(QStringLiteral("the machine is too busy to rehearse the run"));
+    throw UsageError(QStringLiteral("the machine is too busy to rehearse the run; try again"));
 }
 
 } // namespace inspect

@@ -46,7 +46,7 @@ void StandIns::fill(const StandIn& stand_in) const
 {
     QFile copy(stand_in.name());
     if (!stand_in.descriptor.is_open() || !copy.open(QIODevice::WriteOnly)) {
-        throw UsageError(QStringLiteral("the system gives no file in memory"));
+        throw UsageError(QStringLiteral("cannot create a file in memory"));
     }
     if (!QFileInfo(stand_in.file).isFile() || !QFileInfo(stand_in.file).isReadable()) {
         return;
@@ -58,7 +58,7 @@ void StandIns::fill(const StandIn& stand_in) const
         is_whole = !block.isEmpty() && copy.write(block) == block.size();
     }
     if (!is_whole || !copy.flush()) {
-        throw UsageError(QStringLiteral("cannot read %1").arg(stand_in.file));
+        throw UsageError(QStringLiteral("cannot copy %1 into memory").arg(stand_in.file));
     }
 }
 

@@ -39,8 +39,8 @@ FaultKind kind_of(const Words& words)
 {
     const std::optional<FaultKind> kind = fault_kind_named(words.kind);
     if (!kind) {
-        throw Error(
-            QStringLiteral("there is no fault '%1', only %2").arg(words.kind, fault_kind_list()));
+        throw Error(QStringLiteral("unknown kind of fault '%1'; the kinds are %2")
+                        .arg(words.kind, fault_kind_list()));
     }
     return *kind;
 }
@@ -51,7 +51,7 @@ unsigned int number_in(const QString& text, unsigned int lowest, unsigned int hi
     const bool hexadecimal = text.startsWith(QLatin1String("0x"));
     const unsigned int number = text.toUInt(&converted, hexadecimal ? 16 : 10);
     if (!converted || number < lowest || number > highest) {
-        throw Error(QStringLiteral("'%1' is no number from %2 to %3")
+        throw Error(QStringLiteral("'%1' is not a number from %2 to %3")
                         .arg(text, QString::number(lowest), QString::number(highest)));
     }
     return number;
@@ -62,7 +62,7 @@ Chance chance_of(const QString& text)
     bool converted = false;
     const double probability = text.toDouble(&converted);
     if (!converted || !(probability >= 0 && probability <= 1)) {
-        throw Error(QStringLiteral("'%1' is no probability from 0 to 1").arg(text));
+        throw Error(QStringLiteral("'%1' is not a probability from 0 to 1").arg(text));
     }
     return Chance(probability);
 }
@@ -70,7 +70,8 @@ Chance chance_of(const QString& text)
 void expect_parameters(const Words& words, int count, const char* form)
 {
     if (words.parameters.size() != count) {
-        throw Error(QStringLiteral("%1 is written %2").arg(words.kind, QString::fromLatin1(form)));
+        throw Error(
+            QStringLiteral("%1 must have the form %2").arg(words.kind, QString::fromLatin1(form)));
     }
 }
 
@@ -93,9 +94,8 @@ Chance byte_chance_of(const Words& words)
 void set_trigger(FaultRule& rule, const Words& words)
 {
     if (words.trigger.isNull()) {
-        throw Error(
-            QStringLiteral("it does not say when: KIND=P with a probability, or KIND@N[,N...]"
-                           " with numbers of commands"));
+        throw Error(QStringLiteral("it does not say when: write KIND=P with a probability, or "
+                                   "KIND@N[,N...] with the numbers of commands"));
     }
     if (words.trigger == QLatin1Char('=')) {
         rule.chance = chance_of(words.when);

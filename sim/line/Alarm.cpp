@@ -21,7 +21,7 @@ int open_timer()
 {
     const int descriptor = ::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
     if (descriptor < 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot make a timer");
+        throw std::system_error(errno, std::generic_category(), "cannot create a timer");
     }
     return descriptor;
 }

@@ -33,8 +33,8 @@ int checked(int result, const char* what)
 Descriptor open_master()
 {
     Descriptor master(checked(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
-                              "cannot make a pseudo-terminal"));
-    checked(::grantpt(master.get()), "cannot grant the pseudo-terminal");
+                              "cannot create a pseudo-terminal"));
+    checked(::grantpt(master.get()), "cannot set the permissions of the pseudo-terminal");
     checked(::unlockpt(master.get()), "cannot unlock the pseudo-terminal");
     return master;
 }
@@ -43,7 +43,8 @@ QString slave_path(const Descriptor& master)
 {
     std::array<char, 64> name{};
     if (::ptsname_r(master.get(), name.data(), name.size()) != 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot name the pseudo-terminal");
+        throw std::system_error(errno, std::generic_category(),
+                                "cannot find the path of the pseudo-terminal");
     }
     return QString::fromLocal8Bit(name.data());
 }
@@ -70,9 +71,10 @@ Descriptor open_slave(const QString& path)
 void make_raw(const Descriptor& slave)
 {
     termios settings{};
-    checked(::tcgetattr(slave.get(), &settings), "cannot look at the pseudo-terminal");
+    checked(::tcgetattr(slave.get(), &settings), "cannot read the settings of the pseudo-terminal");
     ::cfmakeraw(&settings);
-    checked(::tcsetattr(slave.get(), TCSANOW, &settings), "cannot set up the pseudo-terminal");
+    checked(::tcsetattr(slave.get(), TCSANOW, &settings),
+            "cannot change the settings of the pseudo-terminal");
 }
 
 bool try_again_later()

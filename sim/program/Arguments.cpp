@@ -18,7 +18,8 @@ unsigned short version_of(const QString& text)
     const unsigned short version = text.toUShort(&converted, 16);
     if (!converted) {
         throw Error(
-            QStringLiteral("'%1' is no bootloader version such as 0102 or 0x0102").arg(text));
+            QStringLiteral("--device: '%1' is not a bootloader version such as 0102 or 0x0102")
+                .arg(text));
     }
     return version;
 }
@@ -27,8 +28,7 @@ Entry entry_of(const QString& text)
 {
     const std::optional<Entry> entry = find_in(entries, text);
     if (!entry) {
-        throw Error(
-            QStringLiteral("'%1' is no --entry behaviour: %2").arg(text, choice_of(entries)));
+        throw Error(QStringLiteral("--entry must be %1, not '%2'").arg(choice_of(entries), text));
     }
     return *entry;
 }
@@ -37,7 +37,7 @@ Echo echo_of(const QString& text)
 {
     const std::optional<Echo> echo = find_in(echoes, text);
     if (!echo) {
-        throw Error(QStringLiteral("'%1' is no --echo: %2").arg(text, choice_of(echoes)));
+        throw Error(QStringLiteral("--echo must be %1, not '%2'").arg(choice_of(echoes), text));
     }
     return *echo;
 }
@@ -48,7 +48,7 @@ int ms_of(const OptionParser& parser, const char* name)
     bool converted = false;
     const int ms = text.toInt(&converted);
     if (!converted || ms < 0 || ms > longest_ms) {
-        throw Error(QStringLiteral("--%1: '%2' is no number of milliseconds from 0 to %3")
+        throw Error(QStringLiteral("--%1: '%2' is not a number of milliseconds from 0 to %3")
                         .arg(QString::fromLatin1(name), text, QString::number(longest_ms)));
     }
     return ms;
@@ -59,7 +59,9 @@ std::uint64_t seed_of(const QString& text)
     bool converted = false;
     const qulonglong seed = text.toULongLong(&converted);
     if (!converted) {
-        throw Error(QStringLiteral("--seed: '%1' is no whole number").arg(text));
+        throw Error(
+            QStringLiteral("--seed: '%1' is not a whole number from 0 to 18446744073709551615")
+                .arg(text));
     }
     return seed;
 }
@@ -117,7 +119,9 @@ QStringList command_of(const OptionParser& parser)
         throw Error(QStringLiteral("--exec needs a command: --exec -- COMMAND {} ..."));
     }
     if (!parser.has("exec") && !rest.isEmpty()) {
-        throw Error(QStringLiteral("'%1' is no option; a command needs --exec").arg(rest.first()));
+        throw Error(
+            QStringLiteral("'%1' is not an option; to run a command, write --exec -- COMMAND")
+                .arg(rest.first()));
     }
     return rest;
 }

@@ -26,12 +26,12 @@ DeviceTable::DeviceTable(const QString& path) : m_path(path)
     refuse_device(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw Error(QStringLiteral("cannot read the table %1").arg(path));
+        throw Error(QStringLiteral("cannot read the table %1: %2").arg(path, file.errorString()));
     }
     while (const auto line = read_profile_table_line(file)) {
         if (line->kind == ProfileTableLine::Kind::Unparsable) {
-            throw Error(
-                QStringLiteral("the table %1 has a row that begins with no version").arg(path));
+            throw Error(QStringLiteral("the table %1 has a row that does not begin with a version")
+                            .arg(path));
         }
         if (line->kind == ProfileTableLine::Kind::Row) {
             add(line->fields);
@@ -66,13 +66,13 @@ const Profile& DeviceTable::choose(std::optional<unsigned short> version) const
         throw Error(QStringLiteral("the table %1 has no devices").arg(m_path));
     }
     if (!version && m_profiles.size() > 1) {
-        throw Error(QStringLiteral("the table %1 has several devices: choose with --device "
+        throw Error(QStringLiteral("the table %1 has several devices: choose one with --device "
                                    "(--list shows them)")
                         .arg(m_path));
     }
     const auto found = version ? m_profiles.find(*version) : m_profiles.begin();
     if (found == m_profiles.end()) {
-        throw Error(QStringLiteral("the table %1 has no device of version %2")
+        throw Error(QStringLiteral("the table %1 has no device with version %2")
                         .arg(m_path, four_digits(*version)));
     }
     return *found->second;

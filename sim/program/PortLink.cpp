@@ -28,10 +28,14 @@ PortLink::PortLink(const QString& path, const QString& port_path)
     if (is_left_behind(file)) {
         QFile::remove(path);
     } else if (file.exists()) {
-        throw Error(QStringLiteral("--link %1: something else is there").arg(path));
+        throw Error(
+            QStringLiteral("--link %1: the file exists and is not a link to a pseudo-terminal")
+                .arg(path));
     }
-    if (!QFile::link(port_path, path)) {
-        throw Error(QStringLiteral("--link %1: cannot make a link there").arg(path));
+    QFile port(port_path);
+    if (!port.link(path)) {
+        throw Error(
+            QStringLiteral("--link %1: cannot create the link: %2").arg(path, port.errorString()));
     }
 }
 

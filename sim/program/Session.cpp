@@ -213,8 +213,8 @@ void Session::leave_when_quiet()
         return;
     }
     if (!is_quiet) {
-        complain(
-            QStringLiteral("bytes that were still on the line after the command are discarded"));
+        complain(QStringLiteral(
+            "the command has ended with bytes still on the line; they are discarded"));
     }
     QCoreApplication::quit();
 }
@@ -254,7 +254,8 @@ bool Session::save()
     m_signals.reset();
     const bool image = save_image();
     if (!m_rig->is_trace_whole()) {
-        complain(QStringLiteral("cannot write the trace %1").arg(m_arguments.trace));
+        complain(QStringLiteral("the trace %1 is incomplete: not all lines could be written")
+                     .arg(m_arguments.trace));
     }
     return image && state && m_rig->is_trace_whole();
 }

@@ -61,10 +61,10 @@ void StateFile::load(DeviceMemory& memory) const
         return;
     }
     if (!QFileInfo(m_path).isFile()) {
-        throw Error(QStringLiteral("the state %1 is no regular file").arg(m_path));
+        throw Error(QStringLiteral("the state %1 is not a regular file").arg(m_path));
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        throw Error(QStringLiteral("cannot read the state %1").arg(m_path));
+        throw Error(QStringLiteral("cannot read the state %1: %2").arg(m_path, file.errorString()));
     }
     QList<QByteArray> lines = file.readAll().split('\n');
     const bool whole = lines.size() >= 3 && lines.takeLast().isEmpty() &&
@@ -74,7 +74,7 @@ void StateFile::load(DeviceMemory& memory) const
         good = good && read_line(line, memory);
     }
     if (!good) {
-        throw Error(QStringLiteral("%1 holds no whole state of device %2")
+        throw Error(QStringLiteral("the state %1 is damaged, or of another device than %2")
                         .arg(m_path, Util::uint_to_hex(m_version, 4)));
     }
 }

@@ -59,7 +59,7 @@ FrameLog parse_frame_log(const QByteArray& content, const QString& path)
         const QByteArray line = lines.at(number - 1).trimmed();
         const bool is_cut = number == lines.size() && may_be_cut(line);
         if (!line.isEmpty() && !add_line(log, line) && !is_cut) {
-            throw Error(QStringLiteral("%1: line %2 is no frame of a log")
+            throw Error(QStringLiteral("%1: line %2 is not a line of a frame log")
                             .arg(path, QString::number(number)));
         }
     }
@@ -71,11 +71,11 @@ FrameLog read_frame_log(const QString& path)
     refuse_device(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw Error(QStringLiteral("%1: cannot read the log").arg(path));
+        throw Error(QStringLiteral("%1: cannot read the log: %2").arg(path, file.errorString()));
     }
     FrameLog log = parse_frame_log(file.readAll(), path);
     if (log.entries.empty()) {
-        throw Error(QStringLiteral("%1: nothing was sent in this log").arg(path));
+        throw Error(QStringLiteral("%1: the log has no line that begins with TX:").arg(path));
     }
     return log;
 }

@@ -116,7 +116,7 @@ Trace::Trace(const QString& path, const Profile& profile) : m_profile(profile)
     const int descriptor = open_trace(path);
     if (descriptor < 0 || !m_file.open(descriptor, QIODevice::WriteOnly | QIODevice::Unbuffered,
                                        QFileDevice::AutoCloseHandle)) {
-        throw Error(QStringLiteral("%1: cannot write there").arg(path));
+        throw Error(QStringLiteral("%1: cannot be opened for writing").arg(path));
     }
     m_clock.start();
 }

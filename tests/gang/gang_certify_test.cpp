@@ -55,7 +55,7 @@ TEST_F(GangCertify, FindsADeviceThatIsAnotherOne)
               "unknown-version")
         << m_result;
     EXPECT_EQ(text(m_result.last("end"), "message"),
-              "certification: the device was written as 0x0112 and is 0x0102");
+              "certification: the device was written as version 0x0112 and reports 0x0102");
 }
 
 } // namespace

@@ -85,7 +85,7 @@ TEST_F(GangRecord, WithoutItNoDeviceIsOk)
     const GangResult result = run(simulated->port(), "-B 0102", "--record /dev/full");
     EXPECT_EQ(text(result.last("end"), "verdict"), "failed") << result;
     EXPECT_THAT(text(result.last("end"), "message"),
-                testing::StartsWith("ok, and cannot be recorded: /dev/full"));
+                testing::StartsWith("ok, but not recorded: /dev/full"));
     EXPECT_EQ(result.status, 1);
 }
 

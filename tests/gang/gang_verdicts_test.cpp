@@ -116,7 +116,7 @@ const std::vector<VerdictCase> verdict_cases = {
      "did not end within 0.5 s"},
     good_device("FullDisk", "-B 0102 -l 0x80 0xC0 /dev/full", "", "unsaved", "/dev/full"),
     good_device("NothingPrinted", "-B 0102 -wv image.hex", "--zserial /bin/true", "failed",
-                "status 0: "),
+                "ended with status 0; its last lines: "),
 };
 
 INSTANTIATE_TEST_SUITE_P(Real, GangVerdicts, testing::ValuesIn(verdict_cases), row_name);

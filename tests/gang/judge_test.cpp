@@ -80,24 +80,29 @@ const std::vector<ConsoleCase> console_cases = {
          "Now writingMemory written!\n" + closing,
      "ok: "},
     {"StatusZeroWithoutTheEnd", "-s p -w f", 0, version + "Now writingMemory written!\n",
-     "failed: status 0: Retrieved version number during QV entry procedure: 0x0110 / Now "
+     "failed: ended with status 0; its last lines: Retrieved version number during QV entry "
+     "procedure: 0x0110 / Now "
      "writingMemory written!"},
     {"StatusZeroWithoutAnOperation", "-s p -w f -v f", 0,
      version + "Now writingMemory written!\n" + closing,
-     "failed: status 0: Retrieved version number during QV entry procedure: 0x0110 / Now "
+     "failed: ended with status 0; its last lines: Retrieved version number during QV entry "
+     "procedure: 0x0110 / Now "
      "writingMemory written! / All operations completed succesfully!"},
     {"StatusZeroOfAnotherOperation", "-s p -w f", 0, version + "Erased all flash!\n" + closing,
-     "failed: status 0: Retrieved version number during QV entry procedure: 0x0110 / Erased all "
+     "failed: ended with status 0; its last lines: Retrieved version number during QV entry "
+     "procedure: 0x0110 / Erased all "
      "flash! / All operations completed succesfully!"},
     {"StatusZeroAndMoreAfterTheEnd", "-s p", 0, version + closing + "more\n",
-     "failed: status 0: Retrieved version number during QV entry procedure: 0x0110 / All "
+     "failed: ended with status 0; its last lines: Retrieved version number during QV entry "
+     "procedure: 0x0110 / All "
      "operations completed succesfully! / more"},
-    {"AnotherStatus", "-s p", 7, "what\n", "failed: status 7: what"},
-    {"NothingAtAll", "-s p", 1, "", "failed: status 1: "},
-    {"UnknownText", "-s p", 1, "one\ntwo\nthree\nfour\n", "failed: status 1: two / three / four"},
+    {"AnotherStatus", "-s p", 7, "what\n", "failed: ended with status 7; its last lines: what"},
+    {"NothingAtAll", "-s p", 1, "", "failed: ended with status 1; its last lines: "},
+    {"UnknownText", "-s p", 1, "one\ntwo\nthree\nfour\n",
+     "failed: ended with status 1; its last lines: two / three / four"},
     {"ReadFileLost", "-s p -r g", 0,
      version + "Could not open file to read data into!Memory read!\n" + closing,
-     "unsaved: could not open file to read data into"},
+     "unsaved: g could not be opened to save what was read"},
     {"ReadFileLostAndReadFailed", "-s p -r g", 1,
      "giving up after having made 2 attempts, with errors (Response wait timed out\nResponse wait "
      "timed out\n)\nread() at 00000800 could not be performed\n" +
@@ -197,7 +202,8 @@ const std::vector<ConsoleCase> console_cases = {
     // A failure of one operation is no failure of another one.
     {"FailureOfAnotherOperation", "-s p -w f", 1,
      version + "Verifying firmware\n\nVerification failure!\n",
-     "failed: status 1: Retrieved version number during QV entry procedure: 0x0110 / Verifying "
+     "failed: ended with status 1; its last lines: Retrieved version number during QV entry "
+     "procedure: 0x0110 / Verifying "
      "firmware / Verification failure!"},
 };
 

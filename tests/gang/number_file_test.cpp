@@ -88,7 +88,7 @@ TEST_F(NumberFiles, JumpAheadWithoutALineEnd)
 TEST_F(NumberFiles, RemoveNothingThatAUserWrote)
 {
     EXPECT_EQ(refusal("10\n10 a\nfive"),
-              "/numbers, line 3: does not begin with a number that can be given");
+              "/numbers, line 3: does not begin with a number from 0 to 9007199254740991");
     EXPECT_EQ(contents(), "10\n10 a\nfive\n");
 }
 
@@ -120,14 +120,16 @@ TEST_F(NumberFiles, GiveNothingOutThatIsNotAccepted)
 TEST_F(NumberFiles, RefuseWhatMightGiveANumberTwice)
 {
     EXPECT_EQ(refusal("10\n10 a\n11 b\n10 c\n"),
-              "/numbers, line 4: goes back to a number that has been given out or passed over");
+              "/numbers, line 4: goes back to a number that was given out or skipped");
     EXPECT_EQ(refusal("10\n10 a\n5\n"),
-              "/numbers, line 3: goes back to a number that has been given out or passed over");
-    EXPECT_EQ(refusal("ten\n"), "/numbers, line 1: does not begin with a number that can be given");
+              "/numbers, line 3: goes back to a number that was given out or skipped");
+    EXPECT_EQ(refusal("ten\n"),
+              "/numbers, line 1: does not begin with a number from 0 to 9007199254740991");
     EXPECT_EQ(refusal("9007199254740992\n"),
-              "/numbers, line 1: does not begin with a number that can be given");
-    EXPECT_EQ(refusal("-1\n"), "/numbers, line 1: does not begin with a number that can be given");
-    EXPECT_EQ(refusal(""), "/numbers, line 0: has no number to begin with");
+              "/numbers, line 1: does not begin with a number from 0 to 9007199254740991");
+    EXPECT_EQ(refusal("-1\n"),
+              "/numbers, line 1: does not begin with a number from 0 to 9007199254740991");
+    EXPECT_EQ(refusal(""), "/numbers: holds no number; write the first one into it, such as 1000");
 }
 
 TEST_F(NumberFiles, HaveToBeThere)

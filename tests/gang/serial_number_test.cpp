@@ -58,18 +58,19 @@ TEST_F(ImageNumber, TakesAReservedPlace)
 
 TEST_F(ImageNumber, IsRefusedOutsideOfTheImage)
 {
-    EXPECT_EQ(problem(0x180, 4), "the 4 bytes at 0x00000180 for the serial number lie outside of "
+    EXPECT_EQ(problem(0x180, 4), "the 4 bytes at 0x00000180 for the serial number lie outside "
                                  "the image; let it hold FF there");
-    EXPECT_EQ(problem(0x101E, 4), "the 4 bytes at 0x0000101E for the serial number lie outside of "
+    EXPECT_EQ(problem(0x101E, 4), "the 4 bytes at 0x0000101E for the serial number lie outside "
                                   "the image; let it hold FF there");
     EXPECT_EQ(problem(0xFFFFFFFC, 4), "the 4 bytes at 0xFFFFFFFC for the serial number lie outside "
-                                      "of the image; let it hold FF there");
+                                      "the image; let it hold FF there");
 }
 
 TEST_F(ImageNumber, IsRefusedOverData)
 {
-    EXPECT_EQ(problem(0xE6, 4), "the 4 bytes at 0x000000E6 for the serial number hold data of the "
-                                "image: FF FF 68 69");
+    EXPECT_EQ(problem(0xE6, 4),
+              "the 4 bytes at 0x000000E6 for the serial number already hold data of "
+              "the image: FF FF 68 69");
 }
 
 TEST_F(ImageNumber, ChangesNothingElse)

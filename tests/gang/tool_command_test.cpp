@@ -95,10 +95,12 @@ TEST(ToolCommand, AFileThatIsReadAndThenVerifiedIsNoImage)
 TEST(ToolCommand, DoubtsWhatTheToolPassesOver)
 {
     EXPECT_EQ(joined(command("-vw a.hex").doubts()),
-              "zserial passes over the word \"-vw\" zserial passes over the word \"a.hex\"");
+              "zserial ignores the word \"-vw\", which is not an option "
+              "zserial ignores the word \"a.hex\", which is not an option");
     EXPECT_EQ(joined(command("-wv a.hex -r b.hex").doubts()),
-              "beside -wv, zserial carries out none of -E, -w, -W, -r, -l, -v");
-    EXPECT_EQ(joined(command("-V").doubts()), "with -V and without -B every run fails");
+              "with -wv, zserial does not carry out -E, -w, -W, -r, -l or -v");
+    EXPECT_EQ(joined(command("-V").doubts()),
+              "with -V but without -B, every run fails: leave out -V");
     EXPECT_EQ(joined(command("-B 110 -e -w a.hex -v a.hex -R").doubts()), "");
 }
 

@@ -126,7 +126,7 @@ TEST_F(Program, DoesNotWaitForAPipeOrReadADeviceWithoutEnd)
         for (const char* subcommand : {"table", "image", "log"}) {
             const ProcessResult result = run({QString::fromLatin1(subcommand), file});
             EXPECT_EQ(result.status, 2) << file.toStdString();
-            EXPECT_TRUE(result.out.contains("it is no regular file")) << result.out.constData();
+            EXPECT_TRUE(result.out.contains("it is not a regular file")) << result.out.constData();
         }
     }
 }

@@ -118,27 +118,28 @@ TEST(SimFaultSettings, AddUp)
 TEST(SimFaultSettings, AreRefusedWithTheReason)
 {
     const std::vector<std::pair<const char*, std::string>> refusals = {
-        {"lose=1", "there is no fault 'lose', only " + sim::fault_kind_list().toStdString()},
-        {"", "there is no fault '', only " + sim::fault_kind_list().toStdString()},
-        {"noise", "it does not say when: KIND=P with a probability, or KIND@N[,N...] "
-                  "with numbers of commands"},
-        {"noise=1.5", "'1.5' is no probability from 0 to 1"},
-        {"noise=-0.1", "'-0.1' is no probability from 0 to 1"},
-        {"noise=nan", "'nan' is no probability from 0 to 1"},
-        {"noise=", "'' is no probability from 0 to 1"},
-        {"noise@0", "'0' is no number from 1 to 4294967295"},
-        {"noise@1,,2", "'' is no number from 1 to 4294967295"},
-        {"noise:5=1", "noise is written KIND=P or KIND@N[,N...]"},
-        {"delay-response=1", "delay-response is written "
+        {"lose=1",
+         "unknown kind of fault 'lose'; the kinds are " + sim::fault_kind_list().toStdString()},
+        {"", "unknown kind of fault ''; the kinds are " + sim::fault_kind_list().toStdString()},
+        {"noise", "it does not say when: write KIND=P with a probability, or "
+                  "KIND@N[,N...] with the numbers of commands"},
+        {"noise=1.5", "'1.5' is not a probability from 0 to 1"},
+        {"noise=-0.1", "'-0.1' is not a probability from 0 to 1"},
+        {"noise=nan", "'nan' is not a probability from 0 to 1"},
+        {"noise=", "'' is not a probability from 0 to 1"},
+        {"noise@0", "'0' is not a number from 1 to 4294967295"},
+        {"noise@1,,2", "'' is not a number from 1 to 4294967295"},
+        {"noise:5=1", "noise must have the form KIND=P or KIND@N[,N...]"},
+        {"delay-response=1", "delay-response must have the form "
                              "delay-response:MS=P or delay-response:MS@N[,N...]"},
-        {"delay-response:600001=1", "'600001' is no number from 0 to 600000"},
-        {"request-bytes@3", "request-bytes is written KIND=P"},
-        {"response-bytes", "response-bytes is written KIND=P"},
-        {"stuck-bits:1:2", "stuck-bits is written stuck-bits:ADDRESS:MASK:LEVEL"},
-        {"stuck-bits:1:2:1=1", "stuck-bits is written stuck-bits:ADDRESS:MASK:LEVEL"},
-        {"stuck-bits:1:0:1", "'0' is no number from 1 to 255"},
-        {"stuck-bits:1:1:2", "'2' is no number from 0 to 1"},
-        {"stuck-bits:x:1:1", "'x' is no number from 0 to 4294967295"},
+        {"delay-response:600001=1", "'600001' is not a number from 0 to 600000"},
+        {"request-bytes@3", "request-bytes must have the form KIND=P"},
+        {"response-bytes", "response-bytes must have the form KIND=P"},
+        {"stuck-bits:1:2", "stuck-bits must have the form stuck-bits:ADDRESS:MASK:LEVEL"},
+        {"stuck-bits:1:2:1=1", "stuck-bits must have the form stuck-bits:ADDRESS:MASK:LEVEL"},
+        {"stuck-bits:1:0:1", "'0' is not a number from 1 to 255"},
+        {"stuck-bits:1:1:2", "'2' is not a number from 0 to 1"},
+        {"stuck-bits:x:1:1", "'x' is not a number from 0 to 4294967295"},
     };
     for (const auto& [text, complaint] : refusals) {
         EXPECT_EQ(complaint_about(text), complaint);

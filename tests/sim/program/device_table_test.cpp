@@ -75,14 +75,14 @@ TEST_F(SimDeviceTable, AsksForAChoiceAmongSeveral)
 {
     const DeviceTable table = table_of({row("v0102:", "FIRST"), row("v0203:", "SECOND")});
     EXPECT_EQ(complaint_about([&table] { table.choose(std::nullopt); }),
-              "the table T has several devices: choose with --device (--list shows them)");
+              "the table T has several devices: choose one with --device (--list shows them)");
 }
 
 TEST_F(SimDeviceTable, HasNoDeviceOfAnotherVersion)
 {
     const DeviceTable table = table_of({row("v0102:", "FIRST")});
     EXPECT_EQ(complaint_about([&table] { table.choose(0x00AB); }),
-              "the table T has no device of version 00AB");
+              "the table T has no device with version 00AB");
 }
 
 TEST_F(SimDeviceTable, MayHaveNoDevices)
@@ -95,9 +95,10 @@ TEST_F(SimDeviceTable, MayHaveNoDevices)
 
 TEST_F(SimDeviceTable, IsRefusedWhenItIsMissingOrBad)
 {
-    EXPECT_EQ(complaint_about([this] { DeviceTable table(path); }), "cannot read the table T");
+    EXPECT_EQ(complaint_about([this] { DeviceTable table(path); }),
+              "cannot read the table T: No such file or directory");
     EXPECT_EQ(complaint_about([this] { table_of({row("0102", "NO VERSION")}); }),
-              "the table T has a row that begins with no version");
+              "the table T has a row that does not begin with a version");
     EXPECT_EQ(complaint_about([this] {
                   table_of({row("v0102:", "BAD", {{Profile::max_baud, "fast"}})});
               }),

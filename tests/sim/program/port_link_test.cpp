@@ -80,7 +80,8 @@ TEST_F(SimPortLink, RefusesToReplaceAnythingElse)
             const PortLink link(there, terminal.path());
             ADD_FAILURE() << there.toStdString();
         } catch (const Error& error) {
-            EXPECT_EQ(error.what(), "--link " + there.toStdString() + ": something else is there");
+            EXPECT_EQ(error.what(), "--link " + there.toStdString() +
+                                        ": the file exists and is not a link to a pseudo-terminal");
         }
     }
     EXPECT_TRUE(QFileInfo(file_path).isFile());
@@ -89,7 +90,14 @@ TEST_F(SimPortLink, RefusesToReplaceAnythingElse)
 
 TEST_F(SimPortLink, RefusesToBeWhereThereIsNoFolder)
 {
-    EXPECT_THROW(PortLink(folder.filePath(QStringLiteral("nowhere/port")), terminal.path()), Error);
+    const QString nowhere = folder.filePath(QStringLiteral("nowhere/port"));
+    try {
+        const PortLink link(nowhere, terminal.path());
+        ADD_FAILURE();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.what(), "--link " + nowhere.toStdString() +
+                                    ": cannot create the link: No such file or directory");
+    }
 }
 
 TEST_F(SimPortLink, LeavesALinkAloneThatIsAnothersByNow)

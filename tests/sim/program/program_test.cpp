@@ -379,7 +379,8 @@ TEST_F(SimProgram, FailsWhenItsTraceIsNotWhole)
     HostPort host(serve("--table one.txt --trace /dev/full"));
     host.ask(bytes("55"), bytes("51 56 01 23"));
     EXPECT_EQ(stop_by(SIGTERM), 1);
-    EXPECT_EQ(errors(), "zserial-sim: cannot write the trace /dev/full\n");
+    EXPECT_EQ(errors(),
+              "zserial-sim: the trace /dev/full is incomplete: not all lines could be written\n");
 }
 
 TEST_F(SimProgram, LetsFaultsHappenAndSumsThemUp)
@@ -450,8 +451,9 @@ TEST_F(SimProgram, DoesNotWaitForAllOfAFloodOnAPacedLine)
                 "stty -F {} 9600; head -c 60000 /dev/zero > {}");
     ASSERT_TRUE(process.waitForFinished(30000));
     EXPECT_EQ(process.exitCode(), 0);
-    EXPECT_EQ(errors(),
-              "zserial-sim: bytes that were still on the line after the command are discarded\n");
+    EXPECT_EQ(
+        errors(),
+        "zserial-sim: the command has ended with bytes still on the line; they are discarded\n");
 }
 
 TEST_F(SimProgram, ThatLosesPowerUnderTheToolIsProgrammedInTheNextRun)
@@ -544,7 +546,8 @@ TEST_F(SimProgram, KeepsItsMemoryWhenItsTraceMeetsASizeLimit)
                         "'stty -F {} 57600 && cat flood > {}'"),
          QStringLiteral(ZSERIAL_SIM)});
     EXPECT_EQ(exit_status(), 1);
-    EXPECT_EQ(errors(), "zserial-sim: cannot write the trace trace\n");
+    EXPECT_EQ(errors(),
+              "zserial-sim: the trace trace is incomplete: not all lines could be written\n");
     EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
 }
 
@@ -623,7 +626,7 @@ TEST_F(SimProgram, WaitsForNoReaderOfItsTrace)
     ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
     start("--table one.txt --trace pipe");
     EXPECT_EQ(exit_status(), 2);
-    EXPECT_EQ(errors(), "zserial-sim: --trace pipe: cannot write there\n");
+    EXPECT_EQ(errors(), "zserial-sim: --trace pipe: cannot be opened for writing\n");
     // A reader that does not read.
     const Descriptor reader(::open(pipe.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     ASSERT_TRUE(reader.is_open());
@@ -631,7 +634,8 @@ TEST_F(SimProgram, WaitsForNoReaderOfItsTrace)
                 "--exec",
                 "stty -F {} 57600 && cat flood > {}");
     EXPECT_EQ(exit_status(), 1);
-    EXPECT_EQ(errors(), "zserial-sim: cannot write the trace pipe\n");
+    EXPECT_EQ(errors(),
+              "zserial-sim: the trace pipe is incomplete: not all lines could be written\n");
     EXPECT_EQ(file_content("state"), "zserial-sim state of device 0123\n00001000 01020304\nend\n");
 }
 
@@ -729,25 +733,26 @@ TEST_F(SimProgram, RefusesWhatItCannotDo)
 {
     const std::vector<std::pair<const char*, QByteArray>> refusals = {
         {"--unknown", "zserial-sim: Unknown option 'unknown'.\n"},
-        {"--fault noise=2", "zserial-sim: --fault noise=2: '2' is no probability from 0 to 1\n"},
+        {"--fault noise=2", "zserial-sim: --fault noise=2: '2' is not a probability from 0 to 1\n"},
         {"--exec", "zserial-sim: --exec needs a command: --exec -- COMMAND {} ...\n"},
         {"--table one.txt --fault stuck-bits:0x10000:1:1",
          "zserial-sim: --fault stuck-bits: the device has no memory at 0x00010000\n"},
-        {"--table one.txt --link device.txt",
-         "zserial-sim: --link device.txt: something else is there\n"},
+        {"--table one.txt --link device.txt", "zserial-sim: --link device.txt: the file exists and "
+                                              "is not a link to a pseudo-terminal\n"},
         {"--table one.txt --trace nowhere/trace",
-         "zserial-sim: --trace nowhere/trace: cannot write there\n"},
+         "zserial-sim: --trace nowhere/trace: cannot be opened for writing\n"},
         {"--table one.txt --replay missing",
-         "zserial-sim: --replay missing: cannot read the log\n"},
+         "zserial-sim: --replay missing: cannot read the log: No such file or directory\n"},
         {"--table one.txt --state device.txt",
-         "zserial-sim: device.txt holds no whole state of device 0123\n"},
+         "zserial-sim: the state device.txt is damaged, or of another device than 0123\n"},
         {"--table one.txt --state /dev/zero",
-         "zserial-sim: the state /dev/zero is no regular file\n"},
-        {"--entry loud", "zserial-sim: 'loud' is no --entry behaviour: probe, version or silent\n"},
-        {"", "zserial-sim: the table ./device.txt has several devices: choose with --device "
+         "zserial-sim: the state /dev/zero is not a regular file\n"},
+        {"--entry loud", "zserial-sim: --entry must be probe, version or silent, not 'loud'\n"},
+        {"", "zserial-sim: the table ./device.txt has several devices: choose one with --device "
              "(--list shows them)\n"},
-        {"--device 0999", "zserial-sim: the table ./device.txt has no device of version 0999\n"},
-        {"--table missing.txt", "zserial-sim: cannot read the table missing.txt\n"},
+        {"--device 0999", "zserial-sim: the table ./device.txt has no device with version 0999\n"},
+        {"--table missing.txt",
+         "zserial-sim: cannot read the table missing.txt: No such file or directory\n"},
     };
     for (const auto& [words, complaint] : refusals) {
         SCOPED_TRACE(words);

@@ -97,7 +97,7 @@ TEST_F(SimStateFile, IsThatOfAFreshDeviceWhereThereIsNone)
 
 TEST_F(SimStateFile, IsRefusedUnlessItIsWholeAndThisDevices)
 {
-    const std::string complaint = "/state holds no whole state of device 0123";
+    const std::string complaint = "the state /state is damaged, or of another device than 0123";
     const std::vector<std::pair<const char*, QByteArray>> contents = {
         {"empty", ""},
         {"cut at the end", whole.chopped(1)},

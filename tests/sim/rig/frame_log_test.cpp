@@ -58,7 +58,7 @@ TEST(SimFrameLog, IsRefusedWithTheLineThatIsNone)
 {
     for (const char* line : {"hello", "TX:5", "TX:5g", "tx:55", "RX 55", "TX: 55"}) {
         EXPECT_EQ(complaint_about(QByteArray("\nTX:55\n") + line + '\n'),
-                  "log: line 3 is no frame of a log")
+                  "log: line 3 is not a line of a frame log")
             << line;
     }
 }
@@ -70,8 +70,8 @@ TEST(SimFrameLog, MayEndInTheMiddleOfALine)
                   (Entries::value_type{bytes("55"), bytes("66")}))
             << cut;
     }
-    EXPECT_EQ(complaint_about("\nTX:55\nhello"), "log: line 3 is no frame of a log");
-    EXPECT_EQ(complaint_about("\nTX:55\nTX:5g"), "log: line 3 is no frame of a log");
+    EXPECT_EQ(complaint_about("\nTX:55\nhello"), "log: line 3 is not a line of a frame log");
+    EXPECT_EQ(complaint_about("\nTX:55\nTX:5g"), "log: line 3 is not a line of a frame log");
 }
 
 TEST(SimFrameLog, IsReadFromAFileInWhichSomethingWasSent)
