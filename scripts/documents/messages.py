@@ -1,28 +1,74 @@
-"""Compares three things: the texts in the sources of the tool, the list of messages in
-tests/messages.txt, and the page that explains them, docs/troubleshooting.md.
+"""Compares three things: the texts in the sources of the programs, the list of messages in
+tests/messages.txt, and the pages that explain them.
 
 In the list, each line is a message as it is printed, with the parts that vary in braces, "{}" at
-the seam of two texts, and "\\n" for a line end inside a message. Sections say who prints it:
-
-    [tool]       texts of the sources
-    [framework]  texts of the libraries; a command on the page must show each of them
-    [no message] words in the sources that are not printed by themselves
+the seam of two texts, double braces for braces that are printed, and "\\n" for a line end inside a
+message. Sections say who prints it: a program, a library ("framework"), or nobody ("no message":
+words in the sources that are not printed by themselves). A command on the page must show each text
+of a library.
 """
 
+import dataclasses
 import re
 
 from documents import commands, markdown
 
-FOLDERS = ("app", "device", "memory", "profile")
-#: The usage text is one piece, which a test of the tool compares as a whole.
-LEFT_OUT = ("UsageText.cpp",)
-SECTIONS = ("tool", "framework", "no message")
-PAGE = "docs/troubleshooting.md"
+TOOL_PAGE = "docs/troubleshooting.md"
+COMPANIONS_PAGE = "docs/troubleshooting-companions.md"
+
+
+@dataclasses.dataclass(frozen=True)
+class Program:
+    """The messages of a program: their section of the list, their page and their sources."""
+
+    section: str
+    page: str
+    folders: tuple
+    left_out: tuple = ()  #: names of sources without messages
+    speaks: str = ""  #: found in each source with messages; the others have none
+    repeats: tuple = ()  #: sections of other programs with texts that these sources have, too
+
+
+PROGRAMS = (
+    # The usage text is one piece, which a test of the tool compares as a whole.
+    Program("tool", TOOL_PAGE, ("app", "device", "memory", "profile"), left_out=("UsageText.cpp",)),
+    # What several of the other programs contain.
+    Program("companions", COMPANIONS_PAGE, ("process",)),
+    # Left out are names of faults, commands and behaviours with what --help says of them, the
+    # folders of lock files, and the summary.
+    Program("zserial-sim", COMPANIONS_PAGE,
+            ("sim/device", "sim/faults", "sim/line", "sim/program", "sim/rig"),
+            left_out=("FaultKind.h", "Names.h", "PortLock.cpp", "SummaryText.cpp")),
+    # Left out are the display, the events and the report. The judge recognises texts of the tool.
+    Program("zserial-gang", COMPANIONS_PAGE, ("gang",),
+            left_out=("Display.cpp", "EventLines.cpp", "TableText.cpp", "Report.cpp",
+                      "ReportHtml.cpp", "ReportText.cpp"),
+            repeats=("tool",)),
+    # A message leaves the inspector as a UsageError or on standard error. The other sources find
+    # problems, which docs/inspect.md explains by their codes, or lay out reports.
+    Program("zserial-inspect", COMPANIONS_PAGE, ("inspect",),
+            speaks="UsageError|StandardStream::Error|InputFile::InputFile",
+            repeats=("tool",)),
+)
+FRAMEWORKS = {"framework": TOOL_PAGE, "framework of companions": COMPANIONS_PAGE}
+NO_MESSAGE = "no message"
 
 TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|#include[^\n]*|\'(?:\\.|[^\'\\])*\'|("(?:\\.|[^"\\\n])*")',
                    re.DOTALL)
-#: What varies: "%1" in a text of the framework, "%u%%" in one of the C library, braces in the list.
-GAP = re.compile(r"%\d|%u%%|\{[^}]*\}|\\[nrt]|[\n\r\t]")
+#: What --help shows: the rows of a table of options, other arguments, a description; a subcommand of
+#: the inspector, and all of them.
+HELP = re.compile(r'\{"[\w-]*",\s*"[\w ]*",\s*(?:"(?:\\.|[^"\\])*"\s*)+\}'
+                  r"|addPositionalArgument\(.*?\);"
+                  r"|const char\* const (?:introduction|exit_status|\w*description) =.*?;\n"
+                  r"|static const Subcommand subcommand = \{.*?\n    \};"
+                  r"|QByteArray general_help\(\)\n\{.*?\n\}", re.DOTALL)
+#: A word in one case is a name: of an option, a key, a verdict, a file, a variable.
+NAME = re.compile(r"[a-z0-9_./-]+|[A-Z0-9_]+")
+#: What varies in the list, or is printed in braces.
+BRACES = re.compile(r"\{(\{[^}]*\})\}|\{([^}]*)\}")
+#: What varies: "%1" in a text of the framework, "%s" and "%u%%" in those of the C library, braces in
+#: the list.
+GAP = re.compile(rf"%\d|%s|%u%%|{BRACES.pattern.replace('(', '(?:')}|\\[nrt]|[\n\r\t]")
 
 
 def literals(source):
@@ -49,26 +95,39 @@ def fragments(text):
     return tuple(part for part in parts if re.search(r"[A-Za-z]{2}", part))
 
 
+def is_name(parts):
+    return len(parts) == 1 and NAME.fullmatch(parts[0]) is not None
+
+
 def contains(message, part):
     """Whether the fragments of a literal follow each other in those of a message."""
     return any(message[start:start + len(part)] == part for start in range(len(message)))
 
 
-def texts_of_sources(source):
-    """The fragments of each literal, with the file that has it."""
+def sources(source, program):
+    """The files with messages of a program."""
+    for folder in program.folders:
+        for path in sorted((source / folder).iterdir()):
+            if path.suffix in (".cpp", ".h") and path.name not in program.left_out:
+                text = path.read_text(encoding="utf-8")
+                if re.search(program.speaks, text):
+                    yield path.relative_to(source), text
+
+
+def texts_of_sources(source, program):
+    """The fragments of each literal outside of help texts, with the file that has it."""
     found = {}
-    for folder in FOLDERS:
-        for path in sorted((source / folder).glob("*.cpp")):
-            if path.name not in LEFT_OUT:
-                for text in literals(path.read_text(encoding="utf-8")):
-                    found.setdefault(fragments(text), path.relative_to(source))
+    for path, content in sources(source, program):
+        for text in literals(HELP.sub("", content)):
+            found.setdefault(fragments(text), path)
     found.pop((), None)
     return found
 
 
 def read_list(path):
     """The entries by section."""
-    sections = {name: [] for name in SECTIONS}
+    names = [*(program.section for program in PROGRAMS), *FRAMEWORKS, NO_MESSAGE]
+    sections = {name: [] for name in names}
     for line in path.read_text(encoding="utf-8").splitlines():
         if line.startswith("["):
             section = sections[line.strip("[]")]
@@ -79,7 +138,8 @@ def read_list(path):
 
 def as_on_the_page(message):
     """On the page, what varies is a word in capitals, and a message of several lines one line."""
-    return re.sub(r"\s+", " ", re.sub(r"[{}]", "", message.replace("\\n", " "))).strip()
+    text = BRACES.sub(lambda braces: braces[1] or braces[2], message.replace("\\n", " "))
+    return re.sub(r"\s+", " ", text).strip()
 
 
 def page_messages(lines):
@@ -105,29 +165,56 @@ def is_shown(message, lines):
 def disagreements(source):
     """One line of text for each disagreement."""
     listed = read_list(source / "tests" / "messages.txt")
-    document = source / PAGE
-    yield from between_sources_and_list(texts_of_sources(source), listed)
-    yield from between_list_and_page(listed, list(page_messages(markdown.read(document))))
-    shown = shown_lines(document)
-    for message in listed["framework"]:
-        if not is_shown(message, shown):
-            yield f"{PAGE}: no command shows this text of a library: {message}"
+    everything = {}
+    for program in PROGRAMS:
+        found = texts_of_sources(source, program)
+        others = [each for name in (*program.repeats, NO_MESSAGE) for each in listed[name]]
+        yield from missing_in_list(found, listed[program.section] + others)
+        yield from missing_in_sources(found, listed[program.section])
+        yield from missing_files(source, program)
+        everything.update(found)
+    yield from missing_in_sources(everything, listed[NO_MESSAGE])
+    for page in (TOOL_PAGE, COMPANIONS_PAGE):
+        yield from between_list_and_page(listed, page, markdown.read(source / page))
+    for section, page in FRAMEWORKS.items():
+        yield from missing_in_commands(listed[section], page, shown_lines(source / page))
 
 
-def between_sources_and_list(found, listed):
-    messages = [fragments(each) for each in listed["tool"] + listed["no message"]]
+def missing_in_list(found, entries):
+    messages = [fragments(each) for each in entries]
     for parts in sorted(found):
-        if not any(contains(message, parts) for message in messages):
+        if not is_name(parts) and not any(contains(message, parts) for message in messages):
             yield f"{found[parts]}: not in tests/messages.txt: {' ... '.join(parts)}"
+
+
+def missing_in_sources(found, entries):
     printed = {part for parts in found for part in parts}
-    for part in sorted({part for message in messages for part in message} - printed):
+    for part in sorted({part for each in entries for part in fragments(each)} - printed):
         yield f"tests/messages.txt: in no source: {part}"
 
 
-def between_list_and_page(listed, explained):
-    messages = {as_on_the_page(each) for each in listed["tool"] + listed["framework"]}
+def missing_files(source, program):
+    for name in program.left_out:
+        if not any((source / folder / name).exists() for folder in program.folders):
+            yield f"{program.section}: left out, and not there: {name}"
+
+
+def sections_of(page):
+    return [program.section for program in PROGRAMS if program.page == page] + [
+        section for section, its_page in FRAMEWORKS.items() if its_page == page]
+
+
+def between_list_and_page(listed, page, lines):
+    explained = list(page_messages(lines))
+    messages = {as_on_the_page(each) for name in sections_of(page) for each in listed[name]}
     for message in sorted(messages - {text for _, text in explained}):
-        yield f"{PAGE}: does not explain: {message}"
+        yield f"{page}: does not explain: {message}"
     for number, text in explained:
         if text not in messages:
-            yield f"{PAGE}:{number}: not in tests/messages.txt: {text}"
+            yield f"{page}:{number}: not in tests/messages.txt: {text}"
+
+
+def missing_in_commands(entries, page, lines):
+    for message in entries:
+        if not is_shown(message, lines):
+            yield f"{page}: no command shows this text of a library: {message}"

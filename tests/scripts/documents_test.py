@@ -3,7 +3,7 @@
 
 import pathlib
 import re
-import subprocess
+import shutil
 import sys
 import tempfile
 import unittest
@@ -162,30 +162,126 @@ class Messages(unittest.TestCase):
     def test_are_compared_by_what_does_not_vary(self):
         self.assertEqual(messages.fragments("file {NAME} at 0x%1 (%2)\\n"), ("file", "at 0x"))
 
+    def test_may_show_braces(self):
+        self.assertEqual(messages.as_on_the_page("{FILE}: put {{name}} into it\\n"),
+                         "FILE: put {name} into it")
+        self.assertEqual(messages.fragments("{FILE}: put {{name}} into it"),
+                         messages.fragments("%1: put {name} into it"))
+
     def test_of_sources_have_to_be_listed(self):
-        listed = {"tool": ["cannot open {FILE} now"], "no message": []}
+        listed = ["cannot open {FILE} now"]
         found = {("cannot open",): "a.cpp", ("now",): "a.cpp"}
-        self.assertEqual(list(messages.between_sources_and_list(found, listed)), [])
-        found["later",] = "b.cpp"
-        self.assertEqual(list(messages.between_sources_and_list(found, listed)),
-                         ["b.cpp: not in tests/messages.txt: later"])
+        self.assertEqual(list(messages.missing_in_list(found, listed)), [])
+        found["and later",] = "b.cpp"
+        self.assertEqual(list(messages.missing_in_list(found, listed)),
+                         ["b.cpp: not in tests/messages.txt: and later"])
+
+    def test_are_more_than_names(self):
+        found = {(name,): "a.cpp" for name in ("--keep-failures", "device.txt", "NO_COLOR")}
+        self.assertEqual(list(messages.missing_in_list(found, [])), [])
+
+    def test_are_not_what_help_shows(self):
+        source = ('{"jobs", "number", "Run at most <number>."}, '
+                  'const char* const description = "Runs;\\n" "one";\n'
+                  'm_parser.addPositionalArgument("file", "The images.");\n'
+                  'static const Subcommand subcommand = {\n"log",\n"Explain",\n    };\n'
+                  'throw Error(QStringLiteral("no file"));')
+        self.assertEqual(messages.literals(messages.HELP.sub("", source)), ["no file"])
 
     def test_of_the_list_have_to_be_in_a_source(self):
-        listed = {"tool": ["gone"], "no message": []}
-        self.assertEqual(list(messages.between_sources_and_list({}, listed)),
+        self.assertEqual(list(messages.missing_in_sources({}, ["gone"])),
                          ["tests/messages.txt: in no source: gone"])
 
     def test_have_to_be_on_the_page_and_in_the_list(self):
-        listed = {"tool": ["bad {N}"], "framework": []}
-        self.assertEqual(list(messages.between_list_and_page(listed, [(3, "bad N")])), [])
-        self.assertEqual(list(messages.between_list_and_page(listed, [(3, "worse N")])),
+        listed = {name: [] for name in messages.sections_of(messages.TOOL_PAGE)}
+        listed["tool"] = ["bad {N}"]
+        compared = lambda line: list(
+            messages.between_list_and_page(listed, messages.TOOL_PAGE, ["", "", line]))
+        self.assertEqual(compared("| `bad N` |"), [])
+        self.assertEqual(compared("| `worse N` |"),
                          ["docs/troubleshooting.md: does not explain: bad N",
                           "docs/troubleshooting.md:3: not in tests/messages.txt: worse N"])
+
+    def test_of_libraries_have_to_be_shown_by_a_command(self):
+        listed = ["Bad '{N}'."]
+        self.assertEqual(list(messages.missing_in_commands(listed, "page", ["Bad 'x'."])), [])
+        self.assertEqual(list(messages.missing_in_commands(listed, "page", ["Good."])),
+                         ["page: no command shows this text of a library: Bad '{N}'."])
 
     def test_stand_on_the_page_in_headings_and_first_columns(self):
         lines = ["### `one`, `two`", "", "| `three` | `no` |", "", "`no`"]
         self.assertEqual([text for _, text in messages.page_messages(lines)],
                          ["one", "two", "three"])
+
+
+class EveryProgram(unittest.TestCase):
+    """A copy of the tree, in which one message of a program is changed at a time."""
+
+    #: A message of each, as it stands in the list and on the page, and the source that has it.
+    examples = {
+        "tool": ("You specified more than one port.", "app/Options.cpp"),
+        "companions": ("cannot wait for signals", "process/SignalEvents.cpp"),
+        "zserial-sim": ("cannot write the summary ", "sim/program/Session.cpp"),
+        "zserial-gang": ("--keep-failures needs --keep", "gang/Arguments.cpp"),
+        "zserial-inspect": ("log takes one file", "inspect/LogCommand.cpp"),
+    }
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.tree = pathlib.Path(folder.name)
+        for name in ("docs", *(each for program in messages.PROGRAMS for each in program.folders)):
+            shutil.copytree(SOURCE / name, cls.tree / name)
+        (cls.tree / "tests").mkdir()
+        shutil.copy(SOURCE / "tests" / "messages.txt", cls.tree / "tests")
+
+    def with_change(self, name, old, new):
+        """The disagreements after a text has been replaced, the first time that a file has it."""
+        path = self.tree / name
+        before = path.read_text(encoding="utf-8")
+        self.assertIn(old, before)
+        path.write_text(before.replace(old, new, 1), encoding="utf-8")
+        try:
+            return list(messages.disagreements(self.tree))
+        finally:
+            path.write_text(before, encoding="utf-8")
+
+    def for_each(self, check):
+        for program in messages.PROGRAMS:
+            with self.subTest(program=program.section):
+                check(program.page, *self.examples[program.section])
+
+    def test_agrees_with_list_and_page(self):
+        self.assertEqual(list(messages.disagreements(self.tree)), [])
+
+    def test_has_no_message_that_the_list_lacks(self):
+        def check(page, message, source):
+            found = self.with_change("tests/messages.txt", f"\n{message}", f"\n#{message}")
+            self.assertIn(f"{source}: not in tests/messages.txt: {message.strip()}", found)
+            self.assertTrue(any(each.startswith(f"{page}:") for each in found))
+
+        self.for_each(check)
+
+    def test_has_no_message_that_the_page_lacks(self):
+        def check(page, message, _):
+            found = self.with_change(page, f"`{message}", f"`no {message}")
+            self.assertIn(f"{page}: does not explain: {message}", " ".join(found))
+
+        self.for_each(check)
+
+    def test_has_every_message_of_the_list(self):
+        def check(_, message, source):
+            found = self.with_change(source, f'"{message}', '"a new message ')
+            self.assertIn(f"tests/messages.txt: in no source: {message.strip()}", found)
+            self.assertIn(f"{source}: not in tests/messages.txt: a new message", found)
+
+        self.for_each(check)
+
+    def test_has_the_sources_that_are_left_out(self):
+        gone = messages.Program("tool", messages.TOOL_PAGE, ("app",), left_out=("Gone.cpp",))
+        self.assertEqual(list(messages.missing_files(self.tree, gone)),
+                         ["tool: left out, and not there: Gone.cpp"])
 
 
 class Frames(unittest.TestCase):
