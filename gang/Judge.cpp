@@ -306,6 +306,15 @@ Judgement read_console(const ToolEnd& end, const Settings& settings, bool read_f
     return end.code == EXIT_FAILURE ? reader.read_failure() : Judgement();
 }
 
+QString unexpected_end(const ToolEnd& end)
+{
+    const QString status = QString::number(end.code);
+    const QString lines = last_lines(end.out + '\n' + end.err, shown_lines);
+    return lines.isEmpty()
+               ? QStringLiteral("ended with status %1 and printed nothing").arg(status)
+               : QStringLiteral("ended with status %1; its last lines: %2").arg(status, lines);
+}
+
 Judgement judge_exit(const ToolEnd& end, const Settings& settings)
 {
     Judgement judgement = read_console(end, settings, false);
@@ -319,9 +328,7 @@ Judgement judge_exit(const ToolEnd& end, const Settings& settings)
             QStringLiteral("%1 could not be opened to save what was read").arg(settings.read_file);
     } else if (judgement.verdict == Verdict::Failed) {
         judgement.touched = true;
-        judgement.message =
-            QStringLiteral("ended with status %1; its last lines: %2")
-                .arg(QString::number(end.code), last_lines(end.out + '\n' + end.err, shown_lines));
+        judgement.message = unexpected_end(end);
     }
     return judgement;
 }

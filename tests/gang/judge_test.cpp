@@ -97,7 +97,7 @@ const std::vector<ConsoleCase> console_cases = {
      "procedure: 0x0110 / All "
      "operations completed succesfully! / more"},
     {"AnotherStatus", "-s p", 7, "what\n", "failed: ended with status 7; its last lines: what"},
-    {"NothingAtAll", "-s p", 1, "", "failed: ended with status 1; its last lines: "},
+    {"NothingAtAll", "-s p", 1, "", "failed: ended with status 1 and printed nothing"},
     {"UnknownText", "-s p", 1, "one\ntwo\nthree\nfour\n",
      "failed: ended with status 1; its last lines: two / three / four"},
     {"ReadFileLost", "-s p -r g", 0,
