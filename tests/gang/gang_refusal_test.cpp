@@ -11,7 +11,7 @@ using namespace test;
 namespace
 {
 
-/// Arguments with which nothing is started, and why.
+/// Arguments that a gang refuses, and the reason that it gives.
 struct RefusalCase {
     const char* name;
     const char* arguments;
@@ -37,7 +37,7 @@ protected:
                  image.left(end) + file(QStringLiteral("elsewhere.hex")));
     }
 
-    /// Names by which two ports, a and b, would write one file.
+    /// Creates links by which two ports, a and b, would write to one file.
     void put_links() const
     {
         ASSERT_TRUE(QDir(folder()).mkdir(QStringLiteral("a")));
