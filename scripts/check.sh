@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks what scripts/test.sh does not: style, packages, manual pages, completions, and programs that
-# are built on the installed libraries.
+# Checks what scripts/test.sh does not: style, packages, manual pages, completions, and programs built
+# on the installed libraries.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

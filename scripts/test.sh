@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs all tests: optimised, then under AddressSanitizer and UndefinedBehaviorSanitizer,
-# then every fuzz target for a few seconds. With arguments, only the presets named.
+# Builds and runs all tests: optimised, then with AddressSanitizer and UndefinedBehaviorSanitizer, then
+# every fuzz target for a few seconds. With arguments, only these presets.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
