@@ -128,7 +128,8 @@ class Campaign:
 
     def judge(self, case, result, gave_up):
         """Returns whether the case could be judged. It cannot if an unintended late answer has moved
-        its faults to other commands. Cases with intended late answers require a fast machine and are always judged."""
+        its faults to other commands. Cases with intended late answers require a fast machine and are
+        always judged."""
         judged = case.needs_quick_machine or not gave_up
         self.add("cases", tables.CASES_HEAD, tables.case_line(case, result, judged))
         if judged and (result.end, result.cause) != (case.end, case.cause):
