@@ -128,7 +128,7 @@ def _random_memory(device, draws):
 def random_bytes(draws, count):
     data = bytearray(draws.randbytes(count))
     for place, chance in enumerate(draws.randbytes(count)):
-        if chance < 26:  # a tenth of them
+        if chance < 26:  # a tenth of all bytes
             data[place] = SPECIAL[chance % len(SPECIAL)]
     return bytes(data)
 

@@ -23,7 +23,7 @@ class Row:
     options: tuple
     device: Device = SMALL
     entry: tuple = ("--entry", "version")
-    eeprom: bool = True  # the image holds some
+    eeprom: bool = True  # the image has data for it
     # Approximate number of faults that a run meets. None: no faults, for comparison.
     faults_per_run: typing.Optional[float] = None
     slow: bool = False  # the device acknowledges every row late, which is a fault each time

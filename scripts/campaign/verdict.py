@@ -121,7 +121,7 @@ def _not_as_claimed(run, outcome):
 
 
 def _accused(outcome):
-    """The addresses that the tool says differ."""
+    """Returns the addresses that zserial reports as different."""
     found = ACCUSATION.search(outcome.out)
     if not found:
         return set()
@@ -131,7 +131,7 @@ def _accused(outcome):
 
 
 def _changed_by(device, payloads):
-    """Every address that these commands write or erase."""
+    """Returns all addresses that these commands write or erase."""
     return {address for payload in payloads for address in _target_of(device, payload)}
 
 
@@ -151,7 +151,8 @@ def _start_of(device, payload):
 
 
 def _lies(payload, outcome):
-    """Where data that was read is what the device neither held before nor holds now."""
+    """Returns the addresses at which the data of an answer is neither what the device held before
+    the run nor what it holds after it."""
     if payload[0] not in (READ_FLASH, READ_EEPROM) or len(payload) < 6:
         return set()
     before, after = outcome.before, outcome.after

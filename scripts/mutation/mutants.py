@@ -167,7 +167,7 @@ def _end_of_statement(tokens, i):
             return j if acts else None
         if depth == 0 and (text in NOT_IN_STATEMENT or
                            j > i and kind == "word" and tokens[j - 1].kind == "word"):
-            return None  # no statement, or a declaration: a type and a name
+            return None  # not a statement, or a declaration: a type and a name
         if depth == 0 and not acts and kind == "word" and j > i and tokens[j - 1].text in "*&>":
             return None
         acts = acts or text in ACTS

@@ -215,9 +215,9 @@ class Messages(unittest.TestCase):
 
 
 class EveryProgram(unittest.TestCase):
-    """A copy of the tree, in which one message of a program is changed at a time."""
+    """Checks a copy of the tree in which one message of a program is changed at a time."""
 
-    #: A message of each, as it stands in the list and on the page, and the source that has it.
+    #: One message of each program, as in the list and on the page, and the source that contains it.
     examples = {
         "tool": ("You specified more than one port.", "app/Options.cpp"),
         "companions": ("cannot wait for signals", "process/SignalEvents.cpp"),
@@ -237,7 +237,7 @@ class EveryProgram(unittest.TestCase):
         shutil.copy(SOURCE / "tests" / "messages.txt", cls.tree / "tests")
 
     def with_change(self, name, old, new):
-        """The disagreements after a text has been replaced, the first time that a file has it."""
+        """Returns the disagreements after the first occurrence of a text in a file has been replaced."""
         path = self.tree / name
         before = path.read_text(encoding="utf-8")
         self.assertIn(old, before)
