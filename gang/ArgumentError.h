@@ -7,7 +7,7 @@
 namespace gang
 {
 
-/// The gang cannot start as requested; what() explains why to the user.
+/// What was asked for cannot be begun; what() says why, in words for the user.
 class ArgumentError : public std::runtime_error
 {
 public:

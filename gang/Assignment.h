@@ -9,10 +9,10 @@
 namespace gang
 {
 
-/// Settings and inputs that all runs of a gang share.
+/// What all runs of a gang have in common.
 struct Assignment {
     const Arguments& arguments;
-    QString tool; ///< path of the zserial program
+    QString tool; ///< the program to run
     const Inputs& inputs;
     NumberFile* numbers = nullptr; ///< null: no serial numbers
 };

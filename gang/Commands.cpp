@@ -13,8 +13,8 @@ namespace gang
 namespace
 {
 
-/// Returns a path like those that match the pattern, with `variant` in place of the first wildcard
-/// and "x" in place of the others.
+/// A path that matches a pattern, with something else in the place of its first wildcard for each
+/// `variant`.
 QString sample_of(const QString& pattern, const QString& variant)
 {
     static const QRegularExpression wildcard(QStringLiteral("\\*|\\?|\\[.[^\\]]*\\]"));
@@ -27,8 +27,7 @@ QString sample_of(const QString& pattern, const QString& variant)
            rest.replace(wildcard, QStringLiteral("x"));
 }
 
-/// Returns the named ports, or two sample ports for the pattern that differ as little as two ports
-/// can, so that a file that ports would share is found before any port appears.
+/// Of ports that may appear, two that are as alike as two ports can be.
 QStringList sample_ports(const Arguments& arguments)
 {
     QStringList ports = arguments.ports;
@@ -53,7 +52,7 @@ void refuse_repeated_ports(const QStringList& ports)
     }
 }
 
-/// Returns the files that no run may overwrite: their file_key() and what they are.
+/// Files that every run needs as they are.
 QHash<QString, QString> inputs_of(const Arguments& arguments,
                                   const std::vector<ToolCommand>& commands)
 {
@@ -77,7 +76,7 @@ QHash<QString, QString> inputs_of(const Arguments& arguments,
     return inputs;
 }
 
-/// True if the path exists and is not a regular file, such as a terminal, which runs may share.
+/// Such as a terminal.
 bool keeps_nothing(const QString& path)
 {
     const QFileInfo file(path);
@@ -109,7 +108,7 @@ void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCom
     }
 }
 
-/// Images are read at the start, before it is known which ports will appear.
+/// Images are taken in before the first port appears.
 void refuse_images_by_port(const std::vector<ToolCommand>& commands)
 {
     if (commands.size() > 1 && commands[0].images() != commands[1].images()) {

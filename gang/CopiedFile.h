@@ -10,17 +10,16 @@ namespace gang
 
 bool write_file(const QString& path, const QByteArray& contents);
 
-/// A snapshot of a user's file, which may be a pipe: read once and copied, so that later changes to
-/// the file have no effect.
+/// A file of the user's, read once and copied, whatever becomes of it afterwards. It may be a pipe.
 class CopiedFile
 {
 public:
-    /// Reads `path` and writes `copy`. Throws FileError, which names the file, if either fails.
+    /// Throws FileError, with the name of the file, if it cannot be read or copied.
     CopiedFile(const QString& path, const QString& copy);
 
     const QByteArray& contents() const { return m_contents; }
 
-    /// In lower-case hexadecimal.
+    /// In hexadecimal.
     QString sha256() const;
 
 private:

@@ -29,7 +29,7 @@ void Crew::take(const QString& port)
         *known = RunState();
         known->port = names;
     }
-    // Queued, so that all ports are known when the first run starts.
+    // From within the event loop, so that all ports are known when the first begins.
     QMetaObject::invokeMethod(this, &Crew::begin_waiting, Qt::QueuedConnection);
 }
 
@@ -92,7 +92,7 @@ void Crew::take_failed_try(int index)
     m_display.failed_try(m_states, index);
 }
 
-/// A run that cannot be recorded has failed, whatever its own verdict.
+/// A device that is not in the record is not ok.
 void Crew::take_record(int index, RunRecord record)
 {
     try {
@@ -129,7 +129,7 @@ void Crew::give_up(const QString& reason)
     wind_down();
 }
 
-/// Starts waiting ports. The run is still emitting its signal, so it is deleted later.
+/// Deletes the run once it has returned from its signal, and goes on.
 void Crew::release(int index)
 {
     m_runs[static_cast<std::size_t>(index)].release()->deleteLater();
@@ -148,7 +148,7 @@ void Crew::wind_down()
             state.phase = RunState::Phase::Skipped;
         }
     }
-    // A run that is pausing finishes within this call, which resets its element of m_runs.
+    // A run that pauses ends here and leaves the list.
     for (std::size_t i = 0; i < m_runs.size(); ++i) {
         if (m_runs[i]) {
             m_runs[i]->try_no_more();

@@ -14,7 +14,7 @@
 namespace gang
 {
 
-/// Runs the uploads, at most --jobs at a time; the other ports wait in list order.
+/// Runs the uploads: as many at once as are allowed, the others in order after them.
 class Crew : public QObject
 {
     Q_OBJECT
@@ -23,16 +23,15 @@ public:
     /// `record` may be null.
     Crew(const Assignment& assignment, RecordFile* record, Display& display);
 
-    /// Adds a port that is neither waiting nor running. Adding a port again programs its next
-    /// device; the port keeps its number. Ignored after wind_down().
+    /// Takes a port in that is not waiting or running; the same port again is the next device on
+    /// it. Its number is kept.
     void take(const QString& port);
 
-    /// Starts no further run or try; running uploads finish.
+    /// Begins no further run or try; those that run go on to their end.
     void wind_down();
-    /// Kills all running uploads. Call wind_down() first: it keeps waiting ports from starting.
+    /// Ends all runs at once.
     void stop();
 
-    /// True if no run is active or waiting.
     bool is_idle() const;
 
     bool is_winding_down() const { return m_winding_down; }
@@ -43,10 +42,9 @@ public:
 
 Q_SIGNALS:
     void ended(const QString& port);
-    /// No run is active or waiting any more.
+    /// Nothing runs, and nothing is left to begin.
     void became_idle();
-    /// The gang itself has failed, for example because a run could not be recorded; no further run
-    /// starts.
+    /// Something of the gang's own went wrong, and nothing more is begun.
     void troubled(const QString& reason);
 
 private:
@@ -64,7 +62,7 @@ private:
     RecordFile* m_record;
     Display& m_display;
     RunStates m_states;
-    std::vector<std::unique_ptr<PortRun>> m_runs; ///< parallel to m_states; null: not running
+    std::vector<std::unique_ptr<PortRun>> m_runs; ///< one for each state; null: not running
     Tally m_tally;
     QElapsedTimer m_since;
     bool m_winding_down = false;

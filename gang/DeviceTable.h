@@ -13,34 +13,32 @@
 namespace gang
 {
 
-/// The device table as it was when the gang started.
+/// The device table as it was when the gang began.
 class DeviceTable
 {
 public:
-    /// Reads the file and inspects a copy of it, which is written to `copy`. A table that cannot be
-    /// read or copied leaves is_readable() false.
+    /// Takes the file in; the inspection works on `copy`, which is made.
     DeviceTable(const QString& path, const QString& copy);
 
     bool is_readable() const { return m_reason.isEmpty(); }
 
     const QByteArray& contents() const { return m_contents; }
 
-    /// In lower-case hexadecimal; empty if the table cannot be read.
+    /// In hexadecimal; empty if the table cannot be read.
     QString sha256() const { return m_sha256; }
 
-    /// Returns the lines of the table for a bootloader version, unchanged.
+    /// The lines that describe the device of a version, as they are.
     QByteArray rows_of(unsigned short version) const;
 
-    /// Returns the device that zserial selects for a version; null if there is none. Owned by the
-    /// table.
+    /// The device of a version, as the tool picks it; null if there is none. Owned by the table.
     const Profile* find(unsigned short version) const;
-    /// Returns every device that zserial selects for some version. Owned by the table.
+    /// All devices that the tool would pick for some version. Owned by the table.
     std::vector<const Profile*> devices() const;
-    /// Returns the region boundaries of all devices together.
+    /// Where the devices' regions meet, all of them together.
     QSet<unsigned int> boundaries() const;
 
-    /// Returns the problems that stop a gang for devices of these versions, one line each; an empty
-    /// set stands for any version. `alone`: the runs get the rows of these versions only.
+    /// What stops a gang whose devices have these versions, any version if there are none; one line
+    /// each. `alone`: the runs get no rows but those.
     QStringList problems(const QSet<unsigned short>& versions, bool alone) const;
 
 private:
@@ -48,7 +46,7 @@ private:
                   bool alone) const;
 
     QString m_path;
-    QString m_reason; ///< why it cannot be read; empty if it can
+    QString m_reason; ///< why it cannot be read
     QByteArray m_contents;
     QString m_sha256;
     inspect::TableFile m_table;

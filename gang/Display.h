@@ -14,11 +14,11 @@ using RunStates = std::vector<RunState>;
 
 const RunState& state_of(const RunStates& states, int run);
 
-/// Totals of all runs.
+/// How all runs came out.
 struct Tally {
     QMap<Verdict, int> verdicts;
     int not_started = 0;
-    double seconds = 0; ///< since the first run started
+    double seconds = 0; ///< from the first start to the last end
 
     int runs() const;
 
@@ -28,7 +28,7 @@ struct Tally {
 /// "3 runs: 1 ok, 2 silent; 1 not started".
 QString text_of(const Tally& tally);
 
-/// Shows a user or a program what happens. `run` is an index into `states`.
+/// Shows people or programs what happens. `run` is an index into the states.
 class Display
 {
 public:

@@ -13,17 +13,16 @@
 namespace gang
 {
 
-/// Returns why an upload would write nothing of the image to the device, or not the whole serial
-/// number; empty if it writes both. The image must have been loaded with the boundaries of the
-/// device.
+/// Why an upload would leave nothing of the image in the device, or no serial number. Empty if it
+/// leaves both there. The image must have been loaded for this device.
 QString emptiness(const Profile& device, const inspect::ImageFile& image, const Settings& settings,
                   const std::optional<NumberSlot>& slot);
 
-/// Returns why the device would not hold the whole image, one line for each reason.
+/// Why the device would not have all of the image; one line each.
 QStringList misfits(const Profile& device, const inspect::ImageFile& image);
 
-/// True if every byte of the image lies in device memory, wherever its pieces start. The bootloader
-/// area counts as device memory.
+/// Whether the device has memory for all of the image, wherever its pieces begin. Its own
+/// bootloader counts as such.
 bool has_room(const Profile& device, const inspect::ImageFile& image);
 
 } // namespace gang

@@ -44,7 +44,7 @@ void Inputs::doubt(const QStringList& problems)
     }
 }
 
-/// Returns the versions that the devices must have; none if any version may appear.
+/// The versions that the devices have, as far as that is certain; none if any may come.
 QSet<unsigned short> Inputs::versions_of(const std::vector<ToolCommand>& commands) const
 {
     if (m_arguments.expected_version) {
@@ -83,8 +83,7 @@ void Inputs::take_images(const std::vector<ToolCommand>& commands)
     }
 }
 
-/// zserial treats a missing or empty file as an empty image and reports success, so both are
-/// refused here.
+/// A missing or empty file would be an empty image to the tool, written with success.
 void Inputs::take_image(const QString& path)
 {
     const QString copy = m_scratch.filePath(QStringLiteral("image-%1").arg(m_images.size() + 1));
@@ -105,7 +104,7 @@ void Inputs::take_image(const QString& path)
     }
 }
 
-/// Checks the images against the devices that are known in advance.
+/// Looks ahead at what is certain about the device that will be there.
 void Inputs::inspect_fit(const ToolCommand& command, const QSet<unsigned short>& versions)
 {
     for (const QString& image : command.images()) {
@@ -124,7 +123,7 @@ void Inputs::inspect_fit(const ToolCommand& command, const QSet<unsigned short>&
     }
 }
 
-/// Checks that each image fits at least one device of the table.
+/// Looks whether an image can be for any device at all.
 void Inputs::inspect_room()
 {
     const std::vector<const Profile*> devices = m_table->devices();
@@ -160,7 +159,7 @@ const Inputs::Misfit& Inputs::misfit_of(const Profile& device, const QString& im
     return *m_misfits.insert(key, misfit);
 }
 
-/// With --force, an image of which only part fits is accepted.
+/// What was to be done all the same is not held against the device, as long as something was done.
 QString Inputs::misfit(unsigned short version, const ToolCommand& command) const
 {
     const QString image = command.written_image();

@@ -90,7 +90,7 @@ void LiveTable::ended(const RunStates& states, int run, const RunRecord& record)
     m_ended << line_of(state_of(states, run).port.name, record);
 }
 
-/// Returns the median duration of ok runs so far; 0 if there are none.
+/// The median of the uploads so far.
 double LiveTable::expected_s() const
 {
     if (m_durations.empty()) {
@@ -102,8 +102,7 @@ double LiveTable::expected_s() const
     return *middle;
 }
 
-/// Draws nothing while the terminal accepts no output: a stopped terminal must not stop the
-/// uploads.
+/// Somebody who has stopped the terminal stops no upload.
 void LiveTable::draw()
 {
     if (m_states == nullptr || !takes_output()) {

@@ -12,8 +12,7 @@
 namespace gang
 {
 
-/// Shows the table on the alternate screen of the terminal; at the end, the summary is printed on
-/// the normal screen.
+/// The table on the terminal, on a screen of its own that gives way to the summary at the end.
 class LiveTable : public QObject, public Display
 {
     Q_OBJECT
@@ -28,7 +27,7 @@ public:
     void ended(const RunStates& states, int run, const RunRecord& record) override;
     void summed_up(const RunStates& states, const Tally& tally) override;
 
-    /// Adapts the table to the current size of the terminal.
+    /// Takes the terminal's size anew.
     void resize();
 
 private:
@@ -41,10 +40,10 @@ private:
     const RunStates* m_states = nullptr; ///< null: none yet
     QTimer m_refresh;
     QElapsedTimer m_since;
-    std::vector<double> m_durations; ///< of ok runs, in seconds
-    QStringList m_ended;             ///< one line for each run that has ended
+    std::vector<double> m_durations; ///< of uploads that were ok, in seconds
+    QStringList m_ended;             ///< a line for each run that has ended
     bool m_on_screen = false;
-    bool m_clears = false; ///< true if the screen is to be cleared before the next table
+    bool m_clears = false; ///< the screen, before the next table
 };
 
 } // namespace gang

@@ -11,11 +11,10 @@ namespace gang
 namespace
 {
 
-/// Polling interval; not every folder reports changes.
+/// Not every folder reports what comes and goes in it.
 constexpr int look_ms = 300;
 
-/// How long a new port may lack permissions, which are set shortly after it appears, before it is
-/// announced anyway.
+/// A new port belongs to root until its permissions are set.
 constexpr int longest_unready_ms = 2000;
 
 } // namespace
@@ -38,8 +37,7 @@ void PortWatch::release(const QString& port)
     m_in_use.remove(port);
 }
 
-/// Forgets ports that are gone or have been replaced by another node of the same name, so that they
-/// are announced again.
+/// Ports that have gone, or come back as another node of the same name, are new next time.
 void PortWatch::forget_absent(const QStringList& present)
 {
     for (auto port = m_announced.begin(); port != m_announced.end();) {
@@ -67,7 +65,7 @@ bool PortWatch::is_ready(const QString& port)
     return since.hasExpired(longest_unready_ms);
 }
 
-/// True if the port has been announced or is in use, under any of its names.
+/// By this name or another one.
 bool PortWatch::is_taken(const FileIdentity& identity) const
 {
     const auto is_same = [&identity](const FileIdentity& other) {

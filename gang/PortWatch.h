@@ -11,8 +11,8 @@
 namespace gang
 {
 
-/// Watches for ports that match a pattern. Each port is announced once, under one of its names, and
-/// again after it has been unplugged and plugged in again.
+/// Waits for ports that match a pattern. Each port is announced once, by one of its names, and
+/// again when it has gone and come back.
 class PortWatch : public QObject
 {
     Q_OBJECT
@@ -20,13 +20,13 @@ class PortWatch : public QObject
 public:
     explicit PortWatch(const QString& pattern);
 
-    /// Starts watching. Announces ports that already exist first.
+    /// Begins with the ports that are there already.
     void start();
-    /// Marks a port as no longer in use. Once it has been unplugged, it may be announced again.
+    /// An announced port is no longer in use, and may be announced again once it has been away.
     void release(const QString& port);
 
 Q_SIGNALS:
-    /// The port counts as in use until release().
+    /// The port is in use from now on.
     void appeared(const QString& port);
 
 private:
@@ -40,7 +40,7 @@ private:
     QTimer m_timer;
     QHash<QString, FileIdentity> m_announced;
     QHash<QString, FileIdentity> m_in_use;
-    QHash<QString, QElapsedTimer> m_unready; ///< ports without permissions, and since when
+    QHash<QString, QElapsedTimer> m_unready; ///< since when ports are there that cannot be opened
 };
 
 } // namespace gang

@@ -3,7 +3,7 @@
 namespace gang
 {
 
-/// Runs zserial-gang and returns its exit status.
+/// The whole program; returns its exit status.
 int run_program(int argc, char** argv);
 
 } // namespace gang

@@ -9,7 +9,7 @@ namespace gang
 namespace
 {
 
-/// Tracks which numbers are void, and why.
+/// Collects who has which number.
 class NumberAccount
 {
 public:
@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    QMap<quint64, QString> m_reasons; ///< why a number is void; empty: a good device has it
+    QMap<quint64, QString> m_reasons; ///< empty: a good device has it
 };
 
 void note_time(Report& report, const QString& time)
@@ -74,10 +74,10 @@ double RunGroup::yield() const
     return runs == 0 ? 0 : static_cast<double>(ok) / runs;
 }
 
-double quantile(std::vector<double> seconds, double share)
+std::optional<double> quantile(std::vector<double> seconds, double share)
 {
     if (seconds.empty()) {
-        return 0;
+        return std::nullopt;
     }
     std::sort(seconds.begin(), seconds.end());
     const double rank = std::ceil(share * static_cast<double>(seconds.size()));

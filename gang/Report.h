@@ -7,55 +7,55 @@
 #include <QMap>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace gang
 {
 
-/// Totals of a group of runs, such as those on one port.
+/// Runs that have something in common.
 struct RunGroup {
     int runs = 0;
     int ok = 0;
-    int ok_at_once = 0;          ///< ok at the first try
-    QMap<QString, int> failures; ///< number by verdict
+    int ok_at_once = 0;          ///< at the first try
+    QMap<QString, int> failures; ///< by verdict
     std::vector<double> ok_seconds;
 
     void add(const RecordedRun& run);
-    /// Returns the share of ok runs, from 0 to 1; 0 if there are no runs.
+    /// Of all runs, from 0 to 1; 0 if there are none.
     double yield() const;
 };
 
-/// A number that was given out but is in no good device.
+/// A number that no good device has.
 struct VoidNumber {
     quint64 number = 0;
     QString reason; ///< a verdict, "not recorded", or "another try"
 };
 
-/// The summary of one or more records.
+/// What records say when they are added up.
 struct Report {
     QString first; ///< time of the first run
     QString last;
     RunGroup all;
     QMap<QString, RunGroup> ports; ///< by station and port
     std::vector<VoidNumber> void_numbers;
-    int numbers = 0; ///< numbers given out, including void ones
+    int numbers = 0; ///< given out, void ones included
     int skipped = 0;
 };
 
-/// Summarises runs. `given` holds the numbers of a serial file; a number that is in no record is
-/// void, because its gang was killed before it could record the run.
+/// Adds up. `given` are the numbers of a serial file: one that is in no record is void, because its
+/// gang did not live to judge the run.
 Report report_on(const RecordedRuns& runs, const std::vector<GivenNumber>& given);
 
-/// Returns the duration, in seconds, that a share (0 to 1) of the runs does not exceed; 0 if there
-/// are no runs.
-double quantile(std::vector<double> seconds, double share);
+/// The duration that a share of the runs, from 0 to 1, do not exceed. Nothing if there are no runs.
+std::optional<double> quantile(std::vector<double> seconds, double share);
 
-/// Formats a share from 0 to 1, such as "97.5%".
+/// "97.5%".
 QString percent(double share);
 
 QString text_of(const Report& report);
 QJsonObject json_of(const Report& report);
-/// Returns one self-contained HTML page.
+/// One page with everything in it.
 QString html_of(const Report& report);
 
 } // namespace gang

@@ -38,9 +38,9 @@ td.failures { white-space: normal; }
 <main>
 )";
 
-QString seconds_html(double value)
+QString seconds_html(std::optional<double> value)
 {
-    return QStringLiteral("%1&nbsp;s").arg(value, 0, 'f', 1);
+    return value ? QStringLiteral("%1&nbsp;s").arg(*value, 0, 'f', 1) : QStringLiteral("&ndash;");
 }
 
 QString figure(const QString& value, const char* what)

@@ -8,11 +8,16 @@ namespace gang
 namespace
 {
 
+QJsonValue number_or_null(std::optional<double> value)
+{
+    return value ? QJsonValue(*value) : QJsonValue();
+}
+
 QJsonObject durations(const RunGroup& group)
 {
-    return {{QStringLiteral("median"), quantile(group.ok_seconds, 0.5)},
-            {QStringLiteral("nine_in_ten"), quantile(group.ok_seconds, 0.9)},
-            {QStringLiteral("longest"), quantile(group.ok_seconds, 1)}};
+    return {{QStringLiteral("median"), number_or_null(quantile(group.ok_seconds, 0.5))},
+            {QStringLiteral("nine_in_ten"), number_or_null(quantile(group.ok_seconds, 0.9))},
+            {QStringLiteral("longest"), number_or_null(quantile(group.ok_seconds, 1))}};
 }
 
 QJsonObject json_of(const RunGroup& group)

@@ -17,9 +17,9 @@ QString failures_text(const RunGroup& group)
     return parts.join(QStringLiteral(", "));
 }
 
-QString seconds(double value)
+QString seconds(std::optional<double> value)
 {
-    return QStringLiteral("%1 s").arg(value, 0, 'f', 1);
+    return value ? QStringLiteral("%1 s").arg(*value, 0, 'f', 1) : QStringLiteral("-");
 }
 
 void add_ports(QStringList& lines, const Report& report)

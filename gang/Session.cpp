@@ -20,8 +20,7 @@ namespace gang
 namespace
 {
 
-/// Returns the path of zserial: the one given with --zserial, or else the one next to this program,
-/// or else the one on the PATH.
+/// The tool beside this program, or the one that a shell would find.
 QString tool_for(const Arguments& arguments)
 {
     if (!arguments.tool.isEmpty()) {
@@ -107,7 +106,7 @@ void Session::prepare_numbers()
 
 int Session::run()
 {
-    // Nothing blocks from here on, so requests to stop can be handled by the event loop.
+    // From here on nothing waits for anybody, and a stop is asked of the uploads.
     m_signals.emplace();
     m_display = display_for(m_arguments);
     m_crew = std::make_unique<Crew>(*m_assignment, m_record ? &*m_record : nullptr, *m_display);
@@ -146,7 +145,7 @@ void Session::take_stop()
     }
 }
 
-/// Queued: a call of quit() before exec() would be lost.
+/// From within the event loop, which would not notice that it has to end before it has begun.
 void Session::end_if_idle()
 {
     const bool waits_for_ports = m_watch && !m_crew->is_winding_down();
@@ -155,8 +154,7 @@ void Session::end_if_idle()
     }
 }
 
-/// A request to stop is the normal end of a watch; it counts as an interruption only if it killed
-/// an upload.
+/// A watch ends in no other way than by being stopped.
 int Session::status() const
 {
     const Tally tally = m_crew->tally();

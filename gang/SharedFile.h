@@ -9,23 +9,23 @@
 namespace gang
 {
 
-/// A file cannot be used; what() names it and explains why.
+/// A file that cannot be used; what() names it and says why.
 class FileError : public std::runtime_error
 {
 public:
     explicit FileError(const QString& text) : std::runtime_error(text.toStdString()) {}
 };
 
-/// A text file to which several processes append whole lines. Its lock belongs to the open file, so
-/// the system releases it when a process is killed.
+/// A text file of whole lines to which several processes append. The system holds its lock for the
+/// open file, so a process that is killed leaves no lock behind.
 class SharedFile
 {
 public:
-    /// Locks the file for the lifetime of the object.
+    /// Holds the file locked as long as it lives.
     class Lock
     {
     public:
-        /// Waits for the lock. Throws FileError if another program holds it for ten seconds.
+        /// Waits for the others. Throws FileError if one of them does not let go for ten seconds.
         explicit Lock(SharedFile& file);
         ~Lock();
         Lock(const Lock&) = delete;
@@ -42,23 +42,23 @@ public:
 
     const QString& path() const { return m_path; }
 
-    /// Returns the contents from byte `position` on. Throws FileError if they cannot be read or the
-    /// file has become shorter. Needs the lock.
+    /// All of it from a position on. Throws FileError, also if there is less by now. Needs the
+    /// lock.
     QByteArray read_from(qint64 position);
 
-    /// Appends a line, passed without its line end, and returns once it is on the disk. An
-    /// incomplete last line, left by a killed or failed writer, becomes a line of its own. If the
-    /// line cannot be written as a whole, removes what was written of it and throws FileError.
-    /// Needs the lock.
+    /// Appends a line, given without its line end, and returns once it is on the disk. What a
+    /// killed or failed writer left without a line end becomes a line of its own. Throws FileError
+    /// if the line is not on the disk as a whole, and takes back what was written of it. Needs the
+    /// lock.
     void append(const QByteArray& line);
 
-    /// Truncates the file to `position` bytes. Throws FileError. Needs the lock.
+    /// Removes everything from a position on. Needs the lock.
     void cut(qint64 position);
-    /// Terminates an incomplete last line. Throws FileError. Needs the lock.
+    /// Ends a last line that has no line end. Needs the lock.
     void end_line();
-    /// True if the name still leads to this file.
+    /// The name still leads to this file.
     bool has_its_name() const;
-    /// Throws FileError if the name no longer leads to this file.
+    /// Throws FileError if the name leads to another file by now, or to none.
     void require_same_file() const;
 
 private:

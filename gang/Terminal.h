@@ -8,12 +8,12 @@ struct TerminalSize {
     int lines = 24;
 };
 
-/// True if standard output is a terminal that can be drawn on.
+/// Standard output is a terminal on which a screen can be drawn.
 bool has_terminal();
-/// True if NO_COLOR is set.
+/// The user has asked for no colours.
 bool wants_no_colour();
 TerminalSize terminal_size();
-/// True if standard output accepts data now: it is not stopped, and its reader keeps up.
+/// Standard output takes something now; nobody has stopped it, and its reader keeps up.
 bool takes_output();
 
 } // namespace gang

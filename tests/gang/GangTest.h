@@ -16,20 +16,20 @@
 namespace test
 {
 
-/// Splits a command line at spaces.
+/// Words of a command line, separated by spaces.
 QStringList words(const char* text);
 
-/// A zserial-sim process that runs until the object is destroyed.
+/// A process of zserial-sim that serves until it is destroyed.
 class SimProcess
 {
 public:
-    /// Starts zserial-sim with `options` and --json, and waits until it prints its port.
+    /// `options` beside the table and the device 0102, which runs its bootloader already.
     SimProcess(const QString& folder, const QStringList& options);
     ~SimProcess();
 
     const QString& port() const { return m_port; }
 
-    /// Stops the simulator and returns its summary.
+    /// Stops it; its summary, printed with --json.
     QJsonObject stop();
 
 private:
@@ -37,36 +37,35 @@ private:
     QString m_port;
 };
 
-/// How a zserial-gang process ended, and what it printed.
+/// How a run of zserial-gang ended and what it printed.
 struct GangResult {
     bool crashed = false;
     int status = 0; ///< exit status, or the number of the signal
     QByteArray out;
     QByteArray err;
 
-    /// Returns the lines of standard output that are JSON objects.
+    /// The lines of standard output as JSON.
     std::vector<QJsonObject> events() const;
-    /// Returns the last event of this kind, for `port` or for any port if that is empty; an empty
-    /// object if there is none.
+    /// The last event of this kind for a port; empty if there is none.
     QJsonObject last(const char* event, const QString& port = {}) const;
 };
 
 std::ostream& operator<<(std::ostream& stream, const GangResult& result);
 
-/// A zserial-gang process.
+/// A process of zserial-gang.
 class GangProcess
 {
 public:
-    /// `setup` is what a shell runs before the gang replaces it.
+    /// `setup`: what a shell does before it becomes the gang.
     GangProcess(const QString& folder, const QStringList& arguments,
                 const QString& setup = QStringLiteral(":"));
     ~GangProcess();
 
     qint64 id() const { return m_process.processId(); }
 
-    /// Waits until `text` is on standard output; false on a timeout.
+    /// Waits until this has come out of it.
     bool has_printed(const QByteArray& text);
-    /// Returns how often `text` has appeared on standard output so far.
+    /// How often this has come out of it.
     int count(const QByteArray& text);
     void send(int signal);
     GangResult result();
@@ -78,7 +77,7 @@ private:
     QByteArray m_out;
 };
 
-/// Runs real processes in a folder with a table, an image and whatever files a test adds.
+/// Runs real processes in a folder that has a table, an image and whatever a test adds.
 class GangTest : public testing::Test
 {
 protected:
@@ -90,17 +89,16 @@ protected:
 
     void put_file(const QString& name, const QByteArray& contents) const;
     void give_file(const char* data, const QString& name) const;
-    /// Creates a shell script to run in place of zserial, which it finds as $ZSERIAL. Returns its
-    /// path.
+    /// A shell script to run in place of the tool, which it finds as $ZSERIAL.
     QString put_tool(const QByteArray& script) const;
     QByteArray file(const QString& name) const;
-    /// Returns the lines of a record that are JSON objects.
+    /// The lines of a record that are JSON.
     std::vector<QJsonObject> record(const QString& name = QStringLiteral("record.jsonl")) const;
 
     std::unique_ptr<SimProcess> device(const char* options = "--entry version") const;
 
     GangResult run(const QStringList& arguments) const;
-    /// Runs a gang on one port, with these arguments for zserial and for the gang.
+    /// Runs one port with these arguments of the tool, and of the gang.
     GangResult run(const QString& port, const char* tool_arguments,
                    const char* gang_arguments = "") const;
 
@@ -110,7 +108,7 @@ private:
 
 std::string text(const QJsonObject& object, const char* key);
 
-/// Returns the ids of the child processes of `parent`.
+/// The number of the system's processes with this program whose parent is `parent`.
 std::vector<qint64> children_of(qint64 parent);
 
 } // namespace test

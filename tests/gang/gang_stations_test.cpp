@@ -9,7 +9,7 @@ using namespace test;
 namespace
 {
 
-/// Runs examples/production/stations.sh with a stand-in for ssh that runs the commands locally.
+/// The recipe for more than one machine, with a stand-in for ssh that runs commands here.
 class GangStations : public GangTest
 {
 protected:
