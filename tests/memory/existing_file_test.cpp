@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <cerrno>
 #include <functional>
 #include <sched.h>
 #include <sys/mount.h>
@@ -33,6 +34,13 @@ int in_child(const std::function<int()>& action)
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Keeps the mounts of this process to itself. That is impossible in a root folder that has been
+/// changed, because it is not a mount point: there they can be seen until they are unmounted.
+bool make_mounts_private()
+{
+    return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 || errno == EINVAL;
 }
 
 /// A file that is there, with content that is longer than what is saved into it.
@@ -162,15 +170,16 @@ TEST_F(ExistingFile, MayBeAMountOfItsOwn)
     const QString mounted = folder.filePath(QStringLiteral("mounted.hex"));
     write_file(mounted, "below the mount");
     EXPECT_EQ(in_child([&] {
+                  const QByteArray mount_point = QFile::encodeName(mounted);
                   const int own_user = ::geteuid() == 0 ? 0 : CLONE_NEWUSER;
-                  if (::unshare(CLONE_NEWNS | own_user) != 0 ||
-                      ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-                      ::mount(QFile::encodeName(path).constData(),
-                              QFile::encodeName(mounted).constData(), nullptr, MS_BIND,
-                              nullptr) != 0) {
+                  if (::unshare(CLONE_NEWNS | own_user) != 0 || !make_mounts_private() ||
+                      ::mount(QFile::encodeName(path).constData(), mount_point.constData(), nullptr,
+                              MS_BIND, nullptr) != 0) {
                       return could_not_prepare;
                   }
-                  return map.save_to_hex_file(mounted) ? has_saved : has_failed;
+                  const bool saved = map.save_to_hex_file(mounted);
+                  ::umount(mount_point.constData());
+                  return saved ? has_saved : has_failed;
               }),
               has_saved);
     EXPECT_EQ(file_content(path), text);
