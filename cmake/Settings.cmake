@@ -26,6 +26,16 @@ function(zserial_settings target)
     endif()
 endfunction()
 
+# The settings of a library of this tree. All libraries share the headers that the first one parses.
+function(zserial_library target)
+    zserial_settings(${target})
+    if(target STREQUAL zserial_core)
+        target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/precompiled.h)
+    else()
+        target_precompile_headers(${target} REUSE_FROM zserial_core)
+    endif()
+endfunction()
+
 # A program that a plain build leaves at the top of the build folder, and that is installed with its
 # manual page.
 function(zserial_program target)

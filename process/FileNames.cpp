@@ -12,7 +12,7 @@ namespace Platform
 namespace
 {
 
-/// Longer than any real chain of links; ends the search in a circular one.
+/// More than anybody links one to the other; also the end of links that lead in a circle.
 constexpr int longest_chain = 40;
 
 } // namespace
@@ -41,8 +41,7 @@ QString file_key(const QString& path)
     if (::stat(QFile::encodeName(path).constData(), &status) == 0) {
         return QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino);
     }
-    // Starts with a slash, so it differs from every key above.
-    return link_chain(path).last();
+    return link_chain(path).last(); // begins with a slash
 }
 
 } // namespace Platform

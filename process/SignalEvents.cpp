@@ -12,7 +12,7 @@ namespace Platform
 namespace
 {
 
-/// True if the signal is ignored, as under nohup.
+/// Whether the signal is ignored, as under nohup.
 bool is_ignored(int signal)
 {
     struct sigaction action {
