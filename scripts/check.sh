@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
-# Checks what scripts/test.sh does not: style, packages, manual pages, completions, and programs built
-# on the installed libraries.
+# Checks what scripts/test.sh does not: style, the build with clang and its fuzz targets for a few
+# seconds each, documents, benchmarks, packages, manual pages, completions, and programs that are
+# built on the installed libraries.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 scripts/lint.sh
-install_packages "${build_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
+install_packages "${build_packages[@]}" "${test_packages[@]}" "${fuzz_packages[@]}" "${check_packages[@]}"
+scripts/test.sh fuzz
 cmake --preset release
 cmake --build --preset release
 ctest --test-dir build/release --label-regex '^check$' --no-tests=error --output-on-failure \

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Builds and runs all tests: optimised, then with AddressSanitizer and UndefinedBehaviorSanitizer, then
-# every fuzz target for a few seconds. With arguments, only these presets.
+# Builds and runs the tests: optimised, then under AddressSanitizer and UndefinedBehaviorSanitizer.
+# With arguments, only the presets named.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
-install_packages "${build_packages[@]}" "${test_packages[@]}" "${fuzz_packages[@]}"
+install_packages "${build_packages[@]}" "${test_packages[@]}"
 if [ $# -eq 0 ]; then
-    set -- release sanitizers fuzz
+    set -- release sanitizers
 fi
 for preset in "$@"; do
     cmake --preset "$preset"

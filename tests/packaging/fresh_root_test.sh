@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Installs the packages of FOLDER in a fresh Debian system, uses them, removes them and checks that nothing
-# is left. Needs root or sudo, and access to Debian's package archive.
+# Installs the packages of FOLDER into a fresh Debian, uses them there, removes them and looks for what is
+# left. Needs root or sudo, and the package archive of Debian.
 set -euo pipefail
 
 if [ "$(id -u)" -ne 0 ]; then
     exec sudo "$0" "$@"
 fi
-# Mounts made here are visible to this process only, and end with it.
+# What is mounted here is not mounted anywhere else, and goes with this process.
 if [ -z "${in_own_namespace:-}" ]; then
     in_own_namespace=1 exec unshare --mount --propagation private "$0" "$@"
 fi
@@ -17,7 +17,7 @@ chmod 755 "$root"
 trap clean_up EXIT
 . /etc/os-release
 
-# Unmounts first: the mounted folders are those of the machine itself.
+# What is mounted must go first: it is the machine's own.
 clean_up() {
     local folder
     for folder in dev proc sys; do
@@ -45,7 +45,7 @@ apt() {
     }
 }
 
-# Lists all files and folders, except package data, caches and logs.
+# Every file and folder, except where Debian keeps accounts of what it does.
 listing() {
     (cd "$root" && find . -xdev \( -path ./var/lib/apt -o -path ./var/lib/dpkg -o -path ./var/cache \
         -o -path ./var/log \) -prune -o -print | sort)

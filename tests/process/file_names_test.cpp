@@ -12,7 +12,7 @@ namespace
 
 using Platform::file_key;
 
-/// A folder with a file, a subfolder and links to both, a dangling link and a circular one.
+/// A folder with a file, a folder and links to both.
 class FileNames : public testing::Test
 {
 protected:
