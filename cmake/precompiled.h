@@ -1,7 +1,7 @@
 #pragma once
 
-// What most sources of the libraries include, parsed once for all of them. Each source still includes
-// what it uses: lint.sh compiles without this.
+// What most sources of the libraries include, parsed once for all of them. Each source still
+// includes what it uses: lint.sh compiles without this.
 
 #include <QByteArray>
 #include <QFile>
