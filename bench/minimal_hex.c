@@ -4,6 +4,7 @@
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <stdnoreturn.h>
 #include <string.h>
 
 struct island {
@@ -13,24 +14,24 @@ struct island {
     unsigned char* bytes;
 };
 
-static struct island* islands;
+enum { most_islands = 1 << 17 };
+
+static struct island islands[most_islands];
 static size_t island_count;
-static size_t island_room;
 static unsigned char digit[256];
+
+static noreturn void fail(const char* message)
+{
+    (void)fprintf(stderr, "%s\n", message);
+    exit(1);
+}
 
 static void* checked(void* memory)
 {
     if (memory == NULL) {
-        fputs("out of memory\n", stderr);
-        exit(1);
+        fail("out of memory");
     }
     return memory;
-}
-
-static void fail(const char* message)
-{
-    fprintf(stderr, "%s\n", message);
-    exit(1);
 }
 
 static void fill_digit_table(void)
@@ -50,14 +51,16 @@ static char* read_whole(const char* path, size_t* size)
     if (file == NULL) {
         fail("cannot open the file");
     }
-    fseek(file, 0, SEEK_END);
-    *size = (size_t)ftell(file);
-    rewind(file);
+    const long end = fseek(file, 0, SEEK_END) == 0 ? ftell(file) : -1;
+    if (end < 0 || fseek(file, 0, SEEK_SET) != 0) {
+        fail("cannot find the size of the file");
+    }
+    *size = (size_t)end;
     char* text = checked(malloc(*size + 1));
     if (fread(text, 1, *size, file) != *size) {
         fail("cannot read the file");
     }
-    fclose(file);
+    (void)fclose(file);
     text[*size] = '\0';
     return text;
 }
@@ -66,9 +69,8 @@ static void store(uint32_t address, const unsigned char* data, size_t count)
 {
     struct island* last = island_count > 0 ? &islands[island_count - 1] : NULL;
     if (last == NULL || address != last->address + last->size) {
-        if (island_count == island_room) {
-            island_room = island_room > 0 ? 2 * island_room : 64;
-            islands = checked(realloc(islands, island_room * sizeof *islands));
+        if (island_count == most_islands) {
+            fail("too many islands");
         }
         last = &islands[island_count++];
         *last = (struct island){address, 0, 0, NULL};
@@ -81,7 +83,7 @@ static void store(uint32_t address, const unsigned char* data, size_t count)
     last->size += count;
 }
 
-/* Decodes one record behind its colon; returns where it ends. */
+/* Decodes the record after a colon; returns where it ends. */
 static const char* take_record(const char* at, const char* end, unsigned char* bytes)
 {
     unsigned int count = 5;
@@ -93,7 +95,7 @@ static const char* take_record(const char* at, const char* end, unsigned char* b
         const unsigned char high = digit[(unsigned char)at[0]];
         const unsigned char low = digit[(unsigned char)at[1]];
         if ((high | low) > 15) {
-            fail("no digit");
+            fail("not a hexadecimal digit");
         }
         bytes[i] = (unsigned char)(high << 4 | low);
         sum = (unsigned char)(sum + bytes[i]);
@@ -115,7 +117,7 @@ static size_t load(const char* text, size_t size)
     size_t total = 0;
     for (const char* at = text; (at = memchr(at, ':', (size_t)(end - at))) != NULL;) {
         at = take_record(at + 1, end, record);
-        if (record[3] == 0) {
+        if (record[3] == 0 && record[0] != 0) {
             store(upper + (uint32_t)(record[1] << 8 | record[2]), record + 4, record[0]);
             total += record[0];
         } else if (record[3] == 4) {

@@ -59,7 +59,7 @@ void analyse(QFile& file, const Profile* profile, qint64 lines)
     }
     inspect::TextPage page(false);
     inspect::print(page, log, profile);
-    must_hold(inspect::json_of(log, profile).size() > 0);
+    must_hold(!inspect::json_of(log, profile).isEmpty());
 }
 
 } // namespace

@@ -15,7 +15,7 @@ bool replay(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "cannot read %s\n", path.toLocal8Bit().constData());
+        (void)std::fprintf(stderr, "cannot read %s\n", path.toLocal8Bit().constData());
         return false;
     }
     const QByteArray content = file.readAll();

@@ -149,9 +149,9 @@ void Crew::wind_down()
         }
     }
     // A run that pauses ends here and leaves the list.
-    for (std::size_t i = 0; i < m_runs.size(); ++i) {
-        if (m_runs[i]) {
-            m_runs[i]->try_no_more();
+    for (const auto& run : m_runs) {
+        if (run) {
+            run->try_no_more();
         }
     }
     if (is_idle()) {
@@ -161,9 +161,9 @@ void Crew::wind_down()
 
 void Crew::stop()
 {
-    for (std::size_t i = 0; i < m_runs.size(); ++i) {
-        if (m_runs[i]) {
-            m_runs[i]->stop();
+    for (const auto& run : m_runs) {
+        if (run) {
+            run->stop();
         }
     }
 }

@@ -179,7 +179,7 @@ QString Inputs::folder_of(const PortNames& port) const
 
 QString Inputs::own_copy(const QString& folder, const QString& shared, quint64 number) const
 {
-    const QString own = folder + QLatin1Char('/') + QFileInfo(shared).fileName();
+    QString own = folder + QLatin1Char('/') + QFileInfo(shared).fileName();
     const auto bytes = bytes_of(number, *m_arguments.number_slot);
     if (!bytes ||
         !copy_with_number(shared, own, *m_arguments.number_slot, *bytes, m_table->boundaries())) {

@@ -37,7 +37,7 @@ std::optional<RecordedRun> run_from(const QByteArray& line)
     run.seconds = json.value(QStringLiteral("seconds")).toDouble();
     run.tries = json.value(QStringLiteral("tries")).toInt(1);
     run.number = number_from(json.value(QStringLiteral("number")));
-    for (const QJsonValue& value : json.value(QStringLiteral("void_numbers")).toArray()) {
+    for (const auto& value : json.value(QStringLiteral("void_numbers")).toArray()) {
         if (const auto number = number_from(value)) {
             run.void_numbers.push_back(*number);
         }

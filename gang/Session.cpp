@@ -58,7 +58,7 @@ std::unique_ptr<Display> display_for(const Arguments& arguments)
 
 void complain(const QString& text)
 {
-    std::fprintf(stderr, "zserial-gang: %s\n", text.toLocal8Bit().constData());
+    (void)std::fprintf(stderr, "zserial-gang: %s\n", text.toLocal8Bit().constData());
 }
 
 Session::Session(const Arguments& arguments)

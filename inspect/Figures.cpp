@@ -1,6 +1,7 @@
 #include "inspect/Figures.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace inspect
 {
@@ -39,7 +40,7 @@ QString duration_text(double seconds)
     if (seconds < 60) {
         return QStringLiteral("%1 s").arg(seconds, 0, 'f', seconds < 10 ? 2 : 1);
     }
-    const auto whole = static_cast<qint64>(seconds + 0.5);
+    const auto whole = std::llround(seconds);
     return QStringLiteral("%1 min %2 s").arg(whole / 60).arg(whole % 60);
 }
 

@@ -213,6 +213,7 @@ std::vector<Problem> LogDiagnosis::problems(const QString& path, const LogCounts
         refused->second.times = 1;
     }
     std::vector<Problem> problems;
+    problems.reserve(findings.size());
     for (const auto& [code, finding] : findings) {
         problems.push_back({code,
                             with_times(finding.detail, finding.times, "place"),

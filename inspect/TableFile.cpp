@@ -147,12 +147,11 @@ void TableReader::skip(const ProfileTableLine& line)
     const bool has_version = !words.isEmpty() && version.match(words.first()).hasMatch();
     const bool many_columns =
         columns >= columns_of_a_row_at_least && line.fields.first() != QLatin1String("Version");
+    const bool many_words = words.size() >= columns_of_a_row_at_least;
     auto kind = SkippedLine::Kind::Remark;
     if (words.isEmpty()) {
         kind = SkippedLine::Kind::Blank;
-    } else if (many_columns || (has_version && columns > 1)) {
-        kind = SkippedLine::Kind::BrokenRow;
-    } else if (has_version && words.size() >= columns_of_a_row_at_least) {
+    } else if (many_columns || (has_version && (columns > 1 || many_words))) {
         kind = SkippedLine::Kind::BrokenRow;
     }
     m_table.skipped.push_back({m_line, columns, kind});

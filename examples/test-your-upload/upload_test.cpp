@@ -24,7 +24,7 @@ protected:
     }
 
     QTemporaryDir folder;
-    const QString image = folder.filePath("firmware.hex");
+    const QString image = folder.filePath(QStringLiteral("firmware.hex"));
     sim::SimulatedDevice device{*Profiles::get_profile(0x0110)};
 };
 
