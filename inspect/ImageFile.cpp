@@ -1,10 +1,10 @@
 #include "inspect/ImageFile.h"
 
-#include "inspect/CapturedMessages.h"
 #include "inspect/Figures.h"
 #include "inspect/FileHash.h"
 #include "inspect/ImageWatch.h"
 #include "inspect/InputFile.h"
+#include "inspect/SilentLibrary.h"
 
 #include <algorithm>
 #include <zlib.h>
@@ -130,7 +130,7 @@ void ImageReader::load(QFile& file, const QSet<unsigned int>& boundaries)
 {
     intel_hex::RecordReader reader(file);
     {
-        const CapturedMessages messages; // the watch reports it with line and column
+        const SilentLibrary silent; // the watch reports it with line and column
         m_result.loads = m_result.image.load_from_hex_records(
             reader, boundaries, [this](const auto& at, const auto& parsed, const auto& record) {
                 m_watch.take(at, parsed, record);

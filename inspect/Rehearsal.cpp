@@ -1,7 +1,7 @@
 #include "inspect/Rehearsal.h"
 
-#include "inspect/CapturedMessages.h"
 #include "inspect/RehearsalStage.h"
+#include "inspect/SilentLibrary.h"
 #include "inspect/StandIns.h"
 #include "inspect/UsageError.h"
 
@@ -82,7 +82,7 @@ Traffic& Traffic::operator+=(const Traffic& other)
 Rehearsed rehearse(const RehearsedProfiles& profiles, const Settings& settings,
                    const RehearsalOptions& options)
 {
-    const CapturedMessages kept_off_the_terminal;
+    const SilentLibrary silent;
     for (int i = 0; i < most_rehearsals; ++i) {
         if (auto result = rehearse_once(profiles, settings, options)) {
             return *result;

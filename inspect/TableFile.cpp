@@ -1,8 +1,8 @@
 #include "inspect/TableFile.h"
 
-#include "inspect/CapturedMessages.h"
 #include "inspect/Figures.h"
 #include "inspect/InputFile.h"
+#include "inspect/SilentLibrary.h"
 #include "profile/ProfileTable.h"
 #include "util/Util.h"
 
@@ -95,7 +95,7 @@ TableFile TableReader::read()
         add(Code::TableUnreadable, reason);
         return std::move(m_table);
     }
-    const CapturedMessages messages;
+    const SilentLibrary silent;
     while (const auto line = read_profile_table_line(input.file())) {
         ++m_line;
         take(*line);

@@ -33,10 +33,8 @@ const char* escape_of(Style style)
 
 QString TextPage::styled(const QString& text, Style style) const
 {
-    if (!m_colour || style == Style::Plain) {
-        return text;
-    }
-    return QLatin1String(escape_of(style)) + text + QLatin1String("\033[0m");
+    const QLatin1String escape(m_colour ? escape_of(style) : "");
+    return escape.isEmpty() ? text : escape + text + QLatin1String("\033[0m");
 }
 
 void TextPage::line(const QString& text)
