@@ -112,6 +112,17 @@ TEST_P(ReadMemoryRanges, WidenToBlocksAndKeepWhatWasAskedFor)
 
 INSTANTIATE_TEST_SUITE_P(, ReadMemoryRanges, testing::ValuesIn(reads), row_name);
 
+TEST(ReadMemory, OfMoreThanCanBeHeldIsRefused)
+{
+    DeviceOnLine line("flash-to-the-top");
+    QByteArray data;
+    EXPECT_FALSE(line.device.read_memory(0x1000, 0x3FFFFF01, data));
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_error unusable geometry in device profile 'flash-to-the-top': "
+                            "flash_end_address_bytes is 4294967295, expected 0 to 1073741568"));
+    EXPECT_FALSE(line.port.is_open());
+}
+
 TEST(ReadMemory, SendsTheLower24BitsOfTheWordAddress)
 {
     DeviceOnLine line("high-flash");

@@ -99,6 +99,16 @@ TEST_P(WriteMemoryCommands, HoldCountWordAddressAndBytes)
 
 INSTANTIATE_TEST_SUITE_P(, WriteMemoryCommands, testing::ValuesIn(writes), row_name);
 
+TEST(WriteMemory, OfMoreThanCanBeHeldIsRefused)
+{
+    DeviceOnLine line("huge-eeprom");
+    EXPECT_FALSE(line.device.write_memory(0x20000000, QByteArray(0x3FFFFF10, Qt::Uninitialized)));
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_error unusable geometry in device profile 'huge-eeprom': "
+                            "eeprom_end_address is 1879048192, expected 0 to 1610612480"));
+    EXPECT_FALSE(line.port.is_open());
+}
+
 TEST(WriteMemory, SendsTheLower24BitsOfTheWordAddress)
 {
     DeviceOnLine line("high-flash");
