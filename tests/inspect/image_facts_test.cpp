@@ -1,8 +1,12 @@
 #include "inspect/ImageFile.h"
 #include "tests/inspect/InspectTest.h"
+#include "tests/support/OtherUser.h"
 
 #include <QCryptographicHash>
 #include <gmock/gmock.h>
+
+#include <utility>
+#include <vector>
 
 using namespace test;
 using testing::ElementsAre;
@@ -121,6 +125,81 @@ TEST_F(ImageFacts, StopAtTheFirstBadRecord)
 {
     EXPECT_THAT(places(report_on(hex_record(0, 0, "abc") + ":00\n" + hex_record(2, 0, "ab"))),
                 ElementsAre("I003:2:4"));
+}
+
+TEST_F(ImageFacts, NameThePartInWhichARecordIsCutShort)
+{
+    const std::vector<std::pair<const char*, const char*>> cuts = {
+        {":", "byte count"},
+        {":03001", "address"},
+        {":0300100", "type"},
+        {":03001000414", "data"},
+        {":030010004142434", "checksum"}};
+    for (const auto& [record, part] : cuts) {
+        const QJsonObject report = report_on(QByteArray(record) + "\n");
+        EXPECT_THAT(codes(report), ElementsAre("I003")) << record;
+        EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+                  QStringLiteral("The line ends in the %1 of the record that begins in column 1.")
+                      .arg(QLatin1String(part)));
+    }
+}
+
+TEST_F(ImageFacts, TakeTextAfterTheEndRecordForHarmless)
+{
+    EXPECT_THAT(codes(report_on(hex_record(0, 0, "abc") + end_record + "made by hand\n")),
+                IsEmpty());
+}
+
+TEST_F(ImageFacts, PassOverARecordWithoutData)
+{
+    const QJsonObject report =
+        report_on(hex_record(0, 0x10, "ab") + hex_record(0, 0x40, "") + end_record);
+    EXPECT_EQ(segments(report), "16-18 ");
+    EXPECT_THAT(codes(report), IsEmpty());
+}
+
+TEST_F(ImageFacts, CountBytesBeyondTheLastAddressAsOutside)
+{
+    const QJsonObject report = report_on(
+        hex_record(4, 0, "\xFF\xFF") + hex_record(0, 0xFFFE, "abcd") + end_record, in_device());
+    EXPECT_EQ(segments(report), "4294967294-4294967298 ");
+    EXPECT_EQ(area(report, "outside"), 4);
+}
+
+TEST_F(ImageFacts, OfWhatCannotBeReadAreNone)
+{
+    // The first byte of this process's memory is no memory.
+    const QJsonObject report =
+        inspect_json({QStringLiteral("image"), QStringLiteral("/proc/self/mem")});
+    EXPECT_THAT(codes(report), ElementsAre("I001"));
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("reading it fails"));
+}
+
+TEST_F(ImageFacts, OfAFileThatIsClosedToTheUserAreNone)
+{
+    const QString image = put_file(QStringLiteral("image.hex"), end_record);
+    ASSERT_TRUE(QFile::setPermissions(path(QString()), QFile::Permissions(0x7777)));
+    ASSERT_TRUE(QFile::setPermissions(image, {}));
+    const OtherUser user;
+    const QJsonObject report = inspect_json({QStringLiteral("image"), image});
+    EXPECT_THAT(codes(report), ElementsAre("I001"));
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("Permission denied"));
+}
+
+TEST_F(ImageFacts, ShowSixPartsOfAScatteredImage)
+{
+    QByteArray image;
+    for (unsigned int i = 0; i < 8; ++i) {
+        image += hex_record(4, 0, QByteArray::fromHex("00") + static_cast<char>(2 * i)) +
+                 hex_record(0, 0, "a");
+    }
+    const QString name = put_file(QStringLiteral("image.hex"), image + end_record);
+    const QString text = QString::fromUtf8(inspect_run({QStringLiteral("image"), name}).out);
+    EXPECT_EQ(text.count(QStringLiteral("image, 1 byte")), 6) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("Not shown: 2 further parts of the image.")))
+        << text.toStdString();
 }
 
 TEST_F(ImageFacts, TakeAStartAddressAtTheEndForHarmless)

@@ -74,6 +74,16 @@ TEST_F(TableFacts, ListLinesThatAreNoDevice)
                                   QStringLiteral("3 title"), QStringLiteral("5 broken row")}));
 }
 
+TEST_F(TableFacts, OfWhatCannotBeReadAreNone)
+{
+    // The first byte of this process's memory is no memory.
+    const QJsonObject report =
+        inspect_json({QStringLiteral("table"), QStringLiteral("/proc/self/mem")});
+    EXPECT_THAT(codes(report), ElementsAre("T001"));
+    EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
+              QStringLiteral("Input/output error"));
+}
+
 TEST_F(TableFacts, SayWhichOfTwoRowsCounts)
 {
     const QString table =

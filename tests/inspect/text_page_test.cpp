@@ -4,6 +4,9 @@
 #include <QStringList>
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 using inspect::Style;
 using inspect::TextPage;
 
@@ -33,6 +36,21 @@ TEST(TextPage, HasNoColourUnlessAsked)
     TextPage coloured(true);
     coloured.heading(QStringLiteral("title"));
     EXPECT_EQ(coloured.text().toStdString(), "\033[1mtitle\033[0m\n");
+}
+
+TEST(TextPage, HasAColourForEachStyleButPlain)
+{
+    const std::vector<std::pair<Style, const char*>> styles = {
+        {Style::Plain, "text"},
+        {Style::Heading, "\033[1mtext\033[0m"},
+        {Style::Error, "\033[1;31mtext\033[0m"},
+        {Style::Warning, "\033[33mtext\033[0m"},
+        {Style::Good, "\033[32mtext\033[0m"},
+        {Style::Faint, "\033[2mtext\033[0m"}};
+    for (const auto& [style, shown] : styles) {
+        EXPECT_EQ(TextPage(true).styled(QStringLiteral("text"), style).toStdString(), shown);
+        EXPECT_EQ(TextPage(false).styled(QStringLiteral("text"), style).toStdString(), "text");
+    }
 }
 
 TEST(TextPage, ShowsNoControlCharactersOfAFile)
