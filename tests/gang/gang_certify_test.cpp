@@ -58,4 +58,15 @@ TEST_F(GangCertify, FindsADeviceThatIsAnotherOne)
               "certification: the device was written as version 0x0112 and reports 0x0102");
 }
 
+TEST_F(GangCertify, ADeviceThatHasGoneKeepsTheVersionItWasWrittenAs)
+{
+    // Five commands upload, the next one asks for the version again.
+    EXPECT_NE(
+        text(certified("--entry version --fault unplug@6", "-B 0102 -e -w image.hex"), "verdict"),
+        "ok")
+        << m_result;
+    EXPECT_THAT(text(m_result.last("end"), "message"), testing::StartsWith("certification: "));
+    EXPECT_EQ(text(m_result.last("end"), "version"), "0x0102");
+}
+
 } // namespace

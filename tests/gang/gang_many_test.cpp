@@ -145,6 +145,18 @@ TEST_F(GangNumbers, AreInTheDeviceAndInTheRecord)
     EXPECT_TRUE(file(QStringLiteral("numbers")).contains("4660 "));
 }
 
+TEST_F(GangNumbers, MayBeginWithTheMostSignificantByte)
+{
+    put_file(QStringLiteral("numbers"), "4660\n");
+    add("--entry version --save saved.hex");
+    const GangResult result =
+        run(words("--serial-format big") + numbered() + m_ports + words("-- -B 0102 -w image.hex"));
+    ASSERT_EQ(result.status, 0) << result;
+    m_devices.back()->stop();
+    EXPECT_TRUE(file(QStringLiteral("saved.hex")).contains(":0400E00000001234D6"))
+        << file(QStringLiteral("saved.hex")).constData();
+}
+
 TEST_F(GangNumbers, AreNotUsedAgainForAnotherTryThatMayReachAnotherDevice)
 {
     put_file(QStringLiteral("numbers"), "10\n");
@@ -181,6 +193,23 @@ TEST_F(GangNumbers, EndTheWorkWhenTheyNoLongerFit)
     const QJsonObject summary = result.last("summary");
     EXPECT_EQ(summary.value(QStringLiteral("ok")).toInt(), 1);
     EXPECT_EQ(summary.value(QStringLiteral("not_started")).toInt(), 1);
+    EXPECT_TRUE(result.err.contains("the serial number 256 does not fit into 1 bytes")) << result;
+}
+
+TEST_F(GangNumbers, EndARunThatFindsNoneForAnotherTry)
+{
+    put_file(QStringLiteral("numbers"), "255\n");
+    add("--entry version --fault wrong-ack@1");
+    const GangResult result = run(words("--json --tries 3 --pause 0 --serial-at 0xE0 --serial-size "
+                                        "1 --serial-file numbers") +
+                                  m_ports + words("-- -B 0102 -w image.hex"));
+    EXPECT_EQ(result.status, 1) << result;
+    const QJsonObject end = result.last("end");
+    EXPECT_EQ(text(end, "verdict"), "write") << "that of the try before";
+    EXPECT_EQ(end.value(QStringLiteral("tries")).toInt(), 1);
+    EXPECT_FALSE(end.contains(QStringLiteral("number")));
+    ASSERT_EQ(end.value(QStringLiteral("void_numbers")).toArray().size(), 1);
+    EXPECT_EQ(end.value(QStringLiteral("void_numbers")).toArray().at(0).toInt(), 255);
     EXPECT_TRUE(result.err.contains("the serial number 256 does not fit into 1 bytes")) << result;
 }
 

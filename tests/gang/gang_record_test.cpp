@@ -139,6 +139,19 @@ TEST_F(GangKeep, CanBeOfFailuresOnly)
                 testing::EndsWith(kept().first().toStdString()));
 }
 
+TEST_F(GangKeep, FailsARunThatHasNoFolder)
+{
+    const QString tool = put_tool("rm -r ../../logs\n: > ../../logs\nexit 1\n");
+    const GangResult result =
+        run(words("--json --jobs 1 --keep logs --zserial") + QStringList{tool} +
+            words("/dev/no-such-a /dev/no-such-b -- -B 0102 -e"));
+    const QJsonObject end = result.last("end", QStringLiteral("/dev/no-such-b"));
+    EXPECT_EQ(text(end, "verdict"), "file") << result;
+    EXPECT_THAT(text(end, "message"), testing::StartsWith("cannot create the folder logs/"));
+    EXPECT_THAT(text(end, "message"), testing::EndsWith("-no-such-b"));
+    EXPECT_EQ(result.status, 1);
+}
+
 TEST_F(GangKeep, TakesAFrameLogWithoutANameAsNone)
 {
     const auto simulated = device();

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <array>
 #include <csignal>
@@ -170,6 +171,97 @@ TEST_F(GangSurroundings, AFolderOfAFileMayBeALink)
     ASSERT_TRUE(QFile::link(QStringLiteral("far/away"), path(QStringLiteral("link"))));
     const auto simulated = device();
     EXPECT_EQ(run(simulated->port(), "-B 0102 -wv link/../image.hex").status, 0);
+}
+
+TEST_F(GangSurroundings, AToolThatCannotBeStartedIsNotOk)
+{
+    const QString tool = path(QStringLiteral("tool.sh"));
+    put_file(QStringLiteral("tool.sh"), "#!/no/such/shell\n");
+    ASSERT_TRUE(QFile::setPermissions(tool, QFile::ReadOwner | QFile::ExeOwner));
+    const GangResult result =
+        run(words("--json --zserial") + QStringList{tool} + upload(QStringLiteral("/dev/no-such")));
+    EXPECT_EQ(text(result.last("end"), "verdict"), "failed") << result;
+    EXPECT_THAT(text(result.last("end"), "message"),
+                testing::StartsWith("cannot start " + tool.toStdString() + ": "));
+    EXPECT_EQ(result.status, 1);
+}
+
+/// The tool is not beside the program, and is looked for where a shell would.
+class GangElsewhere : public GangSurroundings
+{
+protected:
+    GangResult run_elsewhere(const QString& search_path) const
+    {
+        const QString gang = path(QStringLiteral("zserial-gang"));
+        EXPECT_TRUE(QFile::copy(QStringLiteral(ZSERIAL_GANG_PROGRAM), gang));
+        // Without --zserial and its value.
+        return GangProcess(folder(), upload(QStringLiteral("/dev/no-such-port")),
+                           QStringLiteral("shift 2; PATH=%1 exec ./zserial-gang --json \"$@\"")
+                               .arg(search_path))
+            .result();
+    }
+};
+
+TEST_F(GangElsewhere, FindsTheToolInThePath)
+{
+    const GangResult result =
+        run_elsewhere(QFileInfo(QStringLiteral(ZSERIAL_PROGRAM)).absolutePath());
+    EXPECT_EQ(text(result.last("end"), "verdict"), "port") << result;
+}
+
+TEST_F(GangElsewhere, AsksForAToolThatIsNowhere)
+{
+    const GangResult result = run_elsewhere(folder());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err.toStdString(),
+              "zserial-gang: there is no zserial beside this program or on the PATH; name it with "
+              "--zserial\n");
+}
+
+TEST_F(GangSurroundings, NothingIsStartedWithoutAPlaceForScratchFiles)
+{
+    const GangResult result = GangProcess(folder(), upload(QStringLiteral("/dev/a")),
+                                          QStringLiteral("export TMPDIR=/proc"))
+                                  .result();
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err.toStdString(),
+                testing::StartsWith("zserial-gang: cannot create a temporary folder: "));
+}
+
+/// Somebody tidies the scratch files up between two tries.
+class GangScratchFiles : public GangSurroundings
+{
+protected:
+    /// Runs two tries, with a tool that does this in the run's scratch folder and fails.
+    QJsonObject end_after(const char* script, const QStringList& arguments) const
+    {
+        const QString tool = put_tool(QByteArray(script) + "\nexit 1\n");
+        const GangResult result =
+            run(words("--json --tries 2 --pause 0 --zserial") + QStringList{tool} + arguments +
+                upload(QStringLiteral("/dev/no-such-port")));
+        EXPECT_EQ(text(result.last("retry"), "verdict"), "failed") << result;
+        EXPECT_EQ(result.status, 1);
+        return result.last("end");
+    }
+};
+
+TEST_F(GangScratchFiles, FailTheNextTryIfTheirFolderCannotBeMade)
+{
+    const QJsonObject end = end_after("rm -r \"$PWD\"; : > \"$PWD\"", {});
+    EXPECT_EQ(text(end, "verdict"), "file");
+    EXPECT_THAT(text(end, "message"), testing::StartsWith("cannot write to the temporary folder "));
+    EXPECT_THAT(text(end, "message"), testing::EndsWith("/port-1"));
+}
+
+TEST_F(GangScratchFiles, FailTheNextTryIfANumberedImageCannotBeWritten)
+{
+    put_file(QStringLiteral("numbers"), "1\n");
+    const QJsonObject end =
+        end_after("rm image-1; mkdir image-1",
+                  words("--serial-at 0xE0 --serial-size 4 --serial-file numbers"));
+    EXPECT_EQ(text(end, "verdict"), "file");
+    EXPECT_THAT(text(end, "message"), testing::StartsWith("cannot write the temporary file "));
+    EXPECT_THAT(text(end, "message"), testing::EndsWith("/port-1/image-1"));
 }
 
 } // namespace

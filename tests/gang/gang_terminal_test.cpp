@@ -124,4 +124,20 @@ TEST_F(GangTerminal, LeavesTheSummaryOnTheScreen)
     EXPECT_EQ(screen().find("zserial-gang "), std::string::npos);
 }
 
+using GangOnALine = GangTest;
+
+TEST_F(GangOnALine, DrawsForATerminalWithoutASizeAsForOneOf80By24)
+{
+    // The terminal that script makes has the size of its own input, which is none.
+    const auto simulated = device();
+    GangProcess gang(folder(), QStringList{simulated->port()} + words("-- -B 0102 -w image.hex"),
+                     QStringLiteral("export TERM=xterm; exec script -qec \"$(printf '%q ' \"$0\" "
+                                    "\"$@\")\" /dev/null </dev/null"));
+    const GangResult result = gang.result();
+    EXPECT_EQ(result.status, 0) << result;
+    EXPECT_THAT(
+        result.out.toStdString(),
+        testing::ContainsRegex("zserial-gang  1 ports: 1 running  .*\r\npts_[0-9]+ +[a-z]+ "));
+}
+
 } // namespace

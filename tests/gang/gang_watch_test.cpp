@@ -88,4 +88,23 @@ TEST_F(GangWatch, TakesADeviceThatCameWhileTheOneBeforeWasStillTried)
     EXPECT_EQ(record().size(), 3U);
 }
 
+TEST_F(GangWatch, TakesNoFurtherPortOnceTheNumbersHaveRunOut)
+{
+    put_file(QStringLiteral("numbers"), "255\n");
+    const auto busy = plug_in("ttyA", "--entry silent");
+    GangProcess gang(
+        folder(),
+        QStringList{QStringLiteral("--watch"), path(QStringLiteral("tty*"))} +
+            words("--serial-at 0xE0 --serial-size 1 --serial-file numbers -- -w image.hex"));
+    ASSERT_TRUE(gang.has_printed("ttyA: started"));
+    const auto without_a_number = plug_in("ttyB");
+    ASSERT_TRUE(gang.has_printed("ttyB: started"));
+    const auto late = plug_in("ttyC");
+    const GangResult result = gang.result();
+    EXPECT_EQ(result.status, 1) << result;
+    EXPECT_TRUE(result.err.contains("the serial number 256 does not fit into 1 bytes")) << result;
+    EXPECT_TRUE(result.out.contains("ttyA: silent")) << result;
+    EXPECT_FALSE(result.out.contains("ttyC")) << result;
+}
+
 } // namespace

@@ -118,6 +118,24 @@ TEST_F(Reports, AreOnePageThatTakesNothingFromElsewhere)
     EXPECT_FALSE(page.contains(QStringLiteral("src=")));
 }
 
+TEST_F(Reports, ListFailuresAndVoidNumbersOnThePageIfThereAreAny)
+{
+    const QString good = html_of(report(line("/dev/a", "ok", 1)));
+    EXPECT_FALSE(good.contains(QStringLiteral("<h2>Failures")));
+    EXPECT_FALSE(good.contains(QStringLiteral("<h2>Serial numbers")));
+    const QString bad = html_of(report(
+        line("/dev/a", "ok", 1, ",\"number\":3") + line("/dev/b", "write", 1, ",\"number\":4"),
+        {{3, QStringLiteral("x")}, {5, QStringLiteral("<then> here")}}));
+    EXPECT_TRUE(bad.contains(QStringLiteral("<h2>Failures by verdict</h2>")));
+    EXPECT_TRUE(
+        bad.contains(QStringLiteral("<td>write</td><td class=\"n\">1</td><td class=\"n\">50.0%")));
+    EXPECT_TRUE(bad.contains(QStringLiteral("<h2>Serial numbers: 3 given out, 2 void</h2>")));
+    EXPECT_TRUE(bad.contains(QStringLiteral(
+        "<tr><td class=\"n\">4</td><td>write</td></tr>\n"
+        "<tr><td class=\"n\">5</td><td>not recorded: &lt;then&gt; here</td></tr>\n")));
+    EXPECT_FALSE(bad.contains(QStringLiteral("<td class=\"n\">3</td><td>")));
+}
+
 TEST_F(Reports, SayTheSameAsJson)
 {
     const QJsonObject json = json_of(report(sample));
@@ -144,7 +162,27 @@ TEST_F(Reports, ByTheProgram)
     EXPECT_EQ(run(words("report record record")).out.left(8), "12 runs ");
     EXPECT_EQ(run(words("report missing")).status, 2);
     EXPECT_EQ(run(words("report")).status, 2);
+    EXPECT_EQ(run(words("report --json --html record")).status, 2);
     EXPECT_TRUE(run(words("report --html record")).out.startsWith("<!DOCTYPE html>"));
+}
+
+TEST_F(Reports, HaveHelp)
+{
+    const GangResult result = run(words("report --help"));
+    EXPECT_EQ(result.status, 0) << result;
+    EXPECT_THAT(result.out.toStdString(), testing::HasSubstr("zserial-gang [options] file...\n"));
+    EXPECT_THAT(result.out.toStdString(), testing::HasSubstr("--serial-file <file>"));
+    EXPECT_FALSE(result.out.contains("--watch")) << result;
+}
+
+TEST_F(Reports, CannotBePrintedOnAFullDisk)
+{
+    put_file(QStringLiteral("record"), sample);
+    const GangResult result =
+        GangProcess(folder(), words("report record"), QStringLiteral("exec >/dev/full")).result();
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err.toStdString(),
+              "zserial-gang: cannot write the report to standard output\n");
 }
 
 } // namespace

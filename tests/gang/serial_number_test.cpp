@@ -2,6 +2,9 @@
 #include "gang/SerialNumber.h"
 #include "memory/MemoryMap.h"
 #include "tests/gang/GangTest.h"
+#include "tests/support/HexRecords.h"
+
+#include <QFile>
 
 using namespace test;
 
@@ -71,6 +74,24 @@ TEST_F(ImageNumber, IsRefusedOverData)
     EXPECT_EQ(problem(0xE6, 4),
               "the 4 bytes at 0x000000E6 for the serial number already hold data of "
               "the image: FF FF 68 69");
+}
+
+TEST_F(ImageNumber, IsNotPutIntoWhatCannotBeCopied)
+{
+    const NumberSlot slot{0xE0, 4, Format::LittleEndian};
+    const QByteArray bytes = QByteArray::fromHex("01020304");
+    const QString image = path(QStringLiteral("image.hex"));
+    const QString copy = path(QStringLiteral("copy.hex"));
+    give_file("bad_checksum.hex", QStringLiteral("bad.hex"));
+    EXPECT_FALSE(gang::copy_with_number(path(QStringLiteral("bad.hex")), copy, slot, bytes, {}));
+    // A piece that ends with the last address cannot be read as a whole.
+    put_file(QStringLiteral("top.hex"),
+             hex_record(4, 0, QByteArray::fromHex("FFFF")) + hex_record(0, 0xFFFE, "ab") +
+                 hex_record(4, 0, QByteArray(2, '\0')) + file(QStringLiteral("image.hex")));
+    EXPECT_FALSE(gang::copy_with_number(path(QStringLiteral("top.hex")), copy, slot, bytes, {}));
+    EXPECT_FALSE(QFile::exists(copy));
+    EXPECT_FALSE(gang::copy_with_number(image, folder(), slot, bytes, {}));
+    EXPECT_TRUE(gang::copy_with_number(image, copy, slot, bytes, {}));
 }
 
 TEST_F(ImageNumber, ChangesNothingElse)

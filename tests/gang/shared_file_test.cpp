@@ -64,6 +64,20 @@ TEST_F(SharedFiles, AreLockedAgainstOthers)
     EXPECT_TRUE(gang::try_lock(other));
 }
 
+TEST_F(SharedFiles, AreNotWaitedForForever)
+{
+    SharedFile file(name(), SharedFile::Missing::Create);
+    QFile other(name());
+    ASSERT_TRUE(other.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(gang::try_lock(other));
+    try {
+        const SharedFile::Lock lock(file);
+        ADD_FAILURE() << "somebody else has it";
+    } catch (const FileError& error) {
+        EXPECT_THAT(error.what(), testing::EndsWith("/lines: another program keeps it locked"));
+    }
+}
+
 TEST_F(SharedFiles, MayHaveToBeThere)
 {
     EXPECT_THROW(SharedFile(name(), SharedFile::Missing::Refuse), FileError);

@@ -46,6 +46,42 @@ TEST(TableText, HasALineForEachPort)
               "ttyUSB3       waiting    [............]        0.0 s                           ");
 }
 
+TEST(TableText, NamesThePhase)
+{
+    const std::vector<std::pair<Phase, const char*>> phases = {
+        {Phase::Waiting, "waiting"},       {Phase::Running, "running"},
+        {Phase::Writing, "writing"},       {Phase::Verifying, "verifying"},
+        {Phase::Certifying, "certifying"}, {Phase::Pausing, "pausing"},
+        {Phase::Skipped, "left out"},      {Phase::Done, "done"}};
+    for (const auto& [phase, name] : phases) {
+        EXPECT_EQ(table_line(state("ttyUSB0", phase), {80, 24, false}, 0)
+                      .mid(14)
+                      .section(QLatin1Char('['), 0, 0)
+                      .trimmed()
+                      .toStdString(),
+                  name);
+    }
+}
+
+TEST(TableText, ShowsAMinuteAndMoreAsMinutesAndSeconds)
+{
+    RunState slow = state("ttyUSB0", Phase::Done);
+    slow.seconds = 59.9;
+    EXPECT_TRUE(table_line(slow, {80, 24, false}, 0).contains(QStringLiteral(" 59.9 s ")));
+    slow.seconds = 60;
+    EXPECT_TRUE(table_line(slow, {80, 24, false}, 0).contains(QStringLiteral(" 1:00 ")));
+    slow.seconds = 725.9;
+    EXPECT_TRUE(table_line(slow, {80, 24, false}, 0).contains(QStringLiteral(" 12:05 ")));
+}
+
+TEST(TableText, SaysWhyAPortIsLeftOut)
+{
+    const RunState skipped = state("ttyUSB0", Phase::Skipped, 0, Verdict::Failed, "no number");
+    EXPECT_TRUE(
+        table_line(skipped, {80, 24, false}, 0).trimmed().endsWith(QStringLiteral("no number")));
+    EXPECT_EQ(table({skipped}, 80, 24).substr(0, 41), "zserial-gang  1 ports: 1 left out  42.0 s");
+}
+
 TEST(TableText, UsesTheWidthThatThereIs)
 {
     for (const int columns : {1, 20, 40, 79, 80, 120, 300}) {

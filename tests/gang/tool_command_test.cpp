@@ -85,6 +85,12 @@ TEST(ToolCommand, CertifiesByTheSameAreas)
     EXPECT_EQ(joined(command("-wv a.hex").words_to_certify({})), "-s /dev/ttyUSB0 -v ./a.hex");
 }
 
+TEST(ToolCommand, CertifiesIntoTheSameFrameLog)
+{
+    EXPECT_EQ(joined(command("-w a.hex -x {n}.log").words_to_certify({})),
+              "-s /dev/ttyUSB0 -v ./a.hex -x ./3.log");
+}
+
 TEST(ToolCommand, AFileThatIsReadAndThenVerifiedIsNoImage)
 {
     const ToolCommand both = command("-r a.hex -v a.hex");
