@@ -1,6 +1,5 @@
 #include "inspect/Figures.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace inspect
@@ -47,9 +46,9 @@ QString duration_text(double seconds)
 QString printable(const QString& text)
 {
     QString shown = text;
-    std::replace_if(
-        shown.begin(), shown.end(), [](QChar c) { return !c.isPrint() && !c.isSurrogate(); },
-        QLatin1Char('?'));
+    for (QChar& c : shown) {
+        c = c.isPrint() || c.isSurrogate() ? c : QLatin1Char('?');
+    }
     return shown;
 }
 
