@@ -100,6 +100,8 @@ const std::vector<RefusalCase> refusal_cases = {
     {"OneFileForAllThatAppear", "--watch /dev/x* -- -r out.hex", "would be written for"},
     {"ReadOverTheImage", "/dev/a -- -w image.hex -r image.hex",
      "image.hex is an image and would be overwritten"},
+    {"ReadOverTheTableOfAPortThatMayAppear", "--watch /dev/x -- -r device.txt",
+     "is the table and would be overwritten"},
     {"ReadOverTheTable", "/dev/a -- -r device.txt", "is the table and would be overwritten"},
     {"ReadOverTheRecord", "/dev/a -- -r record.jsonl", "is the record and would be overwritten"},
     {"MissingImage", "/dev/a -- -w missing.hex", "missing.hex: No such file or directory"},

@@ -186,6 +186,19 @@ TEST_F(GangSurroundings, AToolThatCannotBeStartedIsNotOk)
     EXPECT_EQ(result.status, 1);
 }
 
+TEST_F(GangSurroundings, APhaseOfItsOwnShowsInTheProgress)
+{
+    const QString tool = put_tool("printf 'Verifying firmware\\n\\rProgress 37%%'\n"
+                                  "until [ -e ../../seen ]; do sleep 0.05; done\nexit 1\n");
+    GangProcess gang(folder(), words("--json --zserial") + QStringList{tool} +
+                                   words("/dev/no-such-port -- -B 0102 -w image.hex -v image.hex"));
+    EXPECT_TRUE(gang.has_printed("\"phase\":\"verify\""));
+    put_file(QStringLiteral("seen"), {});
+    const QJsonObject progress = gang.result().last("progress");
+    EXPECT_EQ(text(progress, "phase"), "verify");
+    EXPECT_EQ(progress.value(QStringLiteral("percent")).toInt(), 30);
+}
+
 /// The tool is not beside the program, and is looked for where a shell would.
 class GangElsewhere : public GangSurroundings
 {

@@ -1,5 +1,8 @@
 #include "gang/TableText.h"
 #include "tests/gang/GangTest.h"
+#include "tests/support/Waiting.h"
+
+#include <QRegularExpression>
 
 using namespace test;
 
@@ -72,6 +75,18 @@ TEST(TableText, ShowsAMinuteAndMoreAsMinutesAndSeconds)
     EXPECT_TRUE(table_line(slow, {80, 24, false}, 0).contains(QStringLiteral(" 1:00 ")));
     slow.seconds = 725.9;
     EXPECT_TRUE(table_line(slow, {80, 24, false}, 0).contains(QStringLiteral(" 12:05 ")));
+}
+
+TEST(TableText, ExpectsWhatItsOwnPaceComesToIfNoOtherIsKnown)
+{
+    RunState half = state("ttyUSB0", Phase::Writing, 0.5);
+    half.since.start();
+    ASSERT_TRUE(wait_until([&half] { return half.since.elapsed() >= 100; }));
+    const QString line = table_line(half, {80, 24, false}, 0);
+    EXPECT_TRUE(line.contains(QRegularExpression(QStringLiteral("\\d\\.\\d s / \\d+\\.\\d s "))))
+        << line.toStdString();
+    half.done = 0;
+    EXPECT_TRUE(table_line(half, {80, 24, false}, 0).contains(QStringLiteral(" s / - ")));
 }
 
 TEST(TableText, SaysWhyAPortIsLeftOut)

@@ -171,7 +171,7 @@ TEST_F(ImageFacts, OfWhatCannotBeReadAreNone)
     // The first byte of this process's memory is no memory.
     const QJsonObject report =
         inspect_json({QStringLiteral("image"), QStringLiteral("/proc/self/mem")});
-    EXPECT_THAT(codes(report), ElementsAre("I001"));
+    ASSERT_THAT(codes(report), testing::Contains("I001"));
     EXPECT_EQ(report[QStringLiteral("problems")][0][QStringLiteral("message")].toString(),
               QStringLiteral("reading it fails"));
 }

@@ -220,6 +220,11 @@ TEST_F(PlannedRun, OfARefusedLineNeedsNeitherTableNorDevice)
     EXPECT_TRUE(run[QStringLiteral("device")].isNull());
 }
 
+TEST_F(PlannedRun, OfAVersionThatIsNoNumberHasThatProblemOnly)
+{
+    EXPECT_THAT(codes(plan("-- -s port -B LARK -e")), ElementsAre("P001"));
+}
+
 TEST_F(PlannedRun, RefusesAFileThatTheToolCouldNotOpen)
 {
     EXPECT_THAT(codes(plan("-- -s port -B 0110 -w /")), Contains("P001"));

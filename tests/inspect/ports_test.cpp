@@ -2,6 +2,7 @@
 #include "tests/inspect/FakeSystem.h"
 #include "tests/inspect/InspectTest.h"
 #include "tests/inspect/ProcessRun.h"
+#include "tests/support/OtherUser.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,6 +19,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace
 {
@@ -187,6 +189,72 @@ TEST_F(Ports, AreJudgedByTheFirstOfOwnerGroupAndOthersThatFits)
     EXPECT_FALSE(inspect::access_to(path, member).is_open_to_user);
 }
 
+TEST_F(Ports, MayBelongToTheUser)
+{
+    add_adapter();
+    const QString path = m_system.path(QStringLiteral("dev/ttyUSB0"));
+    if (::geteuid() == 0) {
+        ASSERT_EQ(::chown(QFile::encodeName(path).constData(), 4242424, 4242424), 0);
+    }
+    const inspect::User owner{QStringLiteral("a"), QFileInfo(path).ownerId(), {}, false};
+    close_port(0x6600);
+    EXPECT_EQ(inspect::access_to(path, owner).through, QStringLiteral("owner"));
+    close_port(0x0066);
+    EXPECT_FALSE(inspect::access_to(path, owner).is_open_to_user) << "the owner is no other";
+}
+
+TEST_F(Ports, MayBeOpenToTheUserByMoreThanTheirMode)
+{
+    add_adapter();
+    const QString path = m_system.path(QStringLiteral("dev/ttyUSB0"));
+    // This process may open the file; nothing in its mode says so of a user of another number.
+    close_port(0x6600);
+    const inspect::User user{QStringLiteral("a"), QFileInfo(path).ownerId() + 1, {}, true};
+    EXPECT_EQ(inspect::access_to(path, user).through, QStringLiteral("an access list"));
+}
+
+TEST_F(Ports, MayBelongToAGroupThatTheUserCanJoin)
+{
+    add_adapter();
+    close_port(0x6660);
+    const QString path = m_system.path(QStringLiteral("dev/ttyUSB0"));
+    if (::geteuid() == 0) {
+        constexpr gid_t daemon = 1;
+        ASSERT_EQ(::chown(QFile::encodeName(path).constData(), 0, daemon), 0);
+    }
+    const QJsonObject found = report({QStringLiteral("--user"), QStringLiteral("nobody")});
+    EXPECT_EQ(message_of(found, "S004", "remedy"), "Run usermod -aG " +
+                                                       QFileInfo(path).group().toStdString() +
+                                                       " nobody as root, and log in again.");
+}
+
+TEST_F(Ports, MayBeOpenInProgramsThatTheUserMayNotLookInto)
+{
+    add_adapter();
+    m_system.add_process(4711, "minicom");
+    m_system.link(QStringLiteral("proc/4711/fd/3"), QStringLiteral("/dev/ttyUSB0"));
+    ASSERT_TRUE(QFile::setPermissions(m_system.path(QString()), QFileDevice::Permissions(0x7777)));
+    ASSERT_TRUE(QFile::setPermissions(m_system.path(QStringLiteral("proc/4711/fd")), {}));
+    {
+        const OtherUser user;
+        const QJsonObject found = report();
+        EXPECT_EQ(found[QStringLiteral("unseen_processes")].toInt(), 1);
+        EXPECT_THAT(codes(found), Not(Contains("S005")));
+        EXPECT_THAT(inspect_run(words()).out.simplified().toStdString(),
+                    HasSubstr("The open files of 1 process of other users cannot be seen."));
+    }
+    ASSERT_TRUE(QFile::setPermissions(m_system.path(QStringLiteral("proc/4711/fd")),
+                                      QFileDevice::Permissions(0x7777)));
+}
+
+TEST_F(Ports, MayHaveNoDriver)
+{
+    add_adapter();
+    ASSERT_TRUE(QFile::remove(
+        m_system.path(QStringLiteral("sys/devices/usb1/1-1/1-1:1.0/ttyUSB0/driver"))));
+    EXPECT_TRUE(only_port()[QStringLiteral("driver")].isNull());
+}
+
 TEST_F(Ports, MayBeOpenInAnotherProgram)
 {
     add_adapter();
@@ -195,6 +263,7 @@ TEST_F(Ports, MayBeOpenInAnotherProgram)
     m_system.link(QStringLiteral("proc/4711/fd/3"), QStringLiteral("/dev/ttyUSB0"));
     m_system.link(QStringLiteral("proc/4711/fd/4"), QStringLiteral("/dev/ttyUSB0"));
     m_system.link(QStringLiteral("proc/4712/fd/0"), QStringLiteral("/dev/pts/1"));
+    m_system.put(QStringLiteral("proc/4713/comm"), "ended just now");
     const QJsonObject found = report();
     EXPECT_THAT(codes(found), ElementsAre("S005"));
     EXPECT_EQ(message_of(found, "S005"), "Process 4711 (minicom) has it open.");
@@ -337,6 +406,16 @@ TEST_F(Ports, MayBeTakenByABrailleService)
 {
     m_system.add_process(600, "brltty");
     EXPECT_THAT(codes(report()), ElementsAre("S002", "S011"));
+}
+
+TEST_F(Ports, AreShownWithoutADeviceFileAndWithALockOfNobody)
+{
+    m_system.add_built_in_port(QStringLiteral("ttyS0"), "4\n");
+    ASSERT_TRUE(QFile::remove(m_system.path(QStringLiteral("dev/ttyS0"))));
+    m_system.put(QStringLiteral("locks/LCK..ttyS0"), "nobody");
+    const std::string text = inspect_run(words()).out.simplified().toStdString();
+    EXPECT_THAT(text, HasSubstr("there is no such file"));
+    EXPECT_THAT(text, HasSubstr("/locks/LCK..ttyS0, which names no process"));
 }
 
 /// Where lines are broken depends on the folder of the test and the names of its user.
