@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Checks what scripts/test.sh does not: style, the build with clang and its fuzz targets for a few
-# seconds each, documents, benchmarks, packages, manual pages, completions, and programs that are
-# built on the installed libraries.
+# seconds each, documents, benchmarks, packages, manual pages, completions, programs that are built on
+# the installed libraries, and whether the tests reach every line.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -13,3 +13,4 @@ cmake --preset release
 cmake --build --preset release
 ctest --test-dir build/release --label-regex '^check$' --no-tests=error --output-on-failure \
     --parallel "$(nproc)"
+scripts/coverage.sh

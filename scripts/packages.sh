@@ -27,3 +27,4 @@ test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-js
 fuzz_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy shellcheck)
 check_packages=(bash debootstrap dpkg-dev fish lintian mandoc zsh)
+coverage_packages=(gcovr)
