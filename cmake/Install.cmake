@@ -48,16 +48,12 @@ install(FILES ${PROJECT_BINARY_DIR}/zserialConfig.cmake ${PROJECT_BINARY_DIR}/zs
 # ---- Documents and examples, beside each other as in the source tree, so that their links work ----
 
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs
-    PATTERN embedding.md EXCLUDE)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs)
 install(DIRECTORY inspect/schema DESTINATION ${CMAKE_INSTALL_DOCDIR}/inspect COMPONENT programs)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT programs
-    PATTERN __pycache__ EXCLUDE PATTERN embed EXCLUDE PATTERN test-your-upload EXCLUDE
+    PATTERN __pycache__ EXCLUDE
     REGEX "[.](sh|py)$" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
         GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-install(FILES docs/embedding.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development)
-install(DIRECTORY examples/embed examples/test-your-upload
-    DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development)
 install(FILES packaging/man/zserial-device-table.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5
     COMPONENT programs)
 

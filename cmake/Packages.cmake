@@ -35,7 +35,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libzserial-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "qtbase5-dev (>= 5.15), libqt5serialport5-dev (>= 5.15)")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "zserial, cmake, libgtest-dev")
+# The documents of the libraries and their examples are beside all others.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS zserial)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "cmake, libgtest-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "libraries of the uploader zserial and its simulated device
 The library zserial::core erases, writes, verifies and reads the flash and
 EEPROM of microcontroller devices through their serial bootloader.
