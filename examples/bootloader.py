@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """A device with a bootloader on a pseudo-terminal: LARK-32 of device.txt, for Linux.
 
-Prints the name of its port, then answers until it is ended. Shows how little a device needs; it is
-no model of flash. Written from the description of the protocol alone."""
+Prints the name of its port, then answers until it is stopped. Shows how little a device needs; it
+does not model flash. Written from the description of the protocol alone."""
 
 import os
 import pty
@@ -24,13 +24,13 @@ def frame(payload):
 
 
 class Receiver:
-    """Finds frames in a stream of bytes, and drops what is none."""
+    """Finds the frames in a stream of bytes and drops everything else."""
 
     def __init__(self):
         self.state, self.body = "idle", bytearray()
 
     def take(self, byte):
-        """The payload of the frame that this byte completes, or None."""
+        """Returns the payload of the frame that this byte completes, or None."""
         if self.state in ("idle", "one sync"):
             following = {"idle": "one sync", "one sync": "body"}
             self.state = following[self.state] if byte == SYNC else "idle"
@@ -58,8 +58,8 @@ class Device:
         self.eeprom = bytearray(b"\xff" * EEPROM_SIZE)
 
     def carry_out(self, payload):
-        """The payload of the answer, or None where there is none. Bounds and lengths are checked
-        before anything is done."""
+        """Carries out a command and returns the payload of the answer, or None if there is none.
+        Bounds and lengths are checked first."""
         if payload == b"\0\2":
             return payload + VERSION
         if payload == b"\0\0":
@@ -90,7 +90,7 @@ class Device:
 
 
 def main():
-    master, slave = pty.openpty()  # the slave stays open, so that hosts can come and go
+    master, slave = pty.openpty()  # the slave stays open, so that hosts can reconnect
     tty.setraw(slave)
     print(os.ttyname(slave), flush=True)
     device, receiver = Device(), Receiver()

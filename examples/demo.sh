@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Checks a sample table and image, and programs the image into a simulated device, with the programs
-# on the PATH. Changes no file here.
+# Checks a sample table and image and programs the image into a simulated device. The programs must be
+# on the PATH. Changes no files in this folder.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 device=0110
 image=blink.hex
 
-# The uploader wants to be able to write to an image.
+# A copy, because zserial opens images for writing, too.
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cp device.txt "$image" "$folder"
@@ -20,7 +20,7 @@ echo
 zserial-inspect table >/dev/null
 zserial-inspect image "$image" --table device.txt --device "$device"
 
-# The simulator prints its port at the start and a summary when it is stopped.
+# The simulator prints its port when it starts and a summary when it is stopped.
 exec 3< <(exec zserial-sim --device "$device" --check "$image")
 simulator=$!
 trap 'kill "$simulator" 2>/dev/null || true; rm -rf "$folder"' EXIT

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the sample images of this folder, byte for byte as they are kept here.
+"""Writes the sample images of this folder, byte for byte as they are stored here.
 
-The images are believable rather than real: a table of start addresses, something that looks like
-machine code, a text or two, and settings for the EEPROM. Usage: make_images.py [folder]
+The images are plausible rather than real: a table of start addresses, bytes that look like machine
+code, some text, and settings for the EEPROM. Usage: make_images.py [folder]
 """
 
 import pathlib
@@ -13,7 +13,7 @@ OPCODES = (0x2401, 0x4718, 0x6A02, 0x9180, 0xB500, 0xBD10, 0xC3FE, 0xE7F5, 0x1C4
 
 
 def code(seed, size):
-    """Bytes that look like 16-bit machine code, the same for the same seed."""
+    """Returns bytes that look like 16-bit machine code; the same seed gives the same bytes."""
     state, data = seed, bytearray()
     while len(data) < size:
         state = (state * 1103515245 + 12345) % 2**31
@@ -23,27 +23,27 @@ def code(seed, size):
 
 
 def start_table(base, entries):
-    """Start addresses of interrupt routines after the table itself."""
+    """Returns the start addresses of interrupt routines that follow the table."""
     first = base + 4 * entries
     return b"".join((first + 24 * i).to_bytes(4, "little") for i in range(entries))
 
 
 def program(base, seed, size, banner):
-    """A start table, code and a text that says what it is; `size` bytes from `base` on."""
+    """Returns `size` bytes for address `base`: a start table, code and a text that names the image."""
     text = banner.encode("ascii") + b"\0"
     table = start_table(base, 16)
     return table + code(seed, size - len(table) - len(text)) + text
 
 
 def settings(serial_number, *values):
-    """A serial number and 16-bit values, closed by the low byte of their sum."""
+    """Returns a serial number and 16-bit values, followed by the low byte of their sum."""
     data = serial_number.encode("ascii") + b"\0"
     data += b"".join(value.to_bytes(2, "little") for value in values)
     return data + bytes([sum(data) % 256])
 
 
-# Per image, its pieces: byte address and content. Each piece has a byte in every row of the flash
-# pages that it touches: a page with an untouched row is written anew by every "-wv".
+# The pieces of each image: byte address and contents. Each piece has data in every row of the flash
+# pages that it touches, because every "-wv" rewrites a page with a row that has none.
 IMAGES = {
     # LARK-32: two pieces of flash with a gap, the second running from plain into encrypted flash
     # at 0x4000, and settings in the EEPROM.

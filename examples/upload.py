@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Calls zserial from a program: upload.py PORT ARGUMENT...
 
-Passes the arguments on, judges how the run ended, and prints one line. Copy what you need of it."""
+Passes the arguments on, judges how the run ended, and prints one line. Copy the parts you need."""
 
 import dataclasses
 import os
@@ -10,21 +10,21 @@ import signal
 import subprocess
 import sys
 
-#: Options with a file to read from. zserial creates what is missing, and writes nothing of it.
+#: Options that take an image: which argument it is. zserial creates a missing image as an empty file.
 IMAGES = {"-w": 1, "-W": 3, "-v": 1, "-wv": 1}
-#: More than any upload takes. A run without an answer ends by itself within a minute.
+#: Longer than any upload takes. Without an answer, zserial gives up within a minute.
 LIMIT_S = 900
 
 
 @dataclasses.dataclass
 class Outcome:
     ok: bool
-    step: str  # what the tool says last
-    causes: list  # why, the innermost first
+    step: str  # the last message of zserial
+    causes: list  # the errors that led to it, innermost first
 
 
 def missing_images(arguments):
-    """Files that would be read and are not there, or are empty."""
+    """Yields the images that do not exist or are empty."""
     for place, word in enumerate(arguments):
         name = arguments[place + IMAGES[word]] if word in IMAGES else None
         if name and not (os.path.isfile(name) and os.path.getsize(name)):
@@ -32,13 +32,13 @@ def missing_images(arguments):
 
 
 def lines(text):
-    """As they look on a terminal at the end: a progress line overwrites itself with "\\r"."""
+    """Returns the lines as a terminal shows them in the end: progress overwrites itself with "\\r"."""
     shown = (line.rsplit("\r", 1)[-1].strip() for line in text.split("\n"))
     return [line for line in shown if line]
 
 
 def causes(errors):
-    """The reports in quotes at the end of standard error; other lines are progress."""
+    """Returns the quoted errors at the end of standard error; other lines are progress."""
     found = []
     for line in errors.replace("\\n", "; ").split("\n"):
         report = re.fullmatch(r'"(.*)" *', line)

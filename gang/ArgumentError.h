@@ -7,7 +7,7 @@
 namespace gang
 {
 
-/// What was asked for cannot be begun; what() says why, in words for the user.
+/// The gang cannot start as requested; what() explains why to the user.
 class ArgumentError : public std::runtime_error
 {
 public:

@@ -107,7 +107,8 @@ NumberSlot::Format parse_format(const QString& text)
         QStringLiteral("--serial-format must be little, big or text, not '%1'").arg(text));
 }
 
-/// All three options of the serial number or none.
+/// Returns nothing if no --serial option is given. Throws ArgumentError unless --serial-at,
+/// --serial-size and --serial-file are given together.
 std::optional<NumberSlot> parse_slot(const OptionParser& parser)
 {
     const bool wanted =

@@ -10,7 +10,7 @@
 namespace gang
 {
 
-/// What the user asks for. Empty texts: not asked for.
+/// The options of a command line. Those that are not given are empty or have their defaults.
 struct Arguments {
     enum class Action { Run, ShowHelp, ShowVersion };
 
@@ -18,16 +18,16 @@ struct Arguments {
     QString help_text; ///< for ShowHelp
 
     QStringList ports;
-    QString watch; ///< pattern of ports to wait for
+    QString watch; ///< shell wildcard pattern of ports to wait for
     QStringList tool_arguments;
-    QString tool; ///< the program to run
+    QString tool; ///< zserial program; empty: find one
     QString table;
     std::optional<unsigned short> expected_version;
 
-    int jobs = 0; ///< 0: one for every port
+    int jobs = 0; ///< most uploads at a time; 0: no limit
     int tries = 1;
     int pause_ms = 0;
-    int limit_ms = 0; ///< 0: none
+    int limit_ms = 0; ///< time limit of each zserial process; 0: none
     bool certify = false;
     bool force = false;
 
@@ -41,7 +41,7 @@ struct Arguments {
     QString number_file;
 };
 
-/// Takes the command line apart, the program's name first. Throws ArgumentError.
+/// Parses a command line, which starts with the name of the program. Throws ArgumentError.
 Arguments parse_arguments(const QStringList& command_line);
 
 } // namespace gang

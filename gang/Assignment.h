@@ -9,10 +9,10 @@
 namespace gang
 {
 
-/// What all runs of a gang have in common.
+/// Settings and inputs that all runs of a gang share.
 struct Assignment {
     const Arguments& arguments;
-    QString tool; ///< the program to run
+    QString tool; ///< path of the zserial program
     const Inputs& inputs;
     NumberFile* numbers = nullptr; ///< null: no serial numbers
 };

@@ -13,8 +13,8 @@ namespace gang
 namespace
 {
 
-/// A path that matches a pattern, with something else in the place of its first wildcard for each
-/// `variant`.
+/// Returns a path like those that match the pattern, with `variant` in place of the first wildcard
+/// and "x" in place of the others.
 QString sample_of(const QString& pattern, const QString& variant)
 {
     static const QRegularExpression wildcard(QStringLiteral("\\*|\\?|\\[.[^\\]]*\\]"));
@@ -27,7 +27,8 @@ QString sample_of(const QString& pattern, const QString& variant)
            rest.replace(wildcard, QStringLiteral("x"));
 }
 
-/// Of ports that may appear, two that are as alike as two ports can be.
+/// Returns the named ports, or two sample ports for the pattern that differ as little as two ports
+/// can, so that a file that ports would share is found before any port appears.
 QStringList sample_ports(const Arguments& arguments)
 {
     QStringList ports = arguments.ports;
@@ -52,7 +53,7 @@ void refuse_repeated_ports(const QStringList& ports)
     }
 }
 
-/// Files that every run needs as they are.
+/// Returns the files that no run may overwrite: their file_key() and what they are.
 QHash<QString, QString> inputs_of(const Arguments& arguments,
                                   const std::vector<ToolCommand>& commands)
 {
@@ -76,7 +77,7 @@ QHash<QString, QString> inputs_of(const Arguments& arguments,
     return inputs;
 }
 
-/// Such as a terminal.
+/// True if the path exists and is not a regular file, such as a terminal, which runs may share.
 bool keeps_nothing(const QString& path)
 {
     const QFileInfo file(path);
@@ -108,7 +109,7 @@ void refuse_shared_outputs(const Arguments& arguments, const std::vector<ToolCom
     }
 }
 
-/// Images are taken in before the first port appears.
+/// Images are read at the start, before it is known which ports will appear.
 void refuse_images_by_port(const std::vector<ToolCommand>& commands)
 {
     if (commands.size() > 1 && commands[0].images() != commands[1].images()) {

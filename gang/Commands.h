@@ -8,9 +8,10 @@
 namespace gang
 {
 
-/// The tool's arguments for every port, or for two ports that might appear. Throws ArgumentError
-/// for what no run could begin with: ports named twice, arguments that the tool refuses, or a file
-/// that two of them would write, or that one would write and others need.
+/// Returns the zserial command for each port or, with --watch, for up to two sample ports that
+/// match the pattern. Throws ArgumentError if no run could succeed: a port is named twice, zserial
+/// would refuse the arguments, options contradict each other, two ports would write the same file,
+/// or a port would overwrite a file that others need.
 std::vector<ToolCommand> commands_of(const Arguments& arguments);
 
 } // namespace gang

@@ -8,26 +8,27 @@
 namespace gang
 {
 
-/// What the tool's buffered stream comes to, as far as it is known. The stream reaches standard
-/// output in blocks, one for each flush; progress and error lines come between the blocks and never
-/// inside one.
+/// The text that zserial is expected to write to its buffered stream. The stream reaches standard
+/// output in blocks, one per flush; progress and error lines, which are not buffered, appear
+/// between the blocks and never inside one.
 class ConsoleScript
 {
 public:
     void say(const QByteArray& text);
     void flush();
 
-    /// If `console` holds every block in order and ends with the last one and `ending`: what was
-    /// printed between the last block and the one before it. Nothing if it does not.
+    /// Returns the text between the flushed blocks and the last block if `console` contains all
+    /// flushed blocks in order and ends with the last one, which is the pending text and `ending`.
+    /// Otherwise returns nothing.
     std::optional<QByteArray> text_before(const QByteArray& console,
                                           const QByteArray& ending) const;
-    /// The same for an ending of which only the two sides are known, such as a message with a file
-    /// name in between.
+    /// Same, if only the start and the end of the ending are known, as with a message that contains
+    /// a file name.
     std::optional<QByteArray> text_before(const QByteArray& console, const QByteArray& ending_start,
                                           const QByteArray& ending_end) const;
 
 private:
-    /// Where the last block may begin at the earliest; -1 if an earlier block is missing.
+    /// Returns the offset after the flushed blocks, in bytes; -1 if one of them is missing.
     int end_of_earlier_blocks(const QByteArray& console) const;
 
     std::vector<QByteArray> m_flushed;

@@ -10,7 +10,7 @@ namespace
 
 const QByteArray progress_start("\rProgress ");
 
-/// The length of the progress at a position of a text; 0 if there is none, or not all of it yet.
+/// Returns the length of the progress line at a position; 0 if there is none or it is incomplete.
 int progress_length(const QByteArray& text, int position)
 {
     if (position < 0 || text.mid(position, progress_start.size()) != progress_start) {
@@ -27,7 +27,7 @@ int progress_length(const QByteArray& text, int position)
 
 void ConsoleText::add(const QByteArray& bytes)
 {
-    // The last two may turn out to be in a row.
+    // The new bytes may complete a progress line right after the one before.
     const int last = m_text.lastIndexOf(progress_start);
     int position = last <= 0 ? 0 : std::max(0, m_text.lastIndexOf(progress_start, last - 1));
     m_text += bytes;

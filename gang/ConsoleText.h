@@ -5,8 +5,8 @@
 namespace gang
 {
 
-/// What a process prints, as it comes. Progress that other progress overwrites at once is left out,
-/// so an upload of any length takes little memory.
+/// Collects the output of a process. A progress line that is directly followed by another one is
+/// dropped, so an upload of any length takes little memory.
 class ConsoleText
 {
 public:
@@ -14,7 +14,8 @@ public:
 
     const QByteArray& text() const { return m_text; }
 
-    /// The percentage with which the text ends, at most 100; -1 if it does not end with one.
+    /// Returns the percentage of the progress line at the end, at most 100; -1 if the text does not
+    /// end with one.
     int percentage() const;
 
 private:

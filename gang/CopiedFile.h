@@ -10,16 +10,17 @@ namespace gang
 
 bool write_file(const QString& path, const QByteArray& contents);
 
-/// A file of the user's, read once and copied, whatever becomes of it afterwards. It may be a pipe.
+/// A snapshot of a user's file, which may be a pipe: read once and copied, so that later changes to
+/// the file have no effect.
 class CopiedFile
 {
 public:
-    /// Throws FileError, with the name of the file, if it cannot be read or copied.
+    /// Reads `path` and writes `copy`. Throws FileError, which names the file, if either fails.
     CopiedFile(const QString& path, const QString& copy);
 
     const QByteArray& contents() const { return m_contents; }
 
-    /// In hexadecimal.
+    /// In lower-case hexadecimal.
     QString sha256() const;
 
 private:

@@ -29,7 +29,7 @@ void Crew::take(const QString& port)
         *known = RunState();
         known->port = names;
     }
-    // From within the event loop, so that all ports are known when the first begins.
+    // Queued, so that all ports are known when the first run starts.
     QMetaObject::invokeMethod(this, &Crew::begin_waiting, Qt::QueuedConnection);
 }
 
@@ -92,7 +92,7 @@ void Crew::take_failed_try(int index)
     m_display.failed_try(m_states, index);
 }
 
-/// A device that is not in the record is not ok.
+/// A run that cannot be recorded has failed, whatever its own verdict.
 void Crew::take_record(int index, RunRecord record)
 {
     try {
@@ -129,7 +129,7 @@ void Crew::give_up(const QString& reason)
     wind_down();
 }
 
-/// Deletes the run once it has returned from its signal, and goes on.
+/// Starts waiting ports. The run is still emitting its signal, so it is deleted later.
 void Crew::release(int index)
 {
     m_runs[static_cast<std::size_t>(index)].release()->deleteLater();
@@ -148,7 +148,7 @@ void Crew::wind_down()
             state.phase = RunState::Phase::Skipped;
         }
     }
-    // A run that pauses ends here and leaves the list.
+    // A run that is pausing finishes within this call, which resets its element of m_runs.
     for (const auto& run : m_runs) {
         if (run) {
             run->try_no_more();

@@ -14,7 +14,7 @@
 namespace gang
 {
 
-/// Runs the uploads: as many at once as are allowed, the others in order after them.
+/// Runs the uploads, at most --jobs at a time; the other ports wait in list order.
 class Crew : public QObject
 {
     Q_OBJECT
@@ -23,15 +23,16 @@ public:
     /// `record` may be null.
     Crew(const Assignment& assignment, RecordFile* record, Display& display);
 
-    /// Takes a port in that is not waiting or running; the same port again is the next device on
-    /// it. Its number is kept.
+    /// Adds a port that is neither waiting nor running. Adding a port again programs its next
+    /// device; the port keeps its number. Ignored after wind_down().
     void take(const QString& port);
 
-    /// Begins no further run or try; those that run go on to their end.
+    /// Starts no further run or try; running uploads finish.
     void wind_down();
-    /// Ends all runs at once.
+    /// Kills all running uploads. Call wind_down() first: it keeps waiting ports from starting.
     void stop();
 
+    /// True if no run is active or waiting.
     bool is_idle() const;
 
     bool is_winding_down() const { return m_winding_down; }
@@ -42,9 +43,10 @@ public:
 
 Q_SIGNALS:
     void ended(const QString& port);
-    /// Nothing runs, and nothing is left to begin.
+    /// No run is active or waiting any more.
     void became_idle();
-    /// Something of the gang's own went wrong, and nothing more is begun.
+    /// The gang itself has failed, for example because a run could not be recorded; no further run
+    /// starts.
     void troubled(const QString& reason);
 
 private:
@@ -62,7 +64,7 @@ private:
     RecordFile* m_record;
     Display& m_display;
     RunStates m_states;
-    std::vector<std::unique_ptr<PortRun>> m_runs; ///< one for each state; null: not running
+    std::vector<std::unique_ptr<PortRun>> m_runs; ///< parallel to m_states; null: not running
     Tally m_tally;
     QElapsedTimer m_since;
     bool m_winding_down = false;

@@ -17,7 +17,7 @@ unsigned short version_of(const inspect::TableRow& row)
     return row.fields.first().toUShort(nullptr, 16);
 }
 
-/// The tool cannot use any row of such a table.
+/// True if zserial rejects the whole table because of this problem.
 bool is_fatal(inspect::Code code)
 {
     return code == inspect::Code::RowVersion || code == inspect::Code::FieldIsNoNumber ||

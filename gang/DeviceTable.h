@@ -13,32 +13,34 @@
 namespace gang
 {
 
-/// The device table as it was when the gang began.
+/// The device table as it was when the gang started.
 class DeviceTable
 {
 public:
-    /// Takes the file in; the inspection works on `copy`, which is made.
+    /// Reads the file and inspects a copy of it, which is written to `copy`. A table that cannot be
+    /// read or copied leaves is_readable() false.
     DeviceTable(const QString& path, const QString& copy);
 
     bool is_readable() const { return m_reason.isEmpty(); }
 
     const QByteArray& contents() const { return m_contents; }
 
-    /// In hexadecimal; empty if the table cannot be read.
+    /// In lower-case hexadecimal; empty if the table cannot be read.
     QString sha256() const { return m_sha256; }
 
-    /// The lines that describe the device of a version, as they are.
+    /// Returns the lines of the table for a bootloader version, unchanged.
     QByteArray rows_of(unsigned short version) const;
 
-    /// The device of a version, as the tool picks it; null if there is none. Owned by the table.
+    /// Returns the device that zserial selects for a version; null if there is none. Owned by the
+    /// table.
     const Profile* find(unsigned short version) const;
-    /// All devices that the tool would pick for some version. Owned by the table.
+    /// Returns every device that zserial selects for some version. Owned by the table.
     std::vector<const Profile*> devices() const;
-    /// Where the devices' regions meet, all of them together.
+    /// Returns the region boundaries of all devices together.
     QSet<unsigned int> boundaries() const;
 
-    /// What stops a gang whose devices have these versions, any version if there are none; one line
-    /// each. `alone`: the runs get no rows but those.
+    /// Returns the problems that stop a gang for devices of these versions, one line each; an empty
+    /// set stands for any version. `alone`: the runs get the rows of these versions only.
     QStringList problems(const QSet<unsigned short>& versions, bool alone) const;
 
 private:
@@ -46,7 +48,7 @@ private:
                   bool alone) const;
 
     QString m_path;
-    QString m_reason; ///< why it cannot be read
+    QString m_reason; ///< why it cannot be read; empty if it can
     QByteArray m_contents;
     QString m_sha256;
     inspect::TableFile m_table;

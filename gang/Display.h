@@ -14,11 +14,11 @@ using RunStates = std::vector<RunState>;
 
 const RunState& state_of(const RunStates& states, int run);
 
-/// How all runs came out.
+/// Totals of all runs.
 struct Tally {
     QMap<Verdict, int> verdicts;
     int not_started = 0;
-    double seconds = 0; ///< from the first start to the last end
+    double seconds = 0; ///< since the first run started
 
     int runs() const;
 
@@ -28,7 +28,7 @@ struct Tally {
 /// "3 runs: 1 ok, 2 silent; 1 not started".
 QString text_of(const Tally& tally);
 
-/// Shows people or programs what happens. `run` is an index into the states.
+/// Shows a user or a program what happens. `run` is an index into `states`.
 class Display
 {
 public:

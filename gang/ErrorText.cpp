@@ -11,8 +11,8 @@ namespace gang
 namespace
 {
 
-/// Lines as a terminal leaves them: progress is overwritten by nothing, so its text stays in front
-/// of the error line that follows it and is taken off here.
+/// Splits output into lines and removes progress, which has no line end: the error that follows it
+/// is on the same line.
 QStringList lines_of(const QByteArray& text)
 {
     static const QRegularExpression progress(QStringLiteral("\\rProgress \\d+%"));
@@ -22,7 +22,7 @@ QStringList lines_of(const QByteArray& text)
     return plain.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-/// A list of equal attempts says no more than one of them.
+/// Returns the message with each reason once, however many attempts failed for it.
 QString giving_up(const QStringList& lines, int first)
 {
     QStringList reasons = lines.mid(first);

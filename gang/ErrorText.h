@@ -6,12 +6,12 @@
 namespace gang
 {
 
-/// The error of the device that decided a run, as one line for people; empty when there is none:
-/// the last one, unless that only follows from a port that could not be opened. `console` is what
-/// came before the block with which the tool ended.
+/// Returns the device error that decided a run, as one line for the user; empty if there is none.
+/// This is the last error, or a failure to open the port that caused it. `console` is the output
+/// before the block with which zserial ended.
 QString deciding_error(const QByteArray& console);
 
-/// The last non-empty lines of a text, joined into one.
+/// Returns the last `count` non-empty lines of a text, joined into one line.
 QString last_lines(const QByteArray& text, int count);
 
 } // namespace gang

@@ -8,8 +8,8 @@
 namespace gang
 {
 
-/// One line of JSON for each event: "start", "progress" (every ten percent), "retry", "end" with
-/// all keys of the record, and "summary".
+/// Prints a line of JSON for each event: "start", "progress" (in steps of ten percent), "retry",
+/// "end" with all keys of the record, and "summary".
 class EventJson : public Display
 {
 public:
@@ -23,7 +23,7 @@ private:
     void print(const char* event, QJsonObject fields);
 
     EventOutput m_out;
-    QMap<int, QString> m_shown; ///< the progress last shown of each run
+    QMap<int, QString> m_shown; ///< last progress printed for each run
 };
 
 } // namespace gang

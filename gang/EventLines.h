@@ -6,7 +6,7 @@
 namespace gang
 {
 
-/// One line of text for each event.
+/// Prints a line of text for each event.
 class EventLines : public Display
 {
 public:
@@ -24,7 +24,7 @@ private:
     EventOutput m_out;
 };
 
-/// One line for a run that has ended: "ttyUSB0: ok, 12.3 s, version 0x0110".
+/// Returns the line for a run that has ended, such as "ttyUSB0: ok, 12.3 s, version 0x0110".
 QString line_of(const QString& port_name, const RunRecord& record);
 
 } // namespace gang

@@ -26,7 +26,7 @@ void EventOutput::print(const QByteArray& text)
     write_some();
 }
 
-/// A pipe that takes anything takes this much without waiting.
+/// A pipe that is ready for writing accepts this much without blocking.
 void EventOutput::write_some()
 {
     while (!m_pending.isEmpty() && takes_output()) {

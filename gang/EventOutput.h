@@ -7,16 +7,16 @@
 namespace gang
 {
 
-/// Prints on standard output, past all buffers. Never waits for a reader who takes his time: what
-/// he does not take yet is kept until the event loop finds that he does. Nobody reading any more is
-/// no error.
+/// Writes to standard output without buffering. print() never waits for a slow reader: text that
+/// the reader does not accept yet is kept and written from the event loop. A closed pipe is no
+/// error; its text is dropped.
 class EventOutput : public QObject
 {
     Q_OBJECT
 
 public:
     EventOutput();
-    /// Waits until the reader has taken all.
+    /// Waits until everything is written.
     ~EventOutput() override;
 
     void print(const QByteArray& text);

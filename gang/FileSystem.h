@@ -8,20 +8,20 @@ class QFile;
 namespace gang
 {
 
-/// Locks an open file against other open files of the same name, in whatever process; false while
-/// somebody else has it. The system lets go of the lock when its process ends, however it ends.
+/// Locks an open file against every other open of the same file, in any process; false if another
+/// one holds the lock. The system releases the lock when the process ends, even if it is killed.
 bool try_lock(QFile& file);
 void unlock(QFile& file);
 
-/// Waits until what was written to the file is on the disk.
+/// Waits until all written data is on the disk; false if that fails.
 bool flush_to_disk(QFile& file);
 
-/// What tells a file from another one that later has its name, and from its own earlier contents.
+/// Identifies a file and the state of its contents, so that a replaced or changed file is noticed.
 struct FileIdentity {
     quint64 device = 0;
-    quint64 node = 0; ///< 0: there is none
-    qint64 size = 0;
-    qint64 changed_ns = 0;
+    quint64 node = 0;      ///< inode number; 0: no file
+    qint64 size = 0;       ///< bytes
+    qint64 changed_ns = 0; ///< time of the last change to its contents, since 1970
 
     bool operator==(const FileIdentity& other) const;
 
@@ -32,12 +32,11 @@ struct FileIdentity {
     bool is_same_node(const FileIdentity& other) const;
 };
 
-/// That of the file which a name, or the link of that name, leads to.
+/// Returns the identity of a file; links are followed.
 FileIdentity identity_of(const QString& path);
 FileIdentity identity_of(const QFile& open_file);
 
-/// The files that match a pattern with the wildcards of a shell, sorted; links that lead nowhere
-/// are none.
+/// Returns the files that match a shell wildcard pattern, sorted. Dangling links are left out.
 QStringList files_matching(const QString& pattern);
 
 } // namespace gang

@@ -29,7 +29,7 @@ bool is_written(const Profile& device, unsigned int address, const Settings& set
 
 } // namespace
 
-/// The tool takes or leaves a piece by its first address.
+/// zserial writes or skips a whole piece, depending on its first address.
 QString emptiness(const Profile& device, const inspect::ImageFile& image, const Settings& settings,
                   const std::optional<NumberSlot>& slot)
 {

@@ -13,16 +13,17 @@
 namespace gang
 {
 
-/// Why an upload would leave nothing of the image in the device, or no serial number. Empty if it
-/// leaves both there. The image must have been loaded for this device.
+/// Returns why an upload would write nothing of the image to the device, or not the whole serial
+/// number; empty if it writes both. The image must have been loaded with the boundaries of the
+/// device.
 QString emptiness(const Profile& device, const inspect::ImageFile& image, const Settings& settings,
                   const std::optional<NumberSlot>& slot);
 
-/// Why the device would not have all of the image; one line each.
+/// Returns why the device would not hold the whole image, one line for each reason.
 QStringList misfits(const Profile& device, const inspect::ImageFile& image);
 
-/// Whether the device has memory for all of the image, wherever its pieces begin. Its own
-/// bootloader counts as such.
+/// True if every byte of the image lies in device memory, wherever its pieces start. The bootloader
+/// area counts as device memory.
 bool has_room(const Profile& device, const inspect::ImageFile& image);
 
 } // namespace gang

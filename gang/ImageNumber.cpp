@@ -61,13 +61,13 @@ bool copy_with_number(const QString& image, const QString& copy, const NumberSlo
     }
     const std::size_t pieces = map.blobs().size();
     map.write(slot.address, bytes);
-    // Saved piece by piece, so that no address stands in the file twice.
+    // Saved piece by piece, so that no address appears in the file twice.
     MemoryMap result(MemoryMap::default_chunk_size);
     for (std::size_t i = 0; i < pieces; ++i) {
         const AddressedBLOB& piece = *map.blobs()[i];
         QByteArray data;
         if (!map.read(piece.address, piece.size(), data)) {
-            return false; // up to the last address there is, where no serial number can lie either
+            return false; // reaches the last address; slot_problem() refuses a number there
         }
         result.write(piece.address, data);
     }

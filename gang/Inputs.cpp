@@ -44,7 +44,7 @@ void Inputs::doubt(const QStringList& problems)
     }
 }
 
-/// The versions that the devices have, as far as that is certain; none if any may come.
+/// Returns the versions that the devices must have; none if any version may appear.
 QSet<unsigned short> Inputs::versions_of(const std::vector<ToolCommand>& commands) const
 {
     if (m_arguments.expected_version) {
@@ -83,7 +83,8 @@ void Inputs::take_images(const std::vector<ToolCommand>& commands)
     }
 }
 
-/// A missing or empty file would be an empty image to the tool, written with success.
+/// zserial treats a missing or empty file as an empty image and reports success, so both are
+/// refused here.
 void Inputs::take_image(const QString& path)
 {
     const QString copy = m_scratch.filePath(QStringLiteral("image-%1").arg(m_images.size() + 1));
@@ -104,7 +105,7 @@ void Inputs::take_image(const QString& path)
     }
 }
 
-/// Looks ahead at what is certain about the device that will be there.
+/// Checks the images against the devices that are known in advance.
 void Inputs::inspect_fit(const ToolCommand& command, const QSet<unsigned short>& versions)
 {
     for (const QString& image : command.images()) {
@@ -123,7 +124,7 @@ void Inputs::inspect_fit(const ToolCommand& command, const QSet<unsigned short>&
     }
 }
 
-/// Looks whether an image can be for any device at all.
+/// Checks that each image fits at least one device of the table.
 void Inputs::inspect_room()
 {
     const std::vector<const Profile*> devices = m_table->devices();
@@ -159,7 +160,7 @@ const Inputs::Misfit& Inputs::misfit_of(const Profile& device, const QString& im
     return *m_misfits.insert(key, misfit);
 }
 
-/// What was to be done all the same is not held against the device, as long as something was done.
+/// With --force, an image of which only part fits is accepted.
 QString Inputs::misfit(unsigned short version, const ToolCommand& command) const
 {
     const QString image = command.written_image();

@@ -14,30 +14,31 @@
 namespace gang
 {
 
-/// Table and images as they were when the gang began, in a scratch folder: every device gets the
-/// same, whatever becomes of the files meanwhile, and the record's checksums are of what was used.
+/// Copies of table and images, made in a scratch folder at the start. Every device gets the same
+/// data even if the files change later, and the checksums in the record are those of what was used.
 class Inputs
 {
 public:
-    /// Takes all files in. Throws ArgumentError or FileError for what no run could begin with.
+    /// Reads and checks all files. Throws ArgumentError or FileError if no run could succeed.
     Inputs(const Arguments& arguments, const std::vector<ToolCommand>& commands);
 
-    /// What should be put right before any device is touched, one line each.
+    /// Returns what should be fixed before any device is touched, one line each.
     const QStringList& problems() const { return m_problems; }
 
     QString table_sha256() const { return m_table->sha256(); }
 
-    /// In hexadecimal; of an image as the user has it.
+    /// In lower-case hexadecimal, of the image as the user supplied it, without a serial number.
     QString image_sha256(const QString& image) const { return m_images.value(image).sha256; }
 
-    /// Makes a folder for a run on this port, with the table and, if there are serial numbers, this
-    /// one in its images. Says where the copy of each image is. Throws FileError.
+    /// Creates the working folder of a run, with the table and, if `number` is given, images that
+    /// contain this number. Returns the copy to use for each image. Throws FileError.
     QHash<QString, QString> furnish(const QString& folder, const ToolCommand& command,
                                     const std::optional<quint64>& number) const;
-    /// The folder for that.
+    /// Returns the working folder of the runs on a port.
     QString folder_of(const PortNames& port) const;
 
-    /// Why a device of this version cannot be as it should be now; empty if it can.
+    /// Returns why a device of this version cannot hold the written image as requested, although
+    /// its upload succeeded; empty if it can.
     QString misfit(unsigned short version, const ToolCommand& command) const;
 
 private:
@@ -46,7 +47,7 @@ private:
         QString sha256;
     };
 
-    /// What one device would not have of one image.
+    /// Why a device cannot take an image.
     struct Misfit {
         QString emptiness;
         QStringList problems;
@@ -68,7 +69,7 @@ private:
     std::optional<DeviceTable> m_table;
     QHash<QString, Image> m_images;
     QStringList m_problems;
-    mutable QHash<QString, Misfit> m_misfits; ///< those that have been worked out
+    mutable QHash<QString, Misfit> m_misfits; ///< results of misfit_of() so far
 };
 
 } // namespace gang

@@ -20,20 +20,20 @@ constexpr int shown_lines = 3;
 
 const char* const closing = "\nAll operations completed succesfully!\n";
 
-/// What an operation prints, in the order in which it does.
+/// What zserial prints for an operation, in this order.
 struct Step {
-    const char* name;      ///< in the message about a bad image; empty for one without an image
-    const char* announced; ///< once the image is loaded
-    bool flushed;          ///< the announcement comes out at once
-    const char* ended;     ///< when it has come to its end, well or not
+    const char* name;      ///< its name in the message about a bad image; empty if it loads none
+    const char* announced; ///< printed once the image is loaded
+    bool flushed;          ///< true if `announced` is flushed at once
+    const char* ended;     ///< printed when it has ended, even if it has failed
     const char* done;
     const char* failed;
     Verdict verdict;
-    bool touches; ///< it changes the device's memory
+    bool touches; ///< true if it changes device memory
 };
 
-/// `read_file_lost`: the file of a read could not be opened again, which the tool says and passes
-/// over.
+/// `read_file_lost`: zserial could not reopen the file to save a read to, which it reports but
+/// ignores.
 std::vector<Step> steps_of(const Settings& settings, bool read_file_lost)
 {
     const char* const read = read_file_lost ? "Could not open file to read data into!" : "";
@@ -70,7 +70,7 @@ std::vector<Step> steps_of(const Settings& settings, bool read_file_lost)
     return steps;
 }
 
-/// An error of the device that says more than the step in which it came.
+/// A device error that decides the verdict, whichever operation it occurs in.
 struct Cause {
     const char* start;
     Verdict verdict;
@@ -103,7 +103,7 @@ QString plain(const char* text)
     return QString::fromLatin1(text).trimmed();
 }
 
-/// Reads one console from its beginning to its end, as the tool wrote it.
+/// Matches a console against the output expected from zserial, from start to end.
 class ConsoleReader
 {
 public:
@@ -139,7 +139,8 @@ Judgement ConsoleReader::failed(Verdict verdict, const QString& message) const
     return {verdict, message, m_version, m_touched};
 }
 
-/// Looks for the line about the version; its digits go from the version's place in the script.
+/// Finds the line that reports the version, takes the version from it and adds the line to the
+/// script. False if there is no such line.
 bool ConsoleReader::find_version(const char* pattern)
 {
     const QRegularExpression line(QString::fromLatin1(pattern));
@@ -152,7 +153,7 @@ bool ConsoleReader::find_version(const char* pattern)
     return true;
 }
 
-/// A version that the table does not have is known all the same.
+/// Takes the version from the message about a device that is not in the table.
 void ConsoleReader::note_version(const QString& message)
 {
     static const QRegularExpression found(QStringLiteral("^Found version 0x([0-9a-f]{4}) "));
@@ -274,7 +275,8 @@ Judgement ConsoleReader::read_failure()
     return failed(Verdict::Failed, {});
 }
 
-/// An abort comes from the table when the tool has just said so.
+/// Returns the complaint about the table that zserial prints before it aborts; nothing if there is
+/// none.
 std::optional<QString> complaint_about_table(const QByteArray& err)
 {
     static const QRegularExpression complaint(
@@ -306,6 +308,15 @@ Judgement read_console(const ToolEnd& end, const Settings& settings, bool read_f
     return end.code == EXIT_FAILURE ? reader.read_failure() : Judgement();
 }
 
+QString unexpected_end(const ToolEnd& end)
+{
+    const QString status = QString::number(end.code);
+    const QString lines = last_lines(end.out + '\n' + end.err, shown_lines);
+    return lines.isEmpty()
+               ? QStringLiteral("ended with status %1 and printed nothing").arg(status)
+               : QStringLiteral("ended with status %1; its last lines: %2").arg(status, lines);
+}
+
 Judgement judge_exit(const ToolEnd& end, const Settings& settings)
 {
     Judgement judgement = read_console(end, settings, false);
@@ -319,9 +330,7 @@ Judgement judge_exit(const ToolEnd& end, const Settings& settings)
             QStringLiteral("%1 could not be opened to save what was read").arg(settings.read_file);
     } else if (judgement.verdict == Verdict::Failed) {
         judgement.touched = true;
-        judgement.message =
-            QStringLiteral("ended with status %1; its last lines: %2")
-                .arg(QString::number(end.code), last_lines(end.out + '\n' + end.err, shown_lines));
+        judgement.message = unexpected_end(end);
     }
     return judgement;
 }

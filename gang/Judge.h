@@ -13,14 +13,14 @@ namespace gang
 
 struct Judgement {
     Verdict verdict = Verdict::Failed;
-    QString message;                       ///< one line for people; empty when all is well
-    std::optional<unsigned short> version; ///< of the bootloader, as far as it was settled
+    QString message;                       ///< one line for the user; empty if ok
+    std::optional<unsigned short> version; ///< of the bootloader, if it was determined
     bool touched = false;                  ///< the device's memory may have been erased or written
 };
 
-/// What a process of the tool came to that was started with these settings. Nothing is taken for
-/// granted: a run is ok only if its status is 0 and its output is, to the byte, that of a run in
-/// which every wanted operation succeeded. What a read left in its file is not looked at here.
+/// Judges a zserial process that was started with these settings. A run is ok only if its status is
+/// 0 and its output, apart from progress and recovered errors, is byte for byte that of a run in
+/// which every requested operation succeeded. Does not look at the file of a read; see ReadProof.
 Judgement judge(const ToolEnd& end, const Settings& settings);
 
 } // namespace gang

@@ -13,7 +13,7 @@ namespace
 
 constexpr int most_folders_of_a_name = 1000;
 
-/// mkdir() fails for a folder that is there, so no two runs share one.
+/// mkdir() fails for an existing folder, so no two runs share one.
 QString make_new_folder(const QString& parent, const QString& name)
 {
     QDir folder(parent);

@@ -90,7 +90,7 @@ void LiveTable::ended(const RunStates& states, int run, const RunRecord& record)
     m_ended << line_of(state_of(states, run).port.name, record);
 }
 
-/// The median of the uploads so far.
+/// Returns the median duration of ok runs so far; 0 if there are none.
 double LiveTable::expected_s() const
 {
     if (m_durations.empty()) {
@@ -102,7 +102,8 @@ double LiveTable::expected_s() const
     return *middle;
 }
 
-/// Somebody who has stopped the terminal stops no upload.
+/// Draws nothing while the terminal accepts no output: a stopped terminal must not stop the
+/// uploads.
 void LiveTable::draw()
 {
     if (m_states == nullptr || !takes_output()) {

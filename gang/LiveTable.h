@@ -12,7 +12,8 @@
 namespace gang
 {
 
-/// The table on the terminal, on a screen of its own that gives way to the summary at the end.
+/// Shows the table on the alternate screen of the terminal; at the end, the summary is printed on
+/// the normal screen.
 class LiveTable : public QObject, public Display
 {
     Q_OBJECT
@@ -27,7 +28,7 @@ public:
     void ended(const RunStates& states, int run, const RunRecord& record) override;
     void summed_up(const RunStates& states, const Tally& tally) override;
 
-    /// Takes the terminal's size anew.
+    /// Adapts the table to the current size of the terminal.
     void resize();
 
 private:
@@ -40,10 +41,10 @@ private:
     const RunStates* m_states = nullptr; ///< null: none yet
     QTimer m_refresh;
     QElapsedTimer m_since;
-    std::vector<double> m_durations; ///< of uploads that were ok, in seconds
-    QStringList m_ended;             ///< a line for each run that has ended
+    std::vector<double> m_durations; ///< of ok runs, in seconds
+    QStringList m_ended;             ///< one line for each run that has ended
     bool m_on_screen = false;
-    bool m_clears = false; ///< the screen, before the next table
+    bool m_clears = false; ///< true if the screen is to be cleared before the next table
 };
 
 } // namespace gang

@@ -38,15 +38,15 @@ void NumberFile::take_line(const QByteArray& line)
     m_has_next = true;
 }
 
-/// Whether these bytes without a line end are what a gang that was killed left of the line for the
-/// next number. Anything else was written by a user and counts.
+/// True if these bytes without a line end are the start of the line for the next number, left by a
+/// killed gang. Anything else was written by a user and counts.
 bool NumberFile::is_torn(const QByteArray& rest) const
 {
     const QByteArray start = QByteArray::number(m_next) + ' ';
     return m_has_next && !rest.isEmpty() && start.startsWith(rest.left(start.size()));
 }
 
-/// Reads what others have appended.
+/// Parses what has been appended to the file since the last call.
 void NumberFile::catch_up()
 {
     m_file.require_same_file();
@@ -84,7 +84,7 @@ quint64 NumberFile::draw(const QString& to, const std::function<void(quint64)>& 
     const quint64 number = m_next;
     accepts(number);
     m_file.append(QByteArray::number(number) + ' ' + to.simplified().toUtf8());
-    catch_up(); // so that it is known as given even if the file loses the line
+    catch_up(); // counts as given out from now on, even if the file loses the line
     return number;
 }
 

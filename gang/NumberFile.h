@@ -10,35 +10,34 @@
 namespace gang
 {
 
-/// A number that has been given out.
+/// A serial number that has been given out.
 struct GivenNumber {
     quint64 number = 0;
     QString to; ///< time, station and port
 };
 
-/// The counter of serial numbers, shared by any number of gangs. Lines of the file:
+/// The counter of serial numbers, which any number of gangs may share. Lines of the file:
 ///
 ///     1000                                                    the next number is 1000
 ///     1000 2026-11-21T17:00:00.000Z station-3 /dev/ttyUSB0    1000 has been given out
-///     # ...                                                   a remark
+///     # ...                                                   a comment
 ///
-/// Numbers only grow. A line is on the disk before its number is used, so no number is ever given
-/// twice; a line that a crash has cut short was never used, and is removed.
+/// Numbers only increase. A line is on the disk before its number is used, so no number is given
+/// out twice. A line cut short by a crash is removed; its number was never used.
 class NumberFile
 {
 public:
-    /// Throws FileError if there is no such file: a new counter starts with a decision, not with a
-    /// mistyped name.
+    /// Throws FileError if the file does not exist: a mistyped name must not start a new counter.
     explicit NumberFile(const QString& path);
 
-    /// The number that draw() would give now. Throws FileError.
+    /// Returns the number that draw() would give out now. Throws FileError.
     quint64 next();
 
-    /// Gives out the next number, and lets nobody else have it. `accepts` may refuse the number by
-    /// throwing; nothing is given out then. Throws FileError.
+    /// Gives out the next number and records `to` with it. `accepts` may refuse the number by
+    /// throwing; then nothing is given out. Throws FileError.
     quint64 draw(const QString& to, const std::function<void(quint64)>& accepts);
 
-    /// All numbers given out so far. Throws FileError.
+    /// Returns all numbers given out so far. Throws FileError.
     std::vector<GivenNumber> given();
 
 private:
@@ -48,7 +47,7 @@ private:
     [[noreturn]] void refuse_line(const char* reason) const;
 
     SharedFile m_file;
-    qint64 m_read = 0; ///< bytes of the file that m_next and m_given know of
+    qint64 m_read = 0; ///< bytes of the file that have been parsed
     int m_line = 0;
     bool m_has_next = false;
     quint64 m_next = 0;

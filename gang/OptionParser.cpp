@@ -58,7 +58,7 @@ double OptionParser::number(const char* name, double preset, double lowest, doub
     }
     bool converted = false;
     const double number = value(name).toDouble(&converted);
-    // Written so that what is no number fails, too.
+    // Negated, so that NaN is refused.
     if (!converted || !(number >= lowest && number <= highest)) {
         throw ArgumentError(
             QStringLiteral("--%1 must be a number from %2 to %3")

@@ -11,24 +11,25 @@ namespace gang
 
 struct OptionText {
     const char* name;
-    const char* value; ///< what follows the option; empty for nothing
+    const char* value; ///< name of its value; empty if it takes none
     const char* text;
 };
 
-/// Reads the words of a command line by a table of options.
+/// Parses a command line by a table of options.
 class OptionParser
 {
 public:
     OptionParser(const char* description, const std::vector<OptionText>& options,
                  const char* positional, const char* positional_syntax);
 
-    /// Throws ArgumentError for what it does not know.
+    /// Throws ArgumentError for an unknown option or a missing value.
     void parse(const QStringList& command_line);
 
     bool has(const char* name) const;
-    /// Throws ArgumentError if the option is there without a value.
+    /// Returns `preset` if the option is not given. Throws ArgumentError if its value is empty.
     QString value(const char* name, const QString& preset = {}) const;
-    /// Throws ArgumentError if the value is not within the limits.
+    /// Returns `preset` if the option is not given. Throws ArgumentError if its value is not a
+    /// number from `lowest` to `highest`.
     double number(const char* name, double preset, double lowest, double highest) const;
     int whole_number(const char* name, int preset, int lowest, int highest) const;
 

@@ -6,12 +6,12 @@
 namespace gang
 {
 
-/// A pipe for what a process prints, read now and then. A tool prints its progress after every row;
-/// to be woken by each of them would cost more than all else that a gang does.
+/// A pipe for the output of a process, read at intervals. zserial prints its progress after every
+/// row; waking up each time would cost more than everything else that a gang does.
 class OutputPipe
 {
 public:
-    /// Without a pipe if the system gives none.
+    /// is_open() is false if the system provides no pipe.
     OutputPipe();
     ~OutputPipe();
     OutputPipe(const OutputPipe&) = delete;
@@ -19,12 +19,12 @@ public:
 
     bool is_open() const { return m_reader >= 0; }
 
-    /// The name by which this process opens the end to write to.
+    /// Returns the name by which this process can open the write end.
     QString writer() const;
-    /// Once nobody else is to open it.
+    /// Call this once the writing process has opened its end.
     void close_writer();
 
-    /// What has come since the last time. Does not wait.
+    /// Returns the output since the last call. Does not block.
     QByteArray take();
 
 private:

@@ -10,7 +10,7 @@ namespace gang
 namespace
 {
 
-/// As the library for serial ports sees it.
+/// True if Qt Serial Port resolves the name relative to the working folder.
 bool is_relative(const QString& port)
 {
     return port.startsWith(QLatin1String("./")) || port.startsWith(QLatin1String("../"));
@@ -30,7 +30,7 @@ PortNames names_of(const QString& port, int n)
     return {is_relative(port) ? file_of_port(port) : port, name, n};
 }
 
-/// "link/.." need not be where "link" is.
+/// Leaves a path with ".." as it is: "link/.." is not always the folder that holds "link".
 QString absolute_name(const QString& file)
 {
     const QString name = QDir::current().absoluteFilePath(file);
@@ -48,7 +48,7 @@ QString file_of_port(const QString& port)
     return QStringLiteral("/dev/") + port;
 }
 
-/// In one pass, so that a port whose name looks like a placeholder is not expanded again.
+/// Works in one pass: a placeholder in the name of a port is not replaced.
 QString expand(const QString& text, const PortNames& names)
 {
     QString expanded;

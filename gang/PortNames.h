@@ -5,26 +5,26 @@
 namespace gang
 {
 
-/// A port as a user names it.
+/// A port and the values of its placeholders.
 struct PortNames {
-    QString path; ///< such as /dev/ttyUSB0
-    QString name; ///< fit for a file name: ttyUSB0, pts_3
-    int n = 0;    ///< its place in the list, from 1
+    QString path; ///< {port}: such as /dev/ttyUSB0
+    QString name; ///< {name}: usable in a file name, such as ttyUSB0 or pts_3
+    int n = 0;    ///< {n}: position in the list, from 1
 };
 
-/// A path that begins with "./" or "../" becomes an absolute one.
+/// Returns the names of a port. A path that starts with "./" or "../" becomes absolute.
 PortNames names_of(const QString& port, int n);
 
-/// The same file, whatever the folder in which it is used.
+/// Returns a path that leads to the same file from any working folder.
 QString absolute_name(const QString& file);
 
-/// The file of a port; one that is named without any path is in /dev.
+/// Returns the device file of a port; a bare name such as ttyUSB0 is in /dev.
 QString file_of_port(const QString& port);
 
-/// {port}, {name} and {n} in a text, replaced.
+/// Replaces {port}, {name} and {n} in a text.
 QString expand(const QString& text, const PortNames& names);
 
-/// What the system knows of the adapter on a port; empty texts for what it does not.
+/// The adapter on a port, as far as the system knows it; unknown fields are empty.
 struct Adapter {
     QString name;
     QString serial;

@@ -8,7 +8,7 @@ namespace gang
 namespace
 {
 
-/// How many of an upload's phases show progress.
+/// Returns how many phases of an upload report progress.
 int phases_of(const Settings& settings, bool certified)
 {
     const bool writes =
@@ -63,8 +63,9 @@ void PortRun::stop()
     }
 }
 
-/// A number that may have reached a device is not used for another try: the device may be another
-/// one by then.
+/// Draws a serial number unless the run has one that no device can have received. A number that may
+/// have reached a device is not used for another try, because the port may have a different device
+/// by then.
 bool PortRun::take_number()
 {
     if (m_assignment.numbers == nullptr || (m_record.number && !m_number_is_used)) {
@@ -137,7 +138,8 @@ void PortRun::begin_certification()
     launch(Step::Certification, m_command.words_to_certify(m_copies));
 }
 
-/// The frame log comes first: an option without its value at the end of the line would take it.
+/// The frame log arguments come first: at the end, an option that lacks its value would take "-x"
+/// for it.
 void PortRun::launch(Step step, const QStringList& words)
 {
     m_step = step;
@@ -176,7 +178,7 @@ void PortRun::show_progress()
 
 void PortRun::take_end(const ToolEnd& end)
 {
-    m_process.release()->deleteLater(); // it is still in its signal
+    m_process.release()->deleteLater(); // it is still emitting this signal
     m_kept.add_console(m_words, end);
     Judgement judgement = judge(end, m_settings);
     judgement.message = readable(judgement.message);
@@ -187,7 +189,7 @@ void PortRun::take_end(const ToolEnd& end)
     }
 }
 
-/// Names images as the user knows them.
+/// Replaces the names of copies with those of the user's images.
 QString PortRun::readable(QString message) const
 {
     for (auto copy = m_copies.begin(); copy != m_copies.end(); ++copy) {

@@ -16,8 +16,8 @@
 namespace gang
 {
 
-/// One device on one port, from the first try to the verdict: each try is an upload and, if it is
-/// to be certified, a verification in a process of its own.
+/// One device on one port, from the first try to the verdict. Each try is an upload and, with
+/// --certify, a verification in a zserial process of its own.
 class PortRun : public QObject
 {
     Q_OBJECT
@@ -25,23 +25,23 @@ class PortRun : public QObject
 public:
     PortRun(const Assignment& assignment, const PortNames& port);
 
-    /// Everything else comes as signals.
+    /// Starts the first try. Results arrive as signals, possibly before this returns.
     void start();
-    /// Begins no further try.
+    /// Allows no further try; a run that is pausing finishes at once.
     void try_no_more();
-    /// Ends it at once.
+    /// Kills the upload and allows no further try.
     void stop();
 
     const RunState& state() const { return m_state; }
 
 Q_SIGNALS:
     void changed();
-    /// Another try follows.
+    /// A try has failed, and another one follows.
     void failed_try(const gang::Judgement& judgement);
     void finished(const gang::RunRecord& record);
-    /// There is no serial number for a try; finished() or not_begun() follows.
+    /// No serial number is available for a try; finished() or not_begun() follows.
     void has_no_number(const QString& reason);
-    /// Nothing was done, and nothing follows.
+    /// The run has ended before its first try; no signal follows.
     void not_begun(const QString& reason);
 
 private:
@@ -74,9 +74,9 @@ private:
     QHash<QString, QString> m_copies;
     Step m_step = Step::Upload;
     QStringList m_words;
-    Settings m_settings; ///< of the process at hand
+    Settings m_settings; ///< of the current process
     Judgement m_judgement;
-    bool m_number_is_used = false; ///< it may have reached a device
+    bool m_number_is_used = false; ///< true if it may have reached a device
     bool m_last_try = false;
 };
 

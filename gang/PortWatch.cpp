@@ -11,10 +11,11 @@ namespace gang
 namespace
 {
 
-/// Not every folder reports what comes and goes in it.
+/// Polling interval; not every folder reports changes.
 constexpr int look_ms = 300;
 
-/// A new port belongs to root until its permissions are set.
+/// How long a new port may lack permissions, which are set shortly after it appears, before it is
+/// announced anyway.
 constexpr int longest_unready_ms = 2000;
 
 } // namespace
@@ -37,7 +38,8 @@ void PortWatch::release(const QString& port)
     m_in_use.remove(port);
 }
 
-/// Ports that have gone, or come back as another node of the same name, are new next time.
+/// Forgets ports that are gone or have been replaced by another node of the same name, so that they
+/// are announced again.
 void PortWatch::forget_absent(const QStringList& present)
 {
     for (auto port = m_announced.begin(); port != m_announced.end();) {
@@ -65,7 +67,7 @@ bool PortWatch::is_ready(const QString& port)
     return since.hasExpired(longest_unready_ms);
 }
 
-/// By this name or another one.
+/// True if the port has been announced or is in use, under any of its names.
 bool PortWatch::is_taken(const FileIdentity& identity) const
 {
     const auto is_same = [&identity](const FileIdentity& other) {

@@ -11,8 +11,8 @@
 namespace gang
 {
 
-/// Waits for ports that match a pattern. Each port is announced once, by one of its names, and
-/// again when it has gone and come back.
+/// Watches for ports that match a pattern. Each port is announced once, under one of its names, and
+/// again after it has been unplugged and plugged in again.
 class PortWatch : public QObject
 {
     Q_OBJECT
@@ -20,13 +20,13 @@ class PortWatch : public QObject
 public:
     explicit PortWatch(const QString& pattern);
 
-    /// Begins with the ports that are there already.
+    /// Starts watching. Announces ports that already exist first.
     void start();
-    /// An announced port is no longer in use, and may be announced again once it has been away.
+    /// Marks a port as no longer in use. Once it has been unplugged, it may be announced again.
     void release(const QString& port);
 
 Q_SIGNALS:
-    /// The port is in use from now on.
+    /// The port counts as in use until release().
     void appeared(const QString& port);
 
 private:
@@ -40,7 +40,7 @@ private:
     QTimer m_timer;
     QHash<QString, FileIdentity> m_announced;
     QHash<QString, FileIdentity> m_in_use;
-    QHash<QString, QElapsedTimer> m_unready; ///< since when ports are there that cannot be opened
+    QHash<QString, QElapsedTimer> m_unready; ///< ports without permissions, and since when
 };
 
 } // namespace gang

@@ -46,10 +46,9 @@ int run(const QStringList& command_line)
 int run_program(int argc, char** argv)
 {
     Platform::occupy_standard_descriptors();
-    // Who reads the events may go; the uploads, and their record, go on.
+    // A reader of the events may close its pipe; the uploads and their record go on.
     Platform::set_up_signals();
-    // The end of every process and each of its lines wakes the dispatcher; the plain one is
-    // cheaper.
+    // Child processes wake the event dispatcher often; Qt's own costs less than GLib's.
     qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zserial-gang"));

@@ -3,7 +3,7 @@
 namespace gang
 {
 
-/// The whole program; returns its exit status.
+/// Runs zserial-gang and returns its exit status.
 int run_program(int argc, char** argv);
 
 } // namespace gang

@@ -9,9 +9,9 @@ namespace gang
 namespace
 {
 
-/// Whether the file holds records up to the one that ends it. A file that was cut short, by a full
-/// disk say, lacks that one. The records themselves are the tool's business: what it reads from
-/// some devices overlaps.
+/// True if the file starts with a record and ends with the end record. A file cut short, for
+/// example by a full disk, lacks the end record. The records in between are not checked: for some
+/// devices, what zserial reads overlaps.
 bool is_whole(const QString& path)
 {
     QFile file(path);

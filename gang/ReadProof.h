@@ -7,14 +7,16 @@
 namespace gang
 {
 
-/// Whether a run has put a whole Intel HEX file where its read was to go. Made before the run.
+/// Checks that a run has saved what it read as a new, complete Intel HEX file. Create it before the
+/// run.
 class ReadProof
 {
 public:
     ReadProof() = default;
     explicit ReadProof(const QString& file);
 
-    /// Why not; empty if it has, or if nothing was to be read.
+    /// Returns why the file does not hold what was read; empty if it does, or if nothing was to be
+    /// read.
     QString problem() const;
 
 private:

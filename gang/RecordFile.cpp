@@ -8,7 +8,7 @@ namespace gang
 namespace
 {
 
-/// While one run is recorded.
+/// How often the file may be replaced while a run is being recorded.
 constexpr int most_replacements = 100;
 
 } // namespace
@@ -18,8 +18,7 @@ RecordFile::RecordFile(const QString& path) : m_path(path)
     const SharedFile file(path, SharedFile::Missing::Create);
 }
 
-/// The file is opened anew for each line: whoever stores it away by another name, or removes it,
-/// takes no later line with it.
+/// Opens the file for each line: a record that has been renamed or removed gets no further line.
 void RecordFile::append(const RunRecord& record)
 {
     const QByteArray line = QJsonDocument(json_of(record)).toJson(QJsonDocument::Compact);

@@ -6,14 +6,14 @@
 namespace gang
 {
 
-/// The file to which gangs append a line of JSON for each run.
+/// The file to which gangs append a line of JSON for each run; docs/production.md lists its keys.
 class RecordFile
 {
 public:
-    /// Makes the file if there is none. Throws FileError if it cannot be opened.
+    /// Creates the file if it does not exist. Throws FileError if it cannot be opened.
     explicit RecordFile(const QString& path);
 
-    /// Returns once the line is on the disk; throws FileError if it is not.
+    /// Returns once the line is on the disk. Throws FileError if it cannot be written.
     void append(const RunRecord& record);
 
 private:

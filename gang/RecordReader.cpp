@@ -14,7 +14,7 @@ namespace gang
 namespace
 {
 
-/// Nothing if it is none that a gang gives out.
+/// Returns nothing if the value is not a number that a gang gives out.
 std::optional<quint64> number_from(const QJsonValue& value)
 {
     const double number = value.toDouble(-1);
@@ -22,7 +22,7 @@ std::optional<quint64> number_from(const QJsonValue& value)
     return is_given ? std::optional(static_cast<quint64>(number)) : std::nullopt;
 }
 
-/// A line counts if it says at least how the run ended.
+/// A line counts as a record if it has a verdict.
 std::optional<RecordedRun> run_from(const QByteArray& line)
 {
     const QJsonObject json = QJsonDocument::fromJson(line).object();

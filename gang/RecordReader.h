@@ -8,7 +8,7 @@
 namespace gang
 {
 
-/// What a report needs of one line of a record.
+/// The fields of a recorded run that a report uses.
 struct RecordedRun {
     QString time;
     QString station;
@@ -23,10 +23,10 @@ struct RecordedRun {
 /// The runs of any number of record files.
 struct RecordedRuns {
     std::vector<RecordedRun> runs;
-    int skipped = 0; ///< lines that are no record, such as one that a crash has cut short
+    int skipped = 0; ///< lines that are no complete record, such as one cut short by a crash
 };
 
-/// Adds the runs of a file. Throws FileError if it cannot be read.
+/// Adds the runs of a record file to `runs`. Throws FileError if it cannot be read.
 void read_record(const QString& path, RecordedRuns& runs);
 
 } // namespace gang

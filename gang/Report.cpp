@@ -9,7 +9,7 @@ namespace gang
 namespace
 {
 
-/// Collects who has which number.
+/// Tracks which numbers are void, and why.
 class NumberAccount
 {
 public:
@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    QMap<quint64, QString> m_reasons; ///< empty: a good device has it
+    QMap<quint64, QString> m_reasons; ///< why a number is void; empty: a good device has it
 };
 
 void note_time(Report& report, const QString& time)

@@ -5,8 +5,8 @@
 namespace gang
 {
 
-/// "zserial-gang report": prints what records add up to. The words are those of the command line
-/// without "report". Returns the exit status; throws ArgumentError or FileError.
+/// Runs "zserial-gang report", which prints a report on record files. `command_line` lacks the word
+/// "report". Returns the exit status; throws ArgumentError or FileError.
 int run_report(const QStringList& command_line);
 
 } // namespace gang

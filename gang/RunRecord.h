@@ -13,30 +13,30 @@
 namespace gang
 {
 
-/// What is kept of one run: one device on one port, from the first try to the verdict.
+/// The record of one run: one device on one port, from the first try to the verdict.
 struct RunRecord {
-    QDateTime time; ///< of the beginning
+    QDateTime time; ///< when the run started
     QString station;
     QString port;
     QString adapter_name;
     QString adapter_serial;
     std::optional<unsigned short> version; ///< of the bootloader
-    QStringList arguments;                 ///< of the tool, as the user gave them
-    QString image_sha256;                  ///< of the image as it was given, in hexadecimal
+    QStringList arguments;                 ///< of zserial, as the user gave them
+    QString image_sha256;                  ///< of the image without serial number, in hexadecimal
     QString table_sha256;
     int tries = 0;
     double seconds = 0;
     Verdict verdict = Verdict::Failed;
     QString message;
     QString log;                   ///< the folder with console and frame log; empty: not kept
-    std::optional<quint64> number; ///< the serial number that the device was given
-    QVector<quint64> void_numbers; ///< those of earlier tries, which no device has for good
+    std::optional<quint64> number; ///< serial number given to the device
+    QVector<quint64> void_numbers; ///< serial numbers of earlier tries, now void
 };
 
-/// With the keys of a line of the record.
+/// Returns a line of the record; docs/production.md lists its keys.
 QJsonObject json_of(const RunRecord& record);
 
-/// "0x0110".
+/// Formats a version, such as "0x0110".
 QString version_text(unsigned short version);
 
 } // namespace gang

@@ -9,17 +9,17 @@
 namespace gang
 {
 
-/// Where a port is, for displays.
+/// The state of a port, for displays.
 struct RunState {
     enum class Phase { Waiting, Running, Writing, Verifying, Certifying, Pausing, Done, Skipped };
 
     PortNames port;
     Phase phase = Phase::Waiting;
-    int percentage = -1; ///< of the phase; -1: not known
-    double done = 0;     ///< of the whole upload, 0 to 1, as far as it shows
+    int percentage = -1; ///< progress of the phase; -1: unknown
+    double done = 0;     ///< progress of the whole upload, 0 to 1
     int attempt = 0;
     QElapsedTimer since;
-    double seconds = 0; ///< once it is done
+    double seconds = 0; ///< duration of the run, once it is done
     Verdict verdict = Verdict::Failed;
     QString message;
 

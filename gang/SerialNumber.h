@@ -7,10 +7,10 @@
 namespace gang
 {
 
-/// The largest number that every reader of a record takes without rounding.
+/// The largest number that every JSON reader takes exactly.
 constexpr quint64 largest_number = (quint64(1) << 53U) - 1;
 
-/// Where a device keeps its serial number, and how.
+/// Position and format of the serial number in an image.
 struct NumberSlot {
     enum class Format { LittleEndian, BigEndian, DecimalText };
 
@@ -19,10 +19,11 @@ struct NumberSlot {
     Format format = Format::LittleEndian;
 };
 
-/// How many bytes a number may take in this format.
+/// Returns the largest size of a slot of this format, in bytes.
 int largest_size(NumberSlot::Format format);
 
-/// The bytes of a number: binary, or decimal digits with leading zeros. Nothing if it does not fit.
+/// Returns a number as bytes: binary, or decimal digits with leading zeros. Nothing if it does not
+/// fit.
 std::optional<QByteArray> bytes_of(quint64 number, const NumberSlot& slot);
 
 } // namespace gang

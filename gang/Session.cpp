@@ -20,7 +20,8 @@ namespace gang
 namespace
 {
 
-/// The tool beside this program, or the one that a shell would find.
+/// Returns the path of zserial: the one given with --zserial, or else the one next to this program,
+/// or else the one on the PATH.
 QString tool_for(const Arguments& arguments)
 {
     if (!arguments.tool.isEmpty()) {
@@ -106,7 +107,7 @@ void Session::prepare_numbers()
 
 int Session::run()
 {
-    // From here on nothing waits for anybody, and a stop is asked of the uploads.
+    // Nothing blocks from here on, so requests to stop can be handled by the event loop.
     m_signals.emplace();
     m_display = display_for(m_arguments);
     m_crew = std::make_unique<Crew>(*m_assignment, m_record ? &*m_record : nullptr, *m_display);
@@ -145,7 +146,7 @@ void Session::take_stop()
     }
 }
 
-/// From within the event loop, which would not notice that it has to end before it has begun.
+/// Queued: a call of quit() before exec() would be lost.
 void Session::end_if_idle()
 {
     const bool waits_for_ports = m_watch && !m_crew->is_winding_down();
@@ -154,7 +155,8 @@ void Session::end_if_idle()
     }
 }
 
-/// A watch ends in no other way than by being stopped.
+/// A request to stop is the normal end of a watch; it counts as an interruption only if it killed
+/// an upload.
 int Session::status() const
 {
     const Tally tally = m_crew->tally();

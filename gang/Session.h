@@ -18,17 +18,22 @@
 namespace gang
 {
 
-/// How the program ends.
+/// The exit statuses of zserial-gang.
 enum ExitStatus : int { ExitAllOk = 0, ExitSomeNot = 1, ExitNotStarted = 2, ExitInterrupted = 3 };
 
-/// One invocation: from the arguments to the exit status.
+/// One invocation of zserial-gang, from the arguments to the exit status. It checks everything that
+/// needs no device; then a Crew starts a PortRun for each device, which runs zserial processes.
+/// Table and images are read once, before the first upload, so that all devices get the same data;
+/// a verdict is shown only after it has been recorded on the disk. docs/production.md documents the
+/// formats of events, records, reports and the serial file.
 class Session : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Checks everything that can be checked before any device is touched. Throws ArgumentError or
-    /// FileError.
+    /// Checks the arguments, reads the table and the images, and opens the record and the serial
+    /// file, without touching a device. `arguments` must outlive the session. Throws ArgumentError
+    /// or FileError.
     explicit Session(const Arguments& arguments);
 
     int run();
@@ -50,10 +55,10 @@ private:
     std::unique_ptr<Crew> m_crew;
     std::unique_ptr<PortWatch> m_watch;
     QStringList m_troubles;
-    int m_stops = 0; ///< how often somebody asked the gang to end
+    int m_stops = 0; ///< number of requests to stop
 };
 
-/// Prints a line on standard error.
+/// Prints a line to standard error, prefixed with the program name.
 void complain(const QString& text);
 
 } // namespace gang

@@ -9,23 +9,23 @@
 namespace gang
 {
 
-/// A file that cannot be used; what() names it and says why.
+/// A file cannot be used; what() names it and explains why.
 class FileError : public std::runtime_error
 {
 public:
     explicit FileError(const QString& text) : std::runtime_error(text.toStdString()) {}
 };
 
-/// A text file of whole lines to which several processes append. The system holds its lock for the
-/// open file, so a process that is killed leaves no lock behind.
+/// A text file to which several processes append whole lines. Its lock belongs to the open file, so
+/// the system releases it when a process is killed.
 class SharedFile
 {
 public:
-    /// Holds the file locked as long as it lives.
+    /// Locks the file for the lifetime of the object.
     class Lock
     {
     public:
-        /// Waits for the others. Throws FileError if one of them does not let go for ten seconds.
+        /// Waits for the lock. Throws FileError if another program holds it for ten seconds.
         explicit Lock(SharedFile& file);
         ~Lock();
         Lock(const Lock&) = delete;
@@ -42,23 +42,23 @@ public:
 
     const QString& path() const { return m_path; }
 
-    /// All of it from a position on. Throws FileError, also if there is less by now. Needs the
-    /// lock.
+    /// Returns the contents from byte `position` on. Throws FileError if they cannot be read or the
+    /// file has become shorter. Needs the lock.
     QByteArray read_from(qint64 position);
 
-    /// Appends a line, given without its line end, and returns once it is on the disk. What a
-    /// killed or failed writer left without a line end becomes a line of its own. Throws FileError
-    /// if the line is not on the disk as a whole, and takes back what was written of it. Needs the
-    /// lock.
+    /// Appends a line, passed without its line end, and returns once it is on the disk. An
+    /// incomplete last line, left by a killed or failed writer, becomes a line of its own. If the
+    /// line cannot be written as a whole, removes what was written of it and throws FileError.
+    /// Needs the lock.
     void append(const QByteArray& line);
 
-    /// Removes everything from a position on. Needs the lock.
+    /// Truncates the file to `position` bytes. Throws FileError. Needs the lock.
     void cut(qint64 position);
-    /// Ends a last line that has no line end. Needs the lock.
+    /// Terminates an incomplete last line. Throws FileError. Needs the lock.
     void end_line();
-    /// The name still leads to this file.
+    /// True if the name still leads to this file.
     bool has_its_name() const;
-    /// Throws FileError if the name leads to another file by now, or to none.
+    /// Throws FileError if the name no longer leads to this file.
     void require_same_file() const;
 
 private:

@@ -52,7 +52,7 @@ const char* colour_of(const RunState& state)
     return state.phase == RunState::Phase::Pausing ? yellow : no_colour;
 }
 
-/// "9.9 s", "1:05".
+/// Formats a duration, such as "9.9 s" or "1:05".
 QString time_text(double seconds)
 {
     if (seconds < 60) {
@@ -70,7 +70,7 @@ double elapsed_of(const RunState& state)
     return state.since.isValid() ? static_cast<double>(state.since.elapsed()) / 1000.0 : 0;
 }
 
-/// How long the whole upload will have taken, by its own pace if no other is known.
+/// Returns the expected duration of the whole upload, from its own pace if no other is known.
 QString expected_text(const RunState& state, double expected_s)
 {
     constexpr double enough = 0.05;
@@ -100,7 +100,7 @@ QString percent_text(const RunState& state)
     return QStringLiteral("%1%").arg(static_cast<int>(state.done * 100));
 }
 
-/// Cut at the end, with a sign that it was.
+/// Pads a text to a width, or cuts off its end and marks the cut.
 QString fitted(const QString& text, int width)
 {
     if (text.size() <= width) {
@@ -109,7 +109,7 @@ QString fitted(const QString& text, int width)
     return text.left(width - 1) + QLatin1Char('~');
 }
 
-/// A long name shows its end, which tells ports apart.
+/// Pads a name to a width, or cuts off its start: the end tells ports apart.
 QString fitted_name(const QString& name, int width)
 {
     if (name.size() <= width) {
@@ -135,7 +135,7 @@ QString verdict_text(const RunState& state)
     return text.simplified();
 }
 
-/// Failed, then running, then waiting, then ok; each as they were named.
+/// Sort key: failed, active, not started, ok.
 int rank(const RunState& state)
 {
     if (state.is_failed()) {
@@ -207,7 +207,7 @@ QString table_line(const RunState& state, const TableLook& look, double expected
                            QLatin1Char(' ') + bar(state, bar_width(look.columns)) +
                            percent_text(state).rightJustified(5) + QLatin1Char(' ') + times +
                            QLatin1Char(' ');
-    // The last column stays free: some terminals go to the next line when it is written.
+    // The last column stays empty: some terminals wrap when it is written.
     const int rest = look.columns - 1 - before.size();
     if (rest < 1) {
         return before.left(std::max(0, look.columns - 1));

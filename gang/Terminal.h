@@ -8,12 +8,12 @@ struct TerminalSize {
     int lines = 24;
 };
 
-/// Standard output is a terminal on which a screen can be drawn.
+/// True if standard output is a terminal that can be drawn on.
 bool has_terminal();
-/// The user has asked for no colours.
+/// True if NO_COLOR is set.
 bool wants_no_colour();
 TerminalSize terminal_size();
-/// Standard output takes something now; nobody has stopped it, and its reader keeps up.
+/// True if standard output accepts data now: it is not stopped, and its reader keeps up.
 bool takes_output();
 
 } // namespace gang

@@ -60,7 +60,7 @@ void ToolCommand::take_words(const QStringList& arguments)
     }
 }
 
-/// The file of an option is the last of its own words.
+/// The last word of an option is its file, if it takes one.
 void ToolCommand::take_option(const QStringList& own_words)
 {
     static const QHash<QString, Role> files = {
@@ -113,7 +113,7 @@ QString ToolCommand::written_image() const
                                                                     : QString();
 }
 
-/// With "-wv" nothing is read, whatever else is asked for.
+/// With "-wv", zserial reads nothing into a file, whatever else is given.
 QString ToolCommand::read_file() const
 {
     return m_settings.write_and_verify_wanted ? QString() : m_settings.read_file;

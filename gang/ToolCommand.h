@@ -12,39 +12,41 @@
 namespace gang
 {
 
-/// The arguments of the tool for one port: placeholders replaced, file names absolute, and every
-/// word known by what it is to the tool.
+/// The arguments of zserial for one port, with placeholders replaced, file names absolute, and the
+/// role of each word known.
 class ToolCommand
 {
 public:
-    /// Throws ArgumentError if the tool would refuse these arguments.
+    /// Throws ArgumentError if zserial would refuse these arguments.
     ToolCommand(const QStringList& arguments, const PortNames& port);
 
     const PortNames& port() const { return m_port; }
 
     const Settings& settings() const { return m_settings; }
 
-    /// The images that the tool loads, without the file that it reads into itself.
+    /// Returns the images that zserial loads, except a file that it reads from the device in the
+    /// same run.
     QStringList images() const;
-    /// The image that it writes; empty if it writes none.
+    /// Returns the image that zserial writes to the device; empty if there is none.
     QString written_image() const;
-    /// The file of a read; empty if there is none.
+    /// Returns the file to save a read to; empty if there is none.
     QString read_file() const;
-    /// Whether it is asked for a frame log, be it one without a name.
+    /// True if "-x" is given, even with an empty name.
     bool has_frame_log() const;
-    /// The files that it writes on this machine: that of a read, and the frame log.
+    /// Returns the files that zserial writes: that of a read and the frame log.
     QStringList outputs() const;
 
-    /// Words that the tool passes over, and operations that it does not carry out: most likely not
-    /// what was meant.
+    /// Returns words that zserial ignores and operations that it does not carry out, one line each.
+    /// They are most likely mistakes.
     QStringList doubts() const;
 
-    /// The words to start the tool with; `copies` names the files to use in place of images.
+    /// Returns the arguments to start zserial with. `copies` maps images to the files to use
+    /// instead.
     QStringList words(const QHash<QString, QString>& copies) const;
-    /// The same without the reset at the end.
+    /// Same as words(), without the reset at the end.
     QStringList words_without_reset(const QHash<QString, QString>& copies) const;
-    /// A run that finds out the version and verifies the written image, then resets if that is
-    /// wanted.
+    /// Returns the arguments for a run that asks for the version, verifies the written image and
+    /// then, if requested, resets the device.
     QStringList words_to_certify(const QHash<QString, QString>& copies) const;
 
 private:
@@ -64,7 +66,8 @@ private:
     Settings m_settings;
 };
 
-/// The settings that the tool takes from these words. Throws ArgumentError if it would refuse them.
+/// Returns the settings that zserial takes from these words. Throws ArgumentError if it would
+/// refuse them.
 Settings settings_from(const QStringList& words);
 
 } // namespace gang

@@ -6,19 +6,19 @@
 namespace gang
 {
 
-/// How a process of the tool ended, and what it printed.
+/// How a zserial process ended, and what it printed.
 struct ToolEnd {
     enum class How {
-        Exited,     ///< by itself, with `code` as its status
-        Signalled,  ///< of the signal `code` that the gang did not send
-        NotStarted, ///< never ran; `reason` says why
-        TimedOut,   ///< ended by the gang after its time limit
-        Stopped,    ///< ended by the gang because the user asked for it
+        Exited,     ///< with status `code`
+        Signalled,  ///< by signal `code`, which the gang did not send
+        NotStarted, ///< `reason` says why
+        TimedOut,   ///< killed at its time limit
+        Stopped,    ///< killed at the user's request
     };
 
     How how = How::Exited;
     int code = 0;
-    QByteArray out; ///< standard output; of progress lines in a row only the last
+    QByteArray out; ///< standard output; of consecutive progress lines only the last
     QByteArray err; ///< standard error
     QString reason;
 };

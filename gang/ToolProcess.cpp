@@ -15,7 +15,8 @@ namespace
 
 constexpr int look_ms = 200;
 
-/// Without the settings that make Qt's debug channel look different, or go elsewhere.
+/// Returns the environment without settings that change the format or the target of Qt's debug
+/// output, which is judged.
 QProcessEnvironment environment()
 {
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
@@ -74,8 +75,8 @@ void ToolProcess::stop()
     kill(ToolEnd::How::Stopped, QStringLiteral("ended by the user"));
 }
 
-/// The tool may be a script that runs the real one. The group is not there yet for an instant after
-/// the start.
+/// Kills the whole group, because zserial may be started by a script, and the process itself,
+/// because the group does not exist yet right after the start.
 void ToolProcess::kill_all()
 {
     if (m_process.processId() > 0) {
@@ -84,7 +85,7 @@ void ToolProcess::kill_all()
     m_process.kill();
 }
 
-/// A process that has ended before the signal reaches it is judged by its own end.
+/// A process that ends before the signal reaches it is judged by its own status.
 void ToolProcess::kill(ToolEnd::How how, const QString& reason)
 {
     m_end.how = how;

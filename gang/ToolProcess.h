@@ -11,35 +11,35 @@
 namespace gang
 {
 
-/// One process of the tool. Ctrl-C at the terminal does not reach it.
+/// A zserial process. Ctrl-C at the terminal does not reach it.
 class ToolProcess : public QObject
 {
     Q_OBJECT
 
 public:
     ToolProcess();
-    /// Kills the process if it still runs.
+    /// Kills the process if it is still running.
     ~ToolProcess() override;
 
-    /// Starts the tool in a folder; `limit_ms` 0 is no limit. Everything else comes as signals.
+    /// Starts zserial in `folder`; `limit_ms` 0 is no time limit. Results arrive as signals.
     void start(const QString& program, const QStringList& arguments, const QString& folder,
                int limit_ms);
-    /// Ends it at once.
+    /// Kills the process and all that it has started.
     void stop();
 
-    /// What has come from it so far.
+    /// Returns the standard output so far.
     const ConsoleText& out() const { return m_out; }
 
     const QByteArray& err() const { return m_err; }
 
 Q_SIGNALS:
     void printed();
-    /// It has ended, or could not be started.
+    /// The process has ended or could not be started.
     void ended(const gang::ToolEnd& end);
 
 private:
-    /// Takes the process out of the reach of the terminal's signals, and of the mask that the gang
-    /// receives its own with.
+    /// Puts the process into a process group of its own, which signals of the terminal do not
+    /// reach, and resets the signal mask that the gang uses for its own signals.
     class Child : public QProcess
     {
     protected:
@@ -54,7 +54,7 @@ private:
 
     Child m_process;
     OutputPipe m_pipe;
-    QTimer m_look; ///< at what it has printed
+    QTimer m_look; ///< polls the output
     QTimer m_limit;
     ConsoleText m_out;
     QByteArray m_err;

@@ -12,7 +12,7 @@ namespace Platform
 namespace
 {
 
-/// More than anybody links one to the other; also the end of links that lead in a circle.
+/// Longer than any real chain of links; ends the search in a circular one.
 constexpr int longest_chain = 40;
 
 } // namespace
@@ -41,7 +41,8 @@ QString file_key(const QString& path)
     if (::stat(QFile::encodeName(path).constData(), &status) == 0) {
         return QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino);
     }
-    return link_chain(path).last(); // begins with a slash
+    // Starts with a slash, so it differs from every key above.
+    return link_chain(path).last();
 }
 
 } // namespace Platform

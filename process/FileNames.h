@@ -6,16 +6,17 @@
 namespace Platform
 {
 
-/// The path without links in its folders, whether the file is there or not.
+/// Returns the absolute path with all links in its folders resolved. The file itself need not
+/// exist; if it is a link, it is not followed.
 QString place_of(const QString& path);
 
-/// The places of a path and of what it leads to from link to link. The last is where writing would
-/// end, whether the file is there or not.
+/// Returns place_of() of the path and of every link that it leads through. The last element is the
+/// file that writing to the path would change or create. The chain of a circular link is cut off.
 QStringList link_chain(const QString& path);
 
-/// A text that all names of one file have in common and no other file has: through links, hard
-/// links and links to its folder, whether the file is there or not. It may change when the file is
-/// made or removed.
+/// Returns a key that is the same for all names of one file (links, hard links, links to its
+/// folder) and different for any other file. The file need not exist; the key may change when it is
+/// created or removed.
 QString file_key(const QString& path);
 
 } // namespace Platform

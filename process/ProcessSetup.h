@@ -3,12 +3,12 @@
 namespace Platform
 {
 
-/// Makes the process independent of the signal settings that it inherits: the end of a child is
-/// always noticed, and neither a pipe without a reader nor a file at its size limit ends the
-/// process; writing fails instead.
+/// Overrides inherited signal settings: the exit of a child process is always noticed, and writing
+/// to a pipe without a reader or to a file at its size limit fails instead of ending the process.
 void set_up_signals();
 
-/// Gives a child process the signals that programs expect. Safe between fork and exec.
+/// Restores the signal settings that programs expect in a child process. Safe to call between fork
+/// and exec.
 void restore_signals();
 
 } // namespace Platform

@@ -12,7 +12,7 @@ namespace Platform
 namespace
 {
 
-/// Whether the signal is ignored, as under nohup.
+/// True if the signal is ignored, as under nohup.
 bool is_ignored(int signal)
 {
     struct sigaction action {

@@ -8,17 +8,16 @@
 namespace Platform
 {
 
-/// Turns signals into events: SIGINT, SIGTERM and, unless it is ignored already, SIGHUP; and the
-/// one that reports another size of the terminal. From its construction on none of them ends the
-/// process, so make one before announcing anything that somebody might stop, but after whatever may
-/// take for ever, such as reading a pipe. When it goes they end the process again; those that have
-/// come before that are forgotten.
+/// Turns SIGINT, SIGTERM, SIGHUP (unless it is ignored) and SIGWINCH into Qt signals. As long as
+/// the object exists, none of them ends the process: create it before starting work that a user may
+/// want to stop, but after anything that may block forever, such as reading a pipe. The destructor
+/// discards pending signals and restores the previous signal mask.
 class SignalEvents : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Throws std::system_error when the system gives no descriptor for the signals.
+    /// Throws std::system_error if the system provides no descriptor for signals.
     SignalEvents();
     ~SignalEvents() override;
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures the uploader's speed against other programs and prints a line for every goal; takes about
-# 20 minutes on an idle machine. The figures are written to docs/performance.md. With --short: less
-# than a minute, fewer figures, no error for a goal that is not met, and the page is not changed.
+# Compares the speed of the uploader with other programs and prints a line for every goal; takes about
+# 20 minutes on an idle machine. Writes the figures to docs/performance.md. With --short: takes less
+# than a minute, measures less, accepts goals that are not met and leaves the page unchanged.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Checks documents: runs their command lines on simulated devices, or follows their links, or
-compares the list of messages with the sources and with the page that explains them.
+"""Checks documents: runs their command lines on simulated devices, follows their links, or compares
+the list of messages with the sources and with the page that explains them.
 
     scripts/check_documents.py commands --programs build/release docs/user-guide.md ...
     scripts/check_documents.py links
     scripts/check_documents.py messages
 
-Without names of documents, all documents of the tree are checked."""
+By default, all documents of the tree are checked."""
 
 import argparse
 import pathlib

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks that the uploader, in FOLDER (this tree unless given), includes headers of the operating system
-# in one source only, and there only under Q_OS_UNIX, and asks for the system nowhere else.
+# Checks that the uploader in FOLDER (default: this tree) includes headers of the operating system in one
+# source only, and there only under Q_OS_UNIX, and depends on the operating system nowhere else.
 set -euo pipefail
 cd "${1:-$(dirname "$0")/..}"
 
@@ -8,7 +8,7 @@ folders=(util profile memory device app)
 platform=util/Platform.cpp
 status=0
 
-# Headers of the language and of Qt have no ".h".
+# Standard library and Qt headers have no ".h".
 if grep -rnE '^[[:space:]]*#[[:space:]]*include <[^>]*\.h>' --include='*.cpp' --include='*.h' \
     "${folders[@]}" | grep -v "^$platform:"; then
     echo "Only $platform may include headers of the operating system." >&2

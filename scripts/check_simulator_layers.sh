@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Checks that each folder of the simulator includes only headers of the folders below it and of the
-# shared libraries.
+# Checks that each folder of the simulator includes only headers from lower layers and from the shared
+# libraries.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 layers=(line device faults rig program)
 status=0
 
-# Prints the includes in a folder that are not allowed; allowed is an extended regular expression.
+# Reports includes in a folder that do not match "allowed", an extended regular expression.
 refuse_all_but() {
     local folder=$1 allowed=$2
     if grep -rnE '^#include "' "$folder" | grep -vE "#include \"($allowed)/"; then
@@ -23,7 +23,7 @@ for layer in "${layers[@]}"; do
     refuse_all_but "sim/$layer" "$allowed"
 done
 
-# Files outside these folders would not be checked.
+# Files outside of these folders would escape the check.
 if find sim -name '*.cpp' -o -name '*.h' | grep -vE "^sim/($(IFS='|' && echo "${layers[*]}"))/[^/]+$"; then
     echo "The files above belong in one of the simulator's folders." >&2
     status=1

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Checks that every test which docs/traceability.md names exists, and that a "—", which stands where no
-# test holds a behaviour, is followed by the reason.
+# Checks that every test named in docs/traceability.md exists, and that every "—", which marks behaviour
+# without a test, is followed by the reason.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-# Only the tables name tests; whole suites stand there for all of their tests.
+# Only tables name tests. The name of a suite stands for all of its tests.
 rows=$(grep '^| ' docs/traceability.md)
 names=$(grep -oE '`[A-Z][A-Za-z0-9]*\.[A-Za-z][A-Za-z0-9_]*`' <<<"$rows" | sed 's/`//g')
 suites=$(grep -oE 'the suites? `[A-Za-z0-9]+`(, `[A-Za-z0-9]+`)*' <<<"$rows" |
@@ -15,12 +15,12 @@ if grep -E '\|[[:space:]]*(—[[:space:]]*)?\|$' <<<"$rows"; then
     exit 1
 fi
 
-# Joined into one line, because a long name may stand on a line of its own.
+# Joined into one line, because a long name may be on a line of its own.
 tests=$(find tests -name '*.cpp' -exec cat {} + | tr '\n' ' ' |
     grep -oE '\bTEST(_F|_P)?\( *[A-Za-z0-9_]+, *[A-Za-z0-9_]+ *\)' |
     sed -E 's/^[A-Z_]+\( *//; s/, */./; s/ *\)$//')
 
-# Tests that are scripts.
+# Scripts that are tests.
 while read -r name; do
     if ! grep -qE "^zserial_packaging_(test|check)\($name " tests/packaging/CMakeLists.txt; then
         echo "docs/traceability.md names packaging.$name, which does not exist." >&2

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the tables of docs/costs.md: what runs cost, as `zserial-inspect plan` counts it.
+"""Writes the tables of docs/costs.md: the costs of runs, as calculated by `zserial-inspect plan`.
 
-    scripts/costs.py --programs build/release            # write them again
-    scripts/costs.py --programs build/release --check    # are they still what is counted?"""
+    scripts/costs.py --programs build/release            # update the tables
+    scripts/costs.py --programs build/release --check    # check that they are up to date"""
 
 import argparse
 import json
@@ -19,7 +19,7 @@ DEVICE, VERSION, RATE = "LARK-32", "0110", "115200"
 FLASH_START = 0x800
 RATES = (9600, 38400, 115200, 460800)
 SIZES_KIB = (4, 15, 30)
-#: Name, arguments, and whether the device holds the image before.
+#: Name, arguments, and whether the device already holds the image.
 RUNS = (
     ("`-e -w FILE`", "-e -w image.hex", False),
     ("`-e -w FILE -v FILE`", "-e -w image.hex -v image.hex", False),
@@ -37,14 +37,14 @@ def record(address, data, kind=0):
 
 
 def image(size):
-    """A file of so many bytes from the start of flash, of any values."""
+    """Returns an Intel HEX file with `size` random bytes from the start of flash on."""
     data = random.Random(1).randbytes(size)
     lines = (record(FLASH_START + place, data[place:place + 16]) for place in range(0, size, 16))
     return "".join(lines) + record(0, b"", 1)
 
 
 def plan(programs, folder, rate, size, arguments, holds_it):
-    """What the inspector plans for one run."""
+    """Returns the plan of zserial-inspect for one run."""
     table = (SOURCE / "examples" / "device.txt").read_text(encoding="utf-8")
     row, = (line for line in table.split("\n") if DEVICE in line and line.startswith("v"))
     (folder / "device.txt").write_text(row.replace(RATE, str(rate), 1) + "\n", encoding="utf-8")

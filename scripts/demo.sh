@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the programs and programs a sample image into a simulated device over a serial line.
+# Builds zserial and programs a sample image into a simulated device over a serial line.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

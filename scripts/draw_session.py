@@ -2,8 +2,8 @@
 """Draws docs/session.svg: a terminal in which an image is inspected and programmed into a simulated
 device. The text is that of a real run.
 
-    scripts/draw_session.py --programs build/release            # draw it again
-    scripts/draw_session.py --programs build/release --check    # is it still what is printed?"""
+    scripts/draw_session.py --programs build/release            # update the picture
+    scripts/draw_session.py --programs build/release --check    # check that it is up to date"""
 
 import argparse
 import html
@@ -39,7 +39,7 @@ text {{ font: 12px monospace; fill: #24292e; white-space: pre }}
 
 
 def printed(command, programs):
-    """What a command prints, as it looks in the end."""
+    """Returns the lines that a command leaves on the screen."""
     environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}", NO_COLOR="1")
     run = subprocess.run(command.split(), cwd=SOURCE / "examples", env=environment, check=True,
                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
@@ -48,7 +48,7 @@ def printed(command, programs):
 
 
 def session(programs):
-    """The lines on the terminal; commands begin with a prompt."""
+    """Returns the lines on the terminal; commands start with a prompt."""
     lines = []
     for command in COMMANDS:
         lines += ["$ " + command, *printed(command, programs), ""]

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs every fuzz target for SECONDS (300 unless given), two at a time. A finding is kept as a file in
+# Runs every fuzz target for SECONDS (default: 300), two at a time. A finding is saved as a file in
 # build/fuzz/fuzz and makes the script fail. To replay it, pass the file to its target.
 set -euo pipefail
 cd "$(dirname "$0")/.."

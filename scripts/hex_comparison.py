@@ -1,4 +1,4 @@
-"""Loads damaged and unusual Intel HEX files with several tools and prints the outcomes as a table.
+"""Loads damaged and unusual Intel HEX files with several tools and prints the results as a table.
 
 Every file holds the bytes 01 02 03 04 at 0x80, called A, and 05 06 07 08 at 0xA0, called B, unless
 its name says otherwise. Usage: hex_comparison.py FOLDER, where FOLDER holds the zserial and
@@ -33,7 +33,7 @@ END = record(1, 0)
 
 
 def files():
-    """The name of each case and the text of its file."""
+    """Returns the name of each case and the contents of its file."""
     plain = FIRST + SECOND + END
     return [
         ("nothing wrong", plain),
@@ -95,7 +95,7 @@ def make_file(path, text):
 
 
 def load(path):
-    """The bytes of a file written by a tool, by address."""
+    """Returns the bytes of a file that a tool has written, by address."""
     upper, image = 0, {}
     for line in path.read_text().split():
         content = bytes.fromhex(line[1:])
@@ -108,7 +108,7 @@ def load(path):
 
 
 def place(image, piece, name):
-    """Removes a piece from an image, wherever it lies, and says where it was."""
+    """Removes a piece from an image, at whatever address, and returns where it was."""
     start, data = min(piece), [piece[address] for address in sorted(piece)]
     for base in sorted(image, key=lambda address: (address != start, address)):
         if [image.get(base + i) for i in range(len(data))] == data:
@@ -126,7 +126,7 @@ def describe(image):
 
 
 class Run:
-    """A process within the limits of time and memory."""
+    """A process with limited time and memory."""
 
     def __init__(self, command, folder):
         started = time.monotonic()
@@ -150,7 +150,7 @@ class Run:
 
 
 class Zserial:
-    """Writes to a simulated device, so only data that lie in that device show."""
+    """Writes to a simulated device, so only data within its memory is seen."""
 
     name = "zserial"
 
@@ -219,7 +219,7 @@ def tools(folder):
 
 
 def outcome(tool, case, text):
-    """One cell of the table."""
+    """Returns one cell of the table."""
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         source, target = folder / "image.hex", folder / "out.hex"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Loads damaged and unusual Intel HEX files with zserial and with other tools, and prints the
-# outcomes as a table.
+# Loads damaged and unusual Intel HEX files with zserial and with other tools, and prints the results as
+# a table.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Checks the format of all sources, and runs clang-tidy and shellcheck over them. With arguments,
-# only the files and folders named. What clang-tidy has passed it is not asked again until that file,
-# any header or the settings change.
+# Checks the format of all sources and runs clang-tidy and shellcheck on them. With arguments, checks only
+# these files and folders. Once a file has passed clang-tidy, it is not checked again until the file, any
+# header or the settings change.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 export passed=build/lint/passed
 export settings
 
-# The files of the tree whose names match, in the files and folders named.
+# Prints the files of the tree that match a pattern, within the given files and folders.
 sources() {
     git ls-files -z --cached --others --exclude-standard -- "${@:2}" | { grep -zE "$1" || true; }
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Changes one token of the product at a time, in a copy of the tree, and lists the changes that no
-test notices. The same seed chooses the same changes of the same sources. Results are kept: a
-repeated call continues where the last one ended."""
+test detects. The same seed selects the same changes of the same sources. Results are saved: a
+repeated call continues where the last one stopped."""
 
 import argparse
 import json
@@ -38,7 +38,7 @@ def parse_arguments():
 
 
 def chosen(arguments):
-    """In random order, so that the first part of the list is also a sample."""
+    """Returns the mutants in random order, so that the start of the list is a sample, too."""
     patterns = ["*.cpp", "*.h"] if arguments.headers else ["*.cpp"]
     paths = [SOURCE / file for file in arguments.file or []] or sorted(
         path for folder in arguments.folder or TESTS for pattern in patterns
@@ -60,7 +60,7 @@ class Results:
                          for entry in map(json.loads, lines)}
 
     def get(self, mutant, programs, find_out):
-        """Remembered, or else found out, printed and kept."""
+        """Returns a saved outcome, or else calls `find_out`, prints its outcome and saves it."""
         at = (mutant.key, programs)
         if at not in self.outcomes:
             outcome = self.outcomes[at] = find_out()
@@ -86,12 +86,12 @@ class Campaign:
         return self.results.get(mutant, programs, find_out)
 
     def try_own_tests(self, mutants, count):
-        """The mutants tried, with their outcomes; those that do not compile do not count."""
+        """Returns the outcomes by mutant; mutants that do not compile do not count."""
         tried = {}
         left = list(mutants)
         while left and len(tried) < count:
             missing = count - len(tried)
-            # One source after the other, because its last change has to be undone, too.
+            # Sorted by source: the last change of a source has to be undone and built, too.
             batch = sorted(left[:missing], key=lambda each: (each.path, each.start))
             left = left[missing:]
             for mutant in batch:
@@ -102,7 +102,7 @@ class Campaign:
         return tried
 
     def try_other_tests(self, tried):
-        """Replaces what the tests of the folder do not notice by what all others make of it."""
+        """Tries mutants that survive the tests of their folder with all other tests."""
         survivors = [mutant for mutant, outcome in tried.items() if outcome.end is End.SURVIVED]
         labels = self.tree.all_labels() if survivors else []
         for mutant in survivors:

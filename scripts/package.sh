@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the source archive and, from it, the Debian packages, in FOLDER (build/package unless given).
+# Creates the source archive and, from it, the Debian packages, in FOLDER (default: build/package).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -12,7 +12,7 @@ cmake -S . -B "$folder/archive" -G Ninja
 cpack --config "$folder/archive/CPackSourceConfig.cmake" -B "$folder"
 tar -C "$folder" -xf "$folder"/zserial-*.tar.gz
 
-# As Debian builds its own packages, except for what only debuggers read.
+# Builds with the flags of Debian's own packages, but without debug information.
 eval "$(DEB_BUILD_MAINT_OPTIONS=hardening=+all DEB_CXXFLAGS_MAINT_STRIP=-g \
     dpkg-buildflags --export=sh)"
 cmake -S "$folder"/zserial-*/ -B "$folder/obj" -G Ninja \

@@ -1,6 +1,6 @@
 # shellcheck shell=bash disable=SC2034  # the scripts that source this use the lists
-# Sourced by the other scripts: installs the Debian packages that are missing, as root or through
-# sudo. A machine that has them all is left alone.
+# Sourced by the other scripts: installs missing Debian packages, as root or with sudo. Does nothing if
+# all of them are installed.
 
 install_packages() {
     local missing=() package

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs zserial against simulated devices on lines that damage, lose, delay and duplicate data, and
-compares what it claims with what the devices hold. scripts/reliability.sh builds the
-programs and calls this."""
+compares what it reports with what the devices hold. scripts/reliability.sh builds the programs and
+calls this script."""
 
 import argparse
 import concurrent.futures
@@ -21,7 +21,7 @@ from campaign.sections import SECTIONS
 from campaign.verdict import Cause, End
 
 ALL = [*SECTIONS, "cases", "load"]
-MARKER = ".files-of-reliability"  # marks a folder whose content may be removed
+MARKER = ".files-of-reliability"  # marks a folder whose contents may be removed
 
 
 def parse_arguments():
@@ -57,11 +57,11 @@ class Campaign:
                                         ("zserial", "zserial-sim", "zserial-gang")))
         self.folder = arguments.folder.resolve()
         self.circumstances = conditions.text(SOURCE)
-        self.complaints = []  # about the tool or the campaign itself
+        self.complaints = []  # about zserial or the campaign itself
         self.unharmed = []  # verdicts on runs that met no fault
         self.tables = {}  # in Markdown, by the name of the section
         self.pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
-        # Runs on larger devices keep the processors busy; those on small ones mostly wait.
+        # Runs on larger devices load the processors; those on small ones mostly wait.
         self.busy_pool = concurrent.futures.ThreadPoolExecutor(max(1, arguments.jobs // 2))
 
     def carry_out(self, run, slow=False):
@@ -69,7 +69,7 @@ class Campaign:
         return self.finish(verdict.judge(run, outcome, slow))
 
     def carry_out_case(self, case):
-        """Returns the verdict, and whether the tool gave up waiting for an answer that was sent."""
+        """Returns the verdict, and whether zserial gave up waiting for an answer that was sent."""
         run = case.run(self.arguments.seed)
         outcome = runs.execute(run, self.programs, self.folder / run.key)
         gave_up = outcome.gave_up_waiting()
@@ -82,7 +82,7 @@ class Campaign:
         return result
 
     def start(self, name):
-        """Submits the runs of a section; they begin as soon as there is room for them."""
+        """Submits the runs of a section; they start as soon as the pools have room."""
         return [(row, self.start_row(row)) for row in SECTIONS[name].rows(self.arguments.smoke)]
 
     def start_row(self, row):
@@ -127,8 +127,9 @@ class Campaign:
             self.complaints.append("cases: none could be judged")
 
     def judge(self, case, result, gave_up):
-        """Whether the case could be judged. It cannot when an unintended late answer has moved its
-        faults to other commands. Cases with intended late answers need a quick machine and always can."""
+        """Returns whether the case could be judged. It cannot if an unintended late answer has moved
+        its faults to other commands. Cases with intended late answers require a fast machine and are
+        always judged."""
         judged = case.needs_quick_machine or not gave_up
         self.add("cases", tables.CASES_HEAD, tables.case_line(case, result, judged))
         if judged and (result.end, result.cause) != (case.end, case.cause):
@@ -136,7 +137,7 @@ class Campaign:
         return judged
 
     def add(self, name, head, line):
-        """Prints a line, and keeps it for the page."""
+        """Prints a line and adds it to a table of the page."""
         print(line, flush=True)
         self.tables[name] = self.tables.get(name, head) + "\n" + line
 
@@ -176,8 +177,8 @@ def report(strays):
 
 
 def empty(folder):
-    """Leaves an empty folder with the campaign's marker; ends the program if the folder holds other
-    files. The marker stays, so that an interrupted call can be repeated."""
+    """Empties a folder except for the marker, so that an interrupted call can be repeated. Exits if
+    the folder has files but no marker."""
     marker = folder / MARKER
     if folder.exists() and not marker.is_file() and (not folder.is_dir() or any(folder.iterdir())):
         sys.exit(f"{folder} is not a folder of an earlier campaign and not empty: remove it or name"
@@ -192,8 +193,8 @@ def empty(folder):
 
 
 def ending_of(campaign, seconds):
-    """The conditions, and whether the machine was quick enough: on a line without faults there is no
-    other reason to repeat a command."""
+    """Returns the conditions, and whether the machine was fast enough: on a line without faults, a
+    slow machine is the only reason to repeat a command."""
     arguments = campaign.arguments
     unharmed = campaign.unharmed
     repeating = sum(each.repeated > 0 for each in unharmed)

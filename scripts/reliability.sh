@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures how zserial behaves on bad lines, with simulated devices, and prints the tables of
-# docs/reliability.md; --write docs/reliability.md puts them there. Options are passed to
+# docs/reliability.md; --write docs/reliability.md updates the page. Passes its options to
 # reliability.py; --help lists them.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# A whole job for continuous integration: checks a table and an image, programs the image into a
-# simulated device, on a good line and on a bad one, and proves that it would notice a failure.
+# A complete job for continuous integration: checks a table and an image, programs the image into a
+# simulated device over a good line and over a bad one, and proves that it detects a failure.
 #
 #     job.sh TABLE VERSION IMAGE RESULTS
 #
-# RESULTS is a new folder for the logs and summaries, to be kept with the job. The programs must be on
-# the PATH. Ends with 0 if all is well, and otherwise with the status of the step that was not:
-# 10 the table or the image, 11 the upload, 12 the content of the device, 13 the set-up of the job.
+# RESULTS is a new folder for logs and summaries, the artifacts of the job. The programs must be on the
+# PATH. Exit status: 0 on success, or that of the first step that failed: 10 the table or the image,
+# 11 the upload, 12 the contents of the device, 13 the set-up of the job.
 set -uo pipefail
 
 fail() {
@@ -19,7 +19,7 @@ mkdir -p "$4" || fail 13 "cannot make $4"
 results=$(realpath "$4")
 version=$2
 
-# The tool reads device.txt where it runs, so it runs in the folder of the results.
+# zserial reads device.txt from its working folder, so it runs in the folder of the results.
 cp "$1" "$results/device.txt" || fail 13 "no table"
 cp "$3" "$results/image.hex" || fail 13 "no image"
 cd "$results" || fail 13 "cannot use $results"
@@ -48,7 +48,7 @@ run() {
     return $status
 }
 
-# judge NAME: what the status of a run means
+# judge NAME: ends the job if the status of the last run, in $?, is a failure
 judge() {
     case $? in
     0) return 0 ;;

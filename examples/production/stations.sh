@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Programs the devices of many stations at once, over ssh, and makes one report.
+# Programs the devices of many stations at once, over ssh, and creates one report.
 #
 #   stations.sh STATIONS IMAGE TABLE RESULTS [GANG-OPTION...] -- OPERATION [ZSERIAL-OPTION...]
 #
-# STATIONS is a file with a line for each station: the host, then its ports. OPERATION is -w or -wv;
-# the image goes after it. RESULTS is a folder that gets the records, STATION.jsonl, and the report.
-# Needs GNU parallel here, and zserial-gang on every station. SSH names another program than ssh.
+# STATIONS is a file with one line per station: the host, then its ports. OPERATION is -w or -wv; the
+# script inserts the image after it. RESULTS is the folder for the records, HOST.jsonl, and the report.
+# Needs GNU parallel here and zserial-gang on every station. Set SSH to use another program than ssh.
 #
-# Ends with 0 when all devices of all stations are ok, and with 1 otherwise.
+# Exit status: 0 if all devices of all stations are ok, 1 otherwise, 2 for wrong arguments.
 set -euo pipefail
 
 usage() {
@@ -30,8 +30,8 @@ shift 2
 [ -s "$table" ] || { echo "no table: $table" >&2; exit 2; }
 mkdir -p "$results"
 
-# Runs in a shell of its own for each station: pushes the files, runs the gang, fetches the record.
-# The record comes back whatever became of the devices; then the folder on the station goes.
+# Runs in a separate shell for each station: copies the files there, runs the gang and fetches the
+# record, even if devices have failed. Then removes the folder on the station.
 # shellcheck disable=SC2317  # called by name
 program_station() {
     local words host ports remote status=0

@@ -5,5 +5,5 @@
 #include <optional>
 
 /// The code under test: identifies the device on `port`, erases it and writes the Intel HEX file
-/// `image`. Returns what went wrong, or nothing.
+/// `image`. Returns the error, or nothing on success.
 std::optional<QString> upload(const QString& port, const QString& image);

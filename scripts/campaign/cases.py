@@ -1,4 +1,4 @@
-"""One case of each error that the tool cannot detect, at a given command, and how to detect it."""
+"""One case of each error that zserial cannot detect, at a given command, and how to detect it."""
 
 import dataclasses
 
@@ -33,8 +33,8 @@ class Case:
 
 
 def _whole_pages(draws):
-    """Three pages and two rows of EEPROM, so that the number of a command determines what it does.
-    The last page lies where the device with the other version has no flash."""
+    """Returns an image of three pages and two rows of EEPROM, so that the number of a command
+    determines what it does. The device with the other version has no flash at the last page."""
     pages = [(SMALL.flash.start, 2 * SMALL.page), (SMALL.flash.stop - SMALL.page, SMALL.page),
              (SMALL.eeprom.start, 2 * SMALL.eeprom_row)]
     return memory.Image((start, memory.random_bytes(draws, size)) for start, size in pages)

@@ -15,7 +15,7 @@ class Device:
     page: int
     row: int
     stretch_rows: tuple  # of flash, for the two stretches of an image
-    # How many images the runs share. None: every run has its own.
+    # Number of images that the runs share. None: every run has its own.
     images: typing.Optional[int] = None
 
     eeprom = EEPROM
@@ -23,7 +23,7 @@ class Device:
 
     @property
     def smaller_flash_end(self):
-        """The flash end of the other device in the table, which a damaged version selects."""
+        """The flash end of the other device in the table, which is selected by a damaged version."""
         return (self.flash.start + self.flash.stop) // 2
 
     @property

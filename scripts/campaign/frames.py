@@ -1,10 +1,10 @@
-"""What was sent over the line, from the tool's frame log and the simulator's trace."""
+"""The frames on the line, from the frame log of zserial and the trace of the simulator."""
 
 SYNC, ESCAPE, TERMINATOR = 0x55, 0x05, 0x04
 
 
 def payload_of(frame):
-    """The payload of a valid frame, or None."""
+    """Returns the payload of a valid frame, or None."""
     if len(frame) < 4 or frame[0] != SYNC or frame[1] != SYNC or frame[-1] != TERMINATOR:
         return None
     body = bytearray()
@@ -19,7 +19,7 @@ def payload_of(frame):
 
 
 def read_log(path):
-    """The payloads sent and received in valid frames, from a log written by "-x"."""
+    """Returns the payloads sent and received in valid frames, from a log written by "-x"."""
     sent, received = [], []
     for line in path.read_text(encoding="ascii").split() if path.exists() else []:
         payload = payload_of(bytes.fromhex(line[3:]))
@@ -29,15 +29,15 @@ def read_log(path):
 
 
 def read_trace(path):
-    """The payloads of the commands that the device carried out, from its trace."""
+    """Returns the payloads of the commands that the device has carried out, from its trace."""
     return [bytes.fromhex(fields["payload"]) for _, fields in _commands(path)
             if fields["answer"] in ("data", "ack")]
 
 
 def gave_up_waiting(log, trace):
-    """Whether the tool repeated a command although the device had answered everything it received. In
-    a run whose faults lose and delay nothing, the cause is a lack of processor time, and the commands
-    from there on have different numbers."""
+    """Returns whether zserial repeated a command although the device had answered everything that it
+    received. In a run whose faults lose and delay nothing, the cause is a lack of processor time, and
+    all later commands have different numbers."""
     commands = _commands(trace)
     if any(fields["answer"] == "refused" and fields["faults"] == "none" for _, fields in commands):
         return False
@@ -48,7 +48,7 @@ def gave_up_waiting(log, trace):
 
 
 def _commands(path):
-    """The kind and the fields of every command in a trace."""
+    """Returns the kind and the fields of every command in a trace."""
     lines = [line.split() for line in path.read_text(encoding="ascii").splitlines()]
     return [(words[3], dict(word.split("=", 1) for word in words if "=" in word))
             for words in lines]

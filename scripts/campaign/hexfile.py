@@ -1,5 +1,5 @@
-"""Intel HEX. The runs of a campaign read and write the same megabytes over and over with hardly a
-byte changed, so the text of each piece and the bytes of a whole text are cached."""
+"""Reads and writes Intel HEX files. The runs of a campaign read and write almost the same megabytes
+again and again, so the text of each piece and the bytes of a whole text are cached."""
 
 import functools
 
@@ -8,7 +8,7 @@ PIECE = 0x1000  # divides 64 KiB, beyond which an address needs another upper ha
 
 
 def write(path, stretches):
-    """Pairs of a start address and bytes, one after the other."""
+    """Writes a file from pairs of a start address and bytes, in this order."""
     parts = []
     upper = None
     for start, data in _pieces(stretches):
@@ -40,7 +40,7 @@ def _record(kind, offset, data):
 
 
 def read(path):
-    """Pairs of a start address and bytes; adjacent bytes are in one piece."""
+    """Returns pairs of a start address and bytes; adjacent bytes are in one piece."""
     return list(_stretches(path.read_text(encoding="ascii")))
 
 

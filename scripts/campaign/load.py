@@ -9,15 +9,14 @@ import time
 from . import hexfile
 from .memory import ERASED
 
-# LARK-32 of the examples: 30 KiB of flash after the bootloader. With so many runs at once, answers
-# can be late, which only costs time as long as all acknowledgements are the same: hence flash alone,
-# and no erase.
+# LARK-32 of the examples: 30 KiB of flash after the bootloader. With so many runs at once, answers can be
+# late. This only costs time if all acknowledgements are equal: hence only flash, and no erase.
 VERSION = "0110"
 FLASH = range(0x800, 0x8000)
 
 
 class Station:
-    """A simulated device and the tool that programs it."""
+    """A simulated device and the zserial process that programs it."""
 
     def __init__(self, programs, folder, table, draws, options):
         folder.mkdir(parents=True)
@@ -40,7 +39,8 @@ class Station:
                 cwd=self.folder, stdin=subprocess.DEVNULL, stdout=out, stderr=err)
 
     def end(self):
-        """Whether it went right, and the processor time of tool and simulator in seconds."""
+        """Returns whether the upload was right, and the processor times of zserial and simulator in
+        seconds."""
         status, tool_s = _reap(self.tool)
         self.simulator.terminate()
         self.simulator.stdout.read()
@@ -48,7 +48,7 @@ class Station:
         return status == 0 and self._held() == self.image, tool_s, simulator_s
 
     def _held(self):
-        """The flash that the simulator has saved."""
+        """Returns the flash that the simulator has saved."""
         flash = bytearray([ERASED]) * len(FLASH)
         for start, data in hexfile.read(self.folder / "after.hex"):
             flash[start - FLASH.start:start - FLASH.start + len(data)] = data
@@ -62,7 +62,7 @@ def _reap(process):
 
 
 def measure(programs, folder, table, seed, count, options):
-    """A line of the table, and whether all went right."""
+    """Returns a line of the table, and whether all uploads were right."""
     draws = random.Random(f"{seed}/load")
     stations = [Station(programs, folder / str(i), table, draws, options) for i in range(count)]
     start = time.monotonic()

@@ -1,4 +1,4 @@
-"""The contents of devices: images, memories, and how they differ."""
+"""The contents of devices: images, memories and their differences."""
 
 import functools
 import itertools
@@ -6,7 +6,7 @@ import random
 
 ERASED = 0xFF
 
-# Special on the line: terminator, escape and sync. Images hold more of them than random data would.
+# Special on the line: terminator, escape and sync. Images contain more of them than random data.
 SPECIAL = (0x04, 0x05, 0x55)
 
 
@@ -24,14 +24,14 @@ class Image:
                 for address in range(start, start + len(data))]
 
     def pages(self, device):
-        """The addresses of the flash pages that it touches."""
+        """Returns the addresses of the flash pages that it touches."""
         return sorted({page for start, data in self.stretches if start in device.flash
                        for page in range(start // device.page * device.page, start + len(data),
                                          device.page)})
 
 
 class Memory:
-    """Every byte of flash after the bootloader and of EEPROM; erased where not set."""
+    """All bytes of EEPROM, and of flash after the bootloader; erased unless set."""
 
     def __init__(self, device, image=None):
         self.device = device
@@ -43,7 +43,7 @@ class Memory:
         return self.areas == other.areas
 
     def __getitem__(self, address):
-        """None where the device has no memory."""
+        """Returns the byte at an address; None where the device has no memory."""
         return next((bytes_[address - area.start] for area, bytes_ in self.areas.items()
                      if address in area), None)
 
@@ -51,7 +51,7 @@ class Memory:
         return Image((area.start, bytes(bytes_)) for area, bytes_ in self.areas.items())
 
     def differences(self, image, whole=False):
-        """The addresses where the image has a different byte or, with `whole`, none."""
+        """Returns the addresses where the image has a different byte or, with `whole`, no byte."""
         wrong = set()
         for start, data in image.stretches:
             held = self._slice(start, len(data))
@@ -63,16 +63,16 @@ class Memory:
         return wrong
 
     def written(self, image):
-        """The memory after "-e -w" of the image."""
+        """Returns the memory after "-e -w" of the image."""
         return self._copy(erased=[self.device.flash], image=image)
 
     def written_and_verified(self, image):
-        """The memory after "-wv" of the image: the pages that it touches are all its own."""
+        """Returns the memory after "-wv" of the image, which replaces all pages that it touches."""
         pages = [range(page, page + self.device.page) for page in image.pages(self.device)]
         return self._copy(erased=pages, image=image)
 
     def with_bits_turned(self, addresses):
-        """The memory with another byte at each of these addresses."""
+        """Returns the memory with a different byte at each of these addresses."""
         return self._copy(image=Image((address, bytes([self[address] ^ 0x10]))
                                       for address in addresses))
 
@@ -98,14 +98,14 @@ class Memory:
 
 @functools.lru_cache(maxsize=16)
 def sample(device, seed, eeprom):
-    """An image, and the memory of a device that holds something else. They follow from the seed."""
+    """Returns an image, and the memory of a device with other contents. Both depend only on the seed."""
     draws = random.Random(seed)
     return _random_image(device, draws, eeprom), _random_memory(device, draws)
 
 
 def _random_image(device, draws, eeprom):
-    """Two stretches of flash, the first of which ends inside a row, and two rows of EEPROM if
-    wanted."""
+    """Returns two stretches of flash, the first of which ends inside a row, and, with `eeprom`, two
+    rows of EEPROM."""
     first_rows, second_rows = device.stretch_rows
     first = device.flash.start + device.row * draws.randrange(4)
     second = first + device.row * (first_rows + 1 + draws.randrange(8))
@@ -118,7 +118,7 @@ def _random_image(device, draws, eeprom):
 
 
 def _random_memory(device, draws):
-    """Some of its rows are erased."""
+    """Returns a memory in which some rows are erased."""
     rows = [(start, size) for area, size in ((device.flash, device.row),
                                              (device.eeprom, device.eeprom_row))
             for start in area[::size] if draws.random() < 0.8]
@@ -128,11 +128,11 @@ def _random_memory(device, draws):
 def random_bytes(draws, count):
     data = bytearray(draws.randbytes(count))
     for place, chance in enumerate(draws.randbytes(count)):
-        if chance < 26:  # a tenth of them
+        if chance < 26:  # a tenth of all bytes
             data[place] = SPECIAL[chance % len(SPECIAL)]
     return bytes(data)
 
 
 def generator(seed, key):
-    """Random numbers that depend on the campaign's seed and a run's name, and on nothing else."""
+    """Returns random numbers that depend only on the campaign's seed and the name of a run."""
     return random.Random(f"{seed}/{key}")

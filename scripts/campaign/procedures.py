@@ -1,4 +1,4 @@
-"""What users do with a device, and how the outcome is compared with what the tool claims."""
+"""What users do with a device, and how the outcome is compared with what zserial reports."""
 
 import dataclasses
 import re
@@ -7,7 +7,7 @@ import typing
 from . import device, hexfile
 from .memory import Image
 
-# The tool's last words on a failure, and those of cmp(1).
+# The last words of zserial and of cmp(1) on a failure.
 FAILURE = re.compile(r"aborting\.\.\.|[Ff]ailure!|failed\?|Aborting\.\.\.|differ: ")
 
 TOOL = "{zserial} -B " + device.VERSION + " -x frames.log "
@@ -16,14 +16,14 @@ TOOL = "{zserial} -B " + device.VERSION + " -x frames.log "
 @dataclasses.dataclass(frozen=True)
 class Procedure:
     name: str
-    # Commands of the shell, one after the other until one fails. Status 0 is a claim that all is
-    # well, 1 that it is not.
+    # Shell commands, run one after the other until one fails. Status 0 claims success, status 1 a
+    # failure.
     steps: tuple
-    # The addresses at which the claim made by status 0 is not true, given image and outcome.
+    # Given image and outcome, returns the addresses at which the claim of status 0 is false.
     wrong: typing.Callable
-    # The device that it starts with, given random numbers, the image and some memory.
+    # Given random numbers, the image and a memory, returns the memory before the procedure.
     before: typing.Callable
-    # How often the bytes of an image cross the line in a run, approximately.
+    # Approximate number of times that each byte of the image crosses the line in a run.
     passes: float
     may_change_device: bool = True
     failure: re.Pattern = FAILURE  # must be printed when the status is 1
@@ -34,7 +34,7 @@ def _anything(_draws, _image, memory):
 
 
 def _partly_up_to_date(draws, image, memory):
-    """An older version of the same image: about half of its pages differ."""
+    """Returns a device with an older version of the image, of which about half of the pages differ."""
     return memory.written_and_verified(image).with_bits_turned(
         [page + draws.randrange(memory.device.page) for page in image.pages(memory.device)
          if draws.random() < 0.5])
@@ -66,10 +66,10 @@ def _not_read(_image, outcome):
 WRITE = Procedure("write", (TOOL + "-e -w image.hex",), _not_written, _anything, passes=1)
 READ = Procedure("read", (TOOL + "-r read.hex",), _not_read, _anything, passes=1,
                  may_change_device=False)
-# A verification ends at the first difference.
+# A verification stops at the first difference.
 VERIFY = Procedure("verify", (TOOL + "-v image.hex",), _not_held, _right_or_with_a_wrong_byte,
                    passes=0.75, may_change_device=False)
-# A page that differs is read up to its first difference, and then written and read.
+# A page that differs is read up to the first difference, and then written and read back.
 WRITE_AND_VERIFY = Procedure("write-and-verify", (TOOL + "-wv image.hex",),
                              _not_written_and_verified, _partly_up_to_date, passes=1.75)
 
@@ -82,14 +82,15 @@ READ_TWICE = Procedure(
     "read twice and compare",
     (TOOL + "-r read.hex", TOOL + "-r again.hex", "cmp read.hex again.hex"), _not_read, _anything,
     passes=2, may_change_device=False)
-# The version is not given on the command line: the device is asked, or caught as it starts.
+# Without -B: the device is asked for its version, or caught when it starts.
 ASK = "{zserial} -x frames.log "
 ASK_WRITE_VERIFY = Procedure("write, verify without -B", (ASK + "-e -w image.hex -v image.hex",),
                              _not_written, _anything, passes=2)
 
 
 def _certified(options):
-    """What zserial-gang and every zserial print, and the status of zserial-gang."""
+    """Returns steps that print the output of zserial-gang and of every zserial, with the status of
+    zserial-gang."""
     return ("{gang} --certify --keep logs -- " + options + "-x frames.log -e -w image.hex;"
             " status=$?; cat logs/*/console.txt; exit $status",)
 

@@ -1,4 +1,4 @@
-"""One run: a simulated device with faults, and the tool that works on it."""
+"""One run: a simulated device with faults, and zserial."""
 
 import dataclasses
 import json
@@ -25,7 +25,7 @@ class Programs:
 
 @dataclasses.dataclass
 class Run:
-    """What is to be done."""
+    """What a run does, and with which device and image."""
 
     key: str
     seed: int
@@ -43,7 +43,7 @@ class Run:
 class Outcome:
     """The outcome of a run, and everything needed to judge it."""
 
-    status: typing.Optional[int]  # of the procedure; None if there is none that can be relied on
+    status: typing.Optional[int]  # of the procedure; None if it is not reliable
     seconds: float
     out: str
     before: Memory
@@ -53,7 +53,7 @@ class Outcome:
 
     @property
     def faults(self):
-        """How many faults of each kind happened."""
+        """The number of faults of each kind that occurred."""
         return self.summary.get("faults", {})
 
     @property
@@ -67,13 +67,13 @@ class Outcome:
         return self.summary.get("flash", {}).get("rows_programmed", 0)
 
     def gave_up_waiting(self):
-        """Whether the tool gave up waiting for an answer that was sent."""
+        """Returns whether zserial gave up waiting for an answer that was sent."""
         trace = self.folder / "trace.txt"
         return trace.exists() and frames.gave_up_waiting(self.folder / "frames.log", trace)
 
 
 def arguments_of(run, programs):
-    """The simulator's command line, with the procedure's within it."""
+    """Returns the command line of the simulator, which contains that of the procedure."""
     zserial = shlex.quote(programs.zserial)
     gang = f"{shlex.quote(programs.gang)} --zserial {zserial} \"$0\""
     steps = " && ".join(step.format(zserial=f"{zserial} -s \"$0\"", gang=gang)
@@ -92,7 +92,7 @@ def prepare(run, folder):
 
 
 def execute(run, programs, folder):
-    """Leaves images, trace, frame log and output in the folder, which must not exist yet."""
+    """Runs zserial, and leaves images, trace, frame log and output in a folder, which must not exist."""
     prepare(run, folder)
     command = arguments_of(run, programs)
     line = shlex.join(command) + "\n"
@@ -109,7 +109,7 @@ def execute(run, programs, folder):
 
 
 def _run(command, folder):
-    """The simulator's status, or None if it had to be killed."""
+    """Returns the status of the simulator, or None if it had to be killed."""
     with open(folder / "out.txt", "wb") as out, open(folder / "err.txt", "wb") as err:
         process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=out,
                                    stderr=err, start_new_session=True)

@@ -15,7 +15,7 @@ PROGRAMMING = (procedures.WRITE, procedures.WRITE_THEN_VERIFY, procedures.WRITE_
 
 @dataclasses.dataclass(frozen=True)
 class Row:
-    """A row of a table: runs of one procedure under the same circumstances."""
+    """A row of a table: runs of one procedure under the same conditions."""
 
     section: str
     circumstances: str
@@ -23,19 +23,19 @@ class Row:
     options: tuple
     device: Device = SMALL
     entry: tuple = ("--entry", "version")
-    eeprom: bool = True  # the image holds some
-    # The approximate number of faults that a run meets. None: no faults, the row is for comparison.
+    eeprom: bool = True  # the image has data for it
+    # Approximate number of faults that a run meets. None: no faults, for comparison.
     faults_per_run: typing.Optional[float] = None
     slow: bool = False  # the device acknowledges every row late, which is a fault each time
 
     def count(self, least, faults):
-        """The approximate number of runs needed to meet so many faults."""
+        """Returns the approximate number of runs that meet this many faults, and at least `least`."""
         if self.faults_per_run is None:
             return least
         return max(least, math.ceil(faults / self.faults_per_run))
 
     def run(self, base_seed, number):
-        """The run of that number; everything about it follows from seed, row and number."""
+        """Returns the run with this number, which depends only on seed, row and number."""
         key = f"{self.key}/{number}"
         draws = memory.generator(base_seed, key)
         images = self.device.images
@@ -56,7 +56,7 @@ def _faults(*faults):
 
 
 def _row(section, circumstances, procedure, options, chance, per_pass, device=SMALL, **more):
-    """A row whose faults happen with probability `chance` to each of `per_pass` bytes or commands."""
+    """Returns a row with a fault in each of `per_pass` bytes or commands with probability `chance`."""
     expected = chance * per_pass * procedure.passes or None
     return Row(section, circumstances, procedure, options, device, faults_per_run=expected, **more)
 
@@ -80,7 +80,8 @@ def _damaged_bytes(rates):
 
 
 def _of_damaged_bytes(damaged):
-    """On the large device a certification takes long, and meets no more than a verification does."""
+    """Leaves out the certification on the large device: it takes long and meets no more faults than a
+    verification."""
     return OPERATIONS if damaged is LARGE else (*OPERATIONS, procedures.CERTIFIED)
 
 
@@ -93,7 +94,7 @@ def _lost_responses(losses):
             for loss in losses for procedure in OPERATIONS]
 
 
-# The simulator's options, and approximately how many faults they cause per command.
+# Options of the simulator, and the approximate number of faults per command that they cause.
 LATE = {
     "answers late": (_faults("delay-response:350=0.05"), 0.05),
     "answers late, requests lost": (_faults("delay-response:350=0.05", "lose-request=0.05"), 0.1),
@@ -120,7 +121,7 @@ def _altered_at(rate):
     requests = [_row("altered", f"requests, {rate}", procedure, _faults(f"request-bytes={rate}"),
                      float(rate), per_pass)
                 for procedure in PROGRAMMING]
-    # The requests of a verification have a tenth of the bytes of its answers.
+    # The requests of a verification have about a tenth of the bytes of its answers.
     requests.append(_row("altered", f"requests, {rate}", procedures.VERIFY,
                          _faults(f"request-bytes={rate}"), float(rate), per_pass / 10))
     answers = [_row("altered", f"answers, {rate}", procedure, _faults(f"response-bytes={rate}"),

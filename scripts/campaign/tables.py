@@ -1,4 +1,4 @@
-"""What a campaign found, in Markdown."""
+"""The results of a campaign, in Markdown."""
 
 import re
 import statistics
@@ -19,7 +19,7 @@ LOAD_HEAD = """\
 
 
 def line_of(row, verdicts):
-    """Runs that met no fault are only counted: they had nothing to survive."""
+    """Returns the line of a row. Runs without a fault are only counted: they had nothing to survive."""
     hit = [each for each in verdicts if each.faults]
     seconds = [each.seconds for each in hit or verdicts]
     cells = [row.circumstances, row.procedure.name, row.device.name, len(verdicts),
@@ -30,7 +30,7 @@ def line_of(row, verdicts):
 
 
 def faults_text(verdicts):
-    """The number of faults, and their kinds if there are several."""
+    """Returns the number of faults, and their kinds if there are several."""
     counts = {}
     for each in verdicts:
         for kind, count in each.faults.items():
@@ -42,7 +42,8 @@ def faults_text(verdicts):
 
 
 def _ends(verdicts, end):
-    """How many ended this way, and why. Broken runs, which should not occur, are shown with the errors."""
+    """Returns how many runs ended this way, and why. Broken runs, which should not occur, are counted
+    with the errors."""
     if end is End.ERROR and any(each.end is End.BROKEN for each in verdicts):
         ends = [each.end for each in verdicts]
         return f"{ends.count(End.ERROR)}, and {ends.count(End.BROKEN)} BROKEN"

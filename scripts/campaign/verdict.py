@@ -1,4 +1,4 @@
-"""How a run ended, and why when it went wrong without a report."""
+"""How a run ended, and the cause of an error that was not reported."""
 
 import dataclasses
 import enum
@@ -11,13 +11,13 @@ from . import frames
 class End(enum.Enum):
     RIGHT = "right"
     ERROR = "error reported"
-    FALSE_SUCCESS = "false success"  # the tool reported success, wrongly
-    FALSE_ALARM = "false alarm"  # of a difference that does not exist, or that reading caused
+    FALSE_SUCCESS = "false success"  # zserial wrongly reported success
+    FALSE_ALARM = "false alarm"  # about a difference that does not exist, or that was caused by reading
     BROKEN = "broken"  # killed, crashed, or failed without a message
 
 
 class Cause(enum.Enum):
-    """Why the tool could not detect it."""
+    """Why zserial could not detect an error."""
 
     REQUEST = "damaged request, its checksum fits"
     RESPONSE = "damaged answer, its checksum fits"
@@ -28,15 +28,15 @@ class Cause(enum.Enum):
 
 @dataclasses.dataclass
 class Verdict:
-    """What is kept about a run."""
+    """The result of a run."""
 
     key: str
     end: End
     cause: typing.Optional[Cause]
     seconds: float
-    faults: dict  # how many of each kind happened
-    repeated: int  # commands, because there was no valid answer in time
-    damage: str = ""  # in words, where the end is neither right nor an error
+    faults: dict  # number of each kind that occurred
+    repeated: int  # number of commands repeated because there was no valid answer in time
+    damage: str = ""  # in words, if the end is neither right nor an error
 
     @property
     def text(self):
@@ -45,7 +45,7 @@ class Verdict:
 
 READ_FLASH, WRITE_FLASH, ERASE_FLASH, READ_EEPROM, WRITE_EEPROM = range(1, 6)
 
-LATE_ROW = "late row"  # a fault that the simulator does not count, because the device is merely slow
+LATE_ROW = "late row"  # a fault that the simulator does not count, because the device is only slow
 
 ACCUSATION = re.compile(r"data mismatch starting at address 0x([0-9A-Fa-f]+)\s+"
                         r"device data size \d+: ([0-9A-F ]+)\s+expected data \d+: ([0-9A-F ]+)")
@@ -61,7 +61,7 @@ def judge(run, outcome, slow=False):
 
 
 def end_of(run, outcome):
-    """One of End."""
+    """Returns the End of a run."""
     changed = not run.procedure.may_change_device and outcome.after != outcome.before
     if outcome.status == 0:
         right = not changed and not run.procedure.wrong(run.image, outcome)
@@ -74,7 +74,7 @@ def end_of(run, outcome):
 
 
 def damage_of(run, outcome):
-    """What is not as claimed, in words."""
+    """Describes what is not as reported."""
     wrong = run.procedure.wrong(run.image, outcome)
     if not run.procedure.may_change_device:
         changed = outcome.after.differences(outcome.before.image())
@@ -84,18 +84,18 @@ def damage_of(run, outcome):
 
 
 def _accuses_wrongly(run, outcome):
-    """Whether a difference is reported that does not exist."""
+    """Returns whether a reported difference does not exist."""
     return "data mismatch" in outcome.out and not outcome.after.differences(run.image)
 
 
 def _is_error(run, outcome):
-    """Whether it is an error: a verification that finds a difference ends right."""
+    """Returns whether a failure is an error: a verification that finds a difference ends right."""
     return run.procedure.may_change_device or "data mismatch" not in outcome.out
 
 
 def cause_of(run, outcome):
-    """One of Cause, from what was sent and what arrived. An error on the line explains only the
-    addresses that it affected: every address that is not as claimed must be among them."""
+    """Returns the Cause, from what was sent and what arrived. An error on the line explains only the
+    addresses that it affects: all addresses that are not as reported must be among them."""
     wrong = _not_as_claimed(run, outcome)
     if "entry procedure: 0x" in outcome.out and "entry procedure: 0x0110" not in outcome.out:
         beyond = range(run.device.smaller_flash_end, run.device.flash.stop)
@@ -107,7 +107,7 @@ def cause_of(run, outcome):
     lied = set().union(*(_lies(payload, outcome) for payload in received))
     if not wrong <= strayed | lost | lied:
         return Cause.NONE
-    # A request that strayed also did not reach its place.
+    # A request that went to a wrong address also did not reach its own.
     causes = {Cause.REQUEST: strayed and strayed | lost, Cause.RESPONSE: lied,
               Cause.ACKNOWLEDGEMENT: lost}
     return next((cause for cause, addresses in causes.items() if wrong & addresses), Cause.NONE)
@@ -121,7 +121,7 @@ def _not_as_claimed(run, outcome):
 
 
 def _accused(outcome):
-    """The addresses that the tool says differ."""
+    """Returns the addresses that zserial reports as different."""
     found = ACCUSATION.search(outcome.out)
     if not found:
         return set()
@@ -131,7 +131,7 @@ def _accused(outcome):
 
 
 def _changed_by(device, payloads):
-    """Every address that these commands write or erase."""
+    """Returns all addresses that these commands write or erase."""
     return {address for payload in payloads for address in _target_of(device, payload)}
 
 
@@ -151,7 +151,8 @@ def _start_of(device, payload):
 
 
 def _lies(payload, outcome):
-    """Where data that was read is what the device neither held before nor holds now."""
+    """Returns the addresses at which the data of an answer is neither what the device held before
+    the run nor what it holds after it."""
     if payload[0] not in (READ_FLASH, READ_EEPROM) or len(payload) < 6:
         return set()
     before, after = outcome.before, outcome.after

@@ -1,1 +1,1 @@
-"""Checks of the documents: their command lines, links and messages."""
+"""Checks of documents: their command lines, links and messages."""

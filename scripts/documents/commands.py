@@ -1,23 +1,23 @@
 """Runs the command lines that a document shows, in scratch folders and on simulated devices, and
 compares what they print with what the document shows.
 
-A code block holds command lines if its language is sh or console, or if it has none and a line
-begins with "$ " or with a program. With "$ ", what follows a command is what it prints. Comments
-directly before a block say more, one to a line:
+A code block contains command lines if its language is sh or console, or if it has no language and a
+line starts with "$ " or with a program. After a command with "$ ", the block shows its output. Comments
+directly before a block control how it is run, one comment per line:
 
-    <!-- not run: REASON -->            the block cannot run here
-    <!-- first: COMMAND -->             prepares the scratch folder, when the devices run already
-    <!-- simulator: OPTIONS -->         of the simulated devices, in place of --device 0110
-    <!-- status: N -->                  of the last command, in place of 0; of each if several
-    <!-- output: errors -->             what is shown is on standard error; "all": on both
-    <!-- continues -->                  in the folder, and with the devices, of the block before
-    <!-- file: NAME -->                 no commands: what a file in the folder holds from then on
-    <!-- background -->                 the command goes on while the blocks after it continue
-    <!-- background ends -->            no commands: what that command prints at its end
+    <!-- not run: REASON -->            the block cannot be run here
+    <!-- first: COMMAND -->             prepares the scratch folder, when the devices are running
+    <!-- simulator: OPTIONS -->         of the simulated devices, instead of --device 0110
+    <!-- status: N -->                  of the last command, instead of 0; several: of each command
+    <!-- output: errors -->             the output shown is on standard error; "all": on both
+    <!-- continues -->                  in the folder and with the devices of the previous block
+    <!-- file: NAME -->                 no commands: the contents of a file in the folder from now on
+    <!-- background -->                 the command keeps running during the blocks that continue it
+    <!-- background ends -->            no commands: the rest of that command's output, when it ends
 
-Each block starts with a copy of examples/ as its current folder, in which firmware.hex is a copy of
-blink.hex. A /dev/ttyUSBn is a simulated device, and a /dev/pts/n the one in the background. In
-the output shown, "..." stands for any text, and for any number of lines on a line of its own.
+Each block starts in a copy of examples/, in which firmware.hex is a copy of blink.hex. A /dev/ttyUSBn
+is a simulated device, and a /dev/pts/n is the one in the background. In the output shown, "..." stands
+for any text or, on a line of its own, for any number of lines.
 """
 
 import concurrent.futures
@@ -40,12 +40,12 @@ KNOWN_COMMENTS = ("not run", "first", "simulator", "status", "output", "continue
                   "background", "background ends")
 MARK = "-- status of a command:"
 LONGEST_S = 100
-#: Most of the time they wait for answers that do not come.
+#: They spend most of the time waiting for answers that never come.
 GROUPS_AT_ONCE = 4
 
 
 class Failed(Exception):
-    """A block that does not do what the document says."""
+    """A block does not do what the document shows."""
 
 
 @dataclasses.dataclass
@@ -55,7 +55,7 @@ class Command:
 
 
 def holds_commands(block):
-    """Whether there is something to do for a block."""
+    """Returns whether a block has commands to run or a file to create."""
     if has(block, "file"):
         return True
     if block.language:
@@ -76,8 +76,8 @@ def value(block, name, default):
 
 
 def commands(block):
-    """The commands of a block, each with the lines that it is shown to print. Without "$ " the
-    whole block is one, unless it has several statuses, and no output is shown."""
+    """Returns the commands of a block, each with the output shown for it. Without "$ ", no output is
+    shown, and the whole block is one command unless it has several statuses."""
     if has_prompts(block):
         return prompted_commands(block)
     if len(statuses(block)) == 1:
@@ -109,7 +109,7 @@ def statuses(block):
 
 
 def as_on_a_terminal(text):
-    """The lines as they look at the end: a carriage return overwrites what stands before it."""
+    """Returns the lines as they finally look: a carriage return overwrites what is before it."""
     lines = [line.rstrip("\r").split("\r")[-1].rstrip() for line in text.split("\n")]
     while lines and not lines[-1]:
         lines.pop()
@@ -119,7 +119,7 @@ def as_on_a_terminal(text):
 
 
 def agrees(shown, printed):
-    """Whether the text is what the document shows, which may leave out parts."""
+    """Returns whether the output is what the document shows, which may omit parts."""
     pattern = "".join(
         r"(?:.*\n)*?" if line.strip() == "..." else
         r".*".join(map(re.escape, line.split("..."))) + "\n"
@@ -128,7 +128,7 @@ def agrees(shown, printed):
 
 
 class Scratch:
-    """A folder with the examples, the devices in it, and whatever runs in the background."""
+    """A folder with the examples, its simulated devices, and the command in the background."""
 
     def __init__(self, source, programs):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="documents-"))
@@ -170,7 +170,7 @@ class Scratch:
                 raise Failed(f"no simulated device with {simulator}")
 
     def here(self, text):
-        """The text with the ports of this folder in place of those of the document."""
+        """Returns the text with the ports of this folder instead of those of the document."""
         text = PORT.sub(lambda port: str(self.folder / "ports" / port[1]), text)
         return TERMINAL.sub(self.terminal, text) if self.terminal else text
 
@@ -190,13 +190,13 @@ class Scratch:
 
 
 def marked(texts, output):
-    """A script that prints the status of each command after its output."""
+    """Returns a script that prints the status of each command after its output."""
     stream = " >&2" if output == "errors" else ""
     return "".join(f"{text}\nprintf '\\n{MARK} %d\\n' $?{stream}\n" for text in texts)
 
 
 def outputs(text, count):
-    """What each command printed, with its status."""
+    """Returns the output of each command, with its status."""
     parts = re.split(rf"\n{MARK} (\d+)\n", text)
     if len(parts) != 2 * count + 1:
         raise Failed(f"ended early:\n{text}")
@@ -229,7 +229,7 @@ def run_script(block, scratch):
 
 
 def begin_background(block, scratch):
-    """Its output is the document's as far as it goes; the port is the first line."""
+    """Starts the command of a block. Its first line is the port; its output so far is as shown."""
     command, = commands(block)
     scratch.background = scratch.start(["bash", "-c", "exec " + scratch.here(command.text)],
                                        stdout=subprocess.PIPE)
@@ -284,7 +284,7 @@ def command_blocks(document):
 
 
 def groups(blocks):
-    """Blocks that continue each other are one group; groups know nothing of each other."""
+    """Groups blocks that continue each other; groups are independent of each other."""
     found = []
     for block in blocks:
         if continues(block) and found:
@@ -295,15 +295,15 @@ def groups(blocks):
 
 
 def check(document, source, programs):
-    """Runs a document. Returns a line of text for each block that fails, and one for each that is
-    not run."""
+    """Runs a document. Returns a line of text for each block that fails, and one for each block that
+    is not run."""
     blocks = command_blocks(document)
     left_out = [f"{document}:{block.line}: not run: {value(block, 'not run', '')}"
                 for block in blocks if has(block, "not run")]
     to_run = [block for block in blocks if not has(block, "not run")]
     with concurrent.futures.ThreadPoolExecutor(GROUPS_AT_ONCE) as pool:
         found = list(pool.map(lambda group: run_group(group, source, programs), groups(to_run)))
-    # An answer that a busy machine delays by 300 ms shows in what is printed. Once more, alone.
+    # If a busy machine delays an answer by 300 ms, the output differs: failures run once more, alone.
     found = [failures and run_group(group, source, programs)
              for group, failures in zip(groups(to_run), found)]
     return [f"{document}:{failure}" for failures in found for failure in failures], left_out

@@ -1,10 +1,10 @@
-"""Checks that every link inside the tree leads to a file and a heading that exist."""
+"""Checks that every link within the tree points to an existing file and heading."""
 
 from documents import markdown
 
 
 def broken(documents):
-    """One line of text for each link that leads nowhere."""
+    """Yields a line of text for each broken link."""
     for document in documents:
         for number, target in markdown.links(markdown.read(document)):
             reason = fault(document, target)
@@ -13,7 +13,7 @@ def broken(documents):
 
 
 def fault(document, target):
-    """Why a link is broken; None for a good one, and for one that leads out of the tree."""
+    """Returns why a link is broken; None if it is not, or if it points outside the tree."""
     if "://" in target or target.startswith("mailto:"):
         return None
     name, _, anchor = target.partition("#")

@@ -1,5 +1,5 @@
-"""What the checks need of a Markdown document: code blocks with the comments before them, headings
-and links."""
+"""The parts of a Markdown document that the checks need: code blocks with the comments before them,
+headings and links."""
 
 import dataclasses
 import re
@@ -30,7 +30,7 @@ def read(path):
 
 
 def blocks(lines):
-    """All code blocks, fenced or indented by four spaces."""
+    """Returns all code blocks, fenced or indented by four spaces."""
     found = []
     comments = []
     number = 0
@@ -63,8 +63,8 @@ def fence_end(lines, start, fence):
 
 
 def belongs_to_list(lines, number):
-    """Whether an indented line continues a list item or a paragraph: a code block has an empty line
-    or a comment before it, and inside a list it is indented further than the text."""
+    """Returns whether an indented line continues a list item or a paragraph. A code block follows an
+    empty line or a comment, and inside a list it is indented further than the text."""
     before = number - 1
     if before >= 0 and lines[before].strip() and not COMMENT.match(lines[before].strip()):
         return True
@@ -86,14 +86,14 @@ def indented_end(lines, start):
 
 
 def prose(lines):
-    """The lines outside of code blocks, with their numbers."""
+    """Returns the lines outside of code blocks, with their numbers."""
     code = {number for block in blocks(lines) for number in range(block.line, block.end + 1)}
     return [(number, line) for number, line in enumerate(lines, 1) if number not in code]
 
 
 def anchors(lines):
-    """What a link can name after "#": each heading in lower case, without punctuation, with
-    hyphens for spaces; one that is there already gets a number."""
+    """Returns what links can name after "#": the headings in lower case, without punctuation and with
+    hyphens for spaces. A repeated heading gets a number."""
     found = set()
     for _, line in prose(lines):
         heading = HEADING.match(line)
@@ -117,7 +117,7 @@ def unused(name, taken):
 
 
 def links(lines):
-    """The targets of all links, with their line numbers. What stands in code is no link."""
+    """Yields the targets of all links, with their line numbers. Links in code do not count."""
     outside = prose(lines)
     text = CODE_SPAN.sub(without_code, "\n".join(line for _, line in outside))
     for link in LINK.finditer(text):

@@ -1,11 +1,10 @@
-"""Compares three things: the texts in the sources of the programs, the list of messages in
-tests/messages.txt, and the pages that explain them.
+"""Compares the texts in the sources of the programs with the list of messages in tests/messages.txt, and
+the list with the pages that explain them.
 
-In the list, each line is a message as it is printed, with the parts that vary in braces, "{}" at
-the seam of two texts, double braces for braces that are printed, and "\\n" for a line end inside a
-message. Sections say who prints it: a program, a library ("framework"), or nobody ("no message":
-words in the sources that are not printed by themselves). A command on the page must show each text
-of a library.
+In the list, each line is a message as it is printed, with variable parts in braces, "{}" where two texts
+are joined, double braces for braces that are printed, and "\\n" for a line end inside a message. The
+sections name the source of a message: a program, a library ("framework"), or none ("no message": words in
+the sources that are not printed on their own). A command on the page must show each text of a library.
 """
 
 import dataclasses
@@ -25,21 +24,21 @@ class Program:
     page: str
     folders: tuple
     left_out: tuple = ()  #: names of sources without messages
-    speaks: str = ""  #: found in each source with messages; the others have none
-    repeats: tuple = ()  #: sections of other programs with texts that these sources have, too
+    speaks: str = ""  #: pattern that occurs in every source with messages, and in no other
+    repeats: tuple = ()  #: sections of other programs whose texts these sources may contain, too
 
 
 PROGRAMS = (
-    # The usage text is one piece, which a test of the tool compares as a whole.
+    # A test of zserial compares the usage text as a whole.
     Program("tool", TOOL_PAGE, ("app", "device", "memory", "profile"), left_out=("UsageText.cpp",)),
-    # What several of the other programs contain.
+    # Shared by several of the other programs.
     Program("companions", COMPANIONS_PAGE, ("process",)),
-    # Left out are names of faults, commands and behaviours with what --help says of them, the
-    # folders of lock files, and the summary.
+    # Without the names of faults, commands and behaviours and their help texts, the folders of lock
+    # files, and the summary.
     Program("zserial-sim", COMPANIONS_PAGE,
             ("sim/device", "sim/faults", "sim/line", "sim/program", "sim/rig"),
             left_out=("FaultKind.h", "Names.h", "PortLock.cpp", "SummaryText.cpp")),
-    # Left out are the display, the events and the report. The judge recognises texts of the tool.
+    # Without the display, the events and the report. The judge recognises texts of zserial.
     Program("zserial-gang", COMPANIONS_PAGE, ("gang",),
             left_out=("Display.cpp", "EventLines.cpp", "TableText.cpp", "Report.cpp",
                       "ReportHtml.cpp", "ReportText.cpp"),
@@ -55,24 +54,23 @@ NO_MESSAGE = "no message"
 
 TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|#include[^\n]*|\'(?:\\.|[^\'\\])*\'|("(?:\\.|[^"\\\n])*")',
                    re.DOTALL)
-#: What --help shows: the rows of a table of options, other arguments, a description; a subcommand of
-#: the inspector, and all of them.
+#: Help texts: the rows of a table of options, other arguments, a description; one subcommand of the
+#: inspector, and the list of all subcommands.
 HELP = re.compile(r'\{"[\w-]*",\s*"[\w ]*",\s*(?:"(?:\\.|[^"\\])*"\s*)+\}'
                   r"|addPositionalArgument\(.*?\);"
                   r"|const char\* const (?:introduction|exit_status|\w*description) =.*?;\n"
                   r"|static const Subcommand subcommand = \{.*?\n    \};"
                   r"|QByteArray general_help\(\)\n\{.*?\n\}", re.DOTALL)
-#: A word in one case is a name: of an option, a key, a verdict, a file, a variable.
+#: A single word in one case is a name: of an option, a key, a verdict, a file or a variable.
 NAME = re.compile(r"[a-z0-9_./-]+|[A-Z0-9_]+")
-#: What varies in the list, or is printed in braces.
+#: In the list: text that is printed in braces, or a variable part.
 BRACES = re.compile(r"\{(\{[^}]*\})\}|\{([^}]*)\}")
-#: What varies: "%1" in a text of the framework, "%s" and "%u%%" in those of the C library, braces in
-#: the list.
+#: Variable parts: "%1" in a text of Qt, "%s" and "%u%%" in one of the C library, braces in the list.
 GAP = re.compile(rf"%\d|%s|%u%%|{BRACES.pattern.replace('(', '(?:')}|\\[nrt]|[\n\r\t]")
 
 
 def literals(source):
-    """The string literals of a source; those that follow each other directly are one."""
+    """Returns the string literals of a source; adjacent ones are joined."""
     found = []
     end = None
     for token in TOKEN.finditer(source):
@@ -89,8 +87,8 @@ def literals(source):
 
 
 def fragments(text):
-    """The parts of a message that do not vary, in order. What has no two letters in a row says
-    nothing."""
+    """Returns the fixed parts of a message, in order, without those that have no two letters in a
+    row."""
     parts = (re.sub(r"\s+", " ", part.replace('\\"', '"')).strip() for part in GAP.split(text))
     return tuple(part for part in parts if re.search(r"[A-Za-z]{2}", part))
 
@@ -100,12 +98,12 @@ def is_name(parts):
 
 
 def contains(message, part):
-    """Whether the fragments of a literal follow each other in those of a message."""
+    """Returns whether a message contains the fragments of a literal one after the other."""
     return any(message[start:start + len(part)] == part for start in range(len(message)))
 
 
 def sources(source, program):
-    """The files with messages of a program."""
+    """Yields the files of a program that contain messages, with their text."""
     for folder in program.folders:
         for path in sorted((source / folder).iterdir()):
             if path.suffix in (".cpp", ".h") and path.name not in program.left_out:
@@ -115,7 +113,7 @@ def sources(source, program):
 
 
 def texts_of_sources(source, program):
-    """The fragments of each literal outside of help texts, with the file that has it."""
+    """Returns the fragments of each literal outside of help texts, with the file that contains it."""
     found = {}
     for path, content in sources(source, program):
         for text in literals(HELP.sub("", content)):
@@ -125,7 +123,7 @@ def texts_of_sources(source, program):
 
 
 def read_list(path):
-    """The entries by section."""
+    """Returns the entries by section."""
     names = [*(program.section for program in PROGRAMS), *FRAMEWORKS, NO_MESSAGE]
     sections = {name: [] for name in names}
     for line in path.read_text(encoding="utf-8").splitlines():
@@ -137,13 +135,13 @@ def read_list(path):
 
 
 def as_on_the_page(message):
-    """On the page, what varies is a word in capitals, and a message of several lines one line."""
+    """Returns a message as the page shows it: on one line, with variable parts without braces."""
     text = BRACES.sub(lambda braces: braces[1] or braces[2], message.replace("\\n", " "))
     return re.sub(r"\s+", " ", text).strip()
 
 
 def page_messages(lines):
-    """The code spans in headings and in first columns of tables."""
+    """Yields the code spans in headings and in first columns of tables."""
     for number, line in markdown.prose(lines):
         cells = re.split(r"(?<!\\)\|", line)
         text = line if line.startswith("###") else cells[1] if line.startswith("|") else ""
@@ -152,7 +150,7 @@ def page_messages(lines):
 
 
 def shown_lines(document):
-    """What commands of the page are shown to print."""
+    """Returns the output shown for the commands of the page."""
     return [line for block in commands.command_blocks(document)
             if not commands.has(block, "not run") for command in commands.commands(block) for line in command.shown]
 
@@ -163,7 +161,7 @@ def is_shown(message, lines):
 
 
 def disagreements(source):
-    """One line of text for each disagreement."""
+    """Yields a line of text for each disagreement."""
     listed = read_list(source / "tests" / "messages.txt")
     everything = {}
     for program in PROGRAMS:

@@ -1,4 +1,4 @@
-"""Processes that cannot take the machine down with them: a changed program may do anything."""
+"""Processes with limited memory and file size: a changed program may do anything."""
 
 import os
 import resource
@@ -6,12 +6,12 @@ import signal
 import subprocess
 
 MOST_MEMORY = 8 << 30
-MOST_OF_A_FILE = 5 << 30  # a test has one of a little more than 4 GiB
+MOST_OF_A_FILE = 5 << 30  # a test writes one of a little more than 4 GiB
 
 
 class Process(subprocess.Popen):
     def kill_all(self):
-        """With everything that it has started."""
+        """Kills the process and everything that it has started."""
         try:
             os.killpg(self.pid, signal.SIGKILL)
         except ProcessLookupError:
@@ -20,7 +20,7 @@ class Process(subprocess.Popen):
 
 
 def start(command, log, **arguments):
-    """In a session of its own; its output goes to `log`."""
+    """Starts a process in a session of its own, with its output in `log`."""
     return Process(command, stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT,
                    start_new_session=True, preexec_fn=_limit, **arguments)
 

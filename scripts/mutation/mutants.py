@@ -1,4 +1,4 @@
-"""Small changes to C++ sources that a good test suite should notice."""
+"""Small changes to C++ sources that a good test suite should detect."""
 
 import dataclasses
 import re
@@ -14,7 +14,7 @@ TOKEN = re.compile(
     |(?P<operator><<=|>>=|->\*|<=>|\.\.\.|::|->|\+\+|--|<<|>>|<=|>=|==|!=|&&|\|\||[-+*/%&|^]=|.)""",
     re.VERBOSE | re.DOTALL | re.MULTILINE)
 
-# Only with a space on both sides: otherwise they are brackets of a template, signs or pointers.
+# Only between spaces: otherwise they are template brackets, signs or pointers.
 BINARY = {
     "<": ("<=", ">="), "<=": ("<", ">"), ">": (">=", "<="), ">=": (">", "<"),
     "==": ("!=",), "!=": ("==",), "&&": ("||",), "||": ("&&",),
@@ -69,7 +69,8 @@ class Mutant:
 
 
 def tokens_of(text):
-    """Without spaces, comments, preprocessor lines and text literals; those are separate."""
+    """Returns the tokens without spaces. Comments, preprocessor lines and literals have a kind of
+    their own."""
     return [Token(found.lastgroup if found.lastgroup != "mark" else "skip", found[0], found.start())
             for found in TOKEN.finditer(text) if found.lastgroup != "space"]
 
@@ -132,13 +133,13 @@ def _other_numbers(text):
 
 
 def _conditions(tokens, text):
-    """An "if" or "while" that always or never holds."""
+    """Changes that make the condition of an "if" or "while" always or never true."""
     for i, token in enumerate(tokens[:-1]):
         if token.kind != "word" or token.text not in ("if", "while") or tokens[i + 1].text != "(":
             continue
         end = _closing(tokens, i + 1)
         if end is None or any(inner.text == ";" for inner in tokens[i + 1:end]):
-            continue  # with a declaration of its own
+            continue  # the condition contains a declaration
         start, stop = tokens[i + 1].end, tokens[end].start
         for value in ("true", "false"):
             if text[start:stop] != value and not (token.text == "while" and value == "true"):
@@ -146,7 +147,7 @@ def _conditions(tokens, text):
 
 
 def _statements(tokens):
-    """A call or an assignment that is left out."""
+    """Changes that remove a call or an assignment."""
     for i, token in enumerate(tokens):
         follows = i > 0 and tokens[i - 1].text in ("{", "}", ";", ")", "else")
         if not follows or token.kind != "word" or token.text in NO_STATEMENT:
@@ -157,7 +158,7 @@ def _statements(tokens):
 
 
 def _end_of_statement(tokens, i):
-    """Where the statement of a call or an assignment ends; None if it is neither."""
+    """Returns where the statement of a call or an assignment ends; None if it is neither."""
     depth = 0
     acts = False
     for j in range(i, len(tokens)):
@@ -166,7 +167,7 @@ def _end_of_statement(tokens, i):
             return j if acts else None
         if depth == 0 and (text in NOT_IN_STATEMENT or
                            j > i and kind == "word" and tokens[j - 1].kind == "word"):
-            return None  # no statement, or a declaration: a type and a name
+            return None  # not a statement, or a declaration: a type and a name
         if depth == 0 and not acts and kind == "word" and j > i and tokens[j - 1].text in "*&>":
             return None
         acts = acts or text in ACTS
@@ -186,7 +187,7 @@ def _closing(tokens, i):
 
 
 def _without_code(tokens):
-    """Code that only the compiler evaluates, or where values are names."""
+    """Returns code that only the compiler evaluates, or in which values are names."""
     stretches = []
     for i, token in enumerate(tokens):
         if token.kind == "word" and token.text in NO_CODE:

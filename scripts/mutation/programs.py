@@ -15,7 +15,7 @@ from .limits import start
 # Tests mostly wait, so more of them run at once than there are processors.
 SHARDS = 6
 POLL_S = 0.02
-# A busy machine may slow a run down by a lot, and a hang is rare enough to be waited for.
+# A busy machine may slow down a run considerably, and a hang is rare enough to wait for.
 SLOWEST = 4
 SHORTEST_LIMIT_S = 20
 
@@ -31,18 +31,18 @@ class Program:
     label: str
     path: str
     folder: str
-    alone: bool  # what it measures, a busy processor spoils
+    alone: bool  # true if a busy processor would spoil its measurements
 
     @staticmethod
     def all_of(build_folder):
-        """By label. The programs must have been built."""
+        """Returns the programs by label. They must have been built."""
         listed = subprocess.run(["ctest", "--test-dir", str(build_folder), "--show-only=json-v1"],
                                 check=True, capture_output=True, text=True).stdout
         programs = {}
         for test in json.loads(listed)["tests"]:
             properties = {each["name"]: each["value"] for each in test["properties"]}
             labels = properties.get("LABELS", []) if "WORKING_DIRECTORY" in properties else []
-            # Those of scripts/check.sh are scripts.
+            # Tests with the label "check" are scripts.
             for label in set(labels) - {"check"}:
                 programs[label] = Program(label, test["command"][0],
                                           properties["WORKING_DIRECTORY"],
@@ -51,7 +51,7 @@ class Program:
 
 
 class Run:
-    """One run of a program: all shards of it at once, or the tests of a filter."""
+    """One run of a program: all of its shards at once, or the tests that match a filter."""
 
     def __init__(self, program, limit_s, only=None):
         self.program = program
@@ -66,7 +66,8 @@ class Run:
                      self.logs[index], cwd=self.program.folder, env=environment)
 
     def verdict(self):
-        """Ends all shards once one has failed. Also names the test that failed, if it is known."""
+        """Waits for all shards, or until one fails or hangs. Returns the verdict and the test that failed,
+        if known."""
         end = time.monotonic() + self.limit_s
         try:
             while True:
@@ -87,7 +88,7 @@ class Run:
 
 
 def failed_test(log):
-    """The first test that failed, or the one during which the program crashed or was ended."""
+    """Returns the first test that failed, or the one in which the program crashed or was killed."""
     log.seek(0)
     text = log.read().decode("utf-8", "replace")
     found = re.search(r"^\[  FAILED  \] ([\w/.]+)", text, re.MULTILINE) or \
@@ -96,7 +97,7 @@ def failed_test(log):
 
 
 class Limits:
-    """How long each program may run: a multiple of what it takes without any change."""
+    """Time limits of the programs: a multiple of the time that they take without any change."""
 
     def __init__(self, path):
         self.path = path
@@ -106,7 +107,7 @@ class Limits:
         return max(SHORTEST_LIMIT_S, SLOWEST * self.taken_s.get(program.label, 0))
 
     def measure(self, program):
-        """Whether it passes as it is."""
+        """Measures the program without any change. Returns whether it passes."""
         if program.label in self.taken_s:
             return True
         begin = time.monotonic()
@@ -118,8 +119,8 @@ class Limits:
 
 
 def notices(program, limits):
-    """How a program ends, and at which test. A test counts only when it fails or hangs again by
-    itself: on a busy machine that may happen once by chance."""
+    """Returns how a program ends, and at which test. A test counts only if it fails or hangs again on
+    its own, because on a busy machine it may do so once by chance."""
     for _ in range(3):
         verdict, test = Run(program, limits.of(program)).verdict()
         if verdict is Verdict.PASSED:

@@ -1,4 +1,4 @@
-"""A copy of the sources, in which mutants are built and tested."""
+"""A copy of the sources in which mutants are built and tested."""
 
 import dataclasses
 import enum
@@ -7,7 +7,7 @@ import subprocess
 from .limits import start
 from .programs import Limits, Program, Verdict, notices
 
-# The folder of a source, and the test programs that test it directly, the fastest first.
+# For each folder, the test programs that test its sources directly, fastest first.
 TESTS = {
     "util": ["util_test", "memory_test", "app_test", "tool_test"],
     "profile": ["profile_test", "examples_test", "device_test"],
@@ -29,7 +29,7 @@ class End(enum.Enum):
 @dataclasses.dataclass(frozen=True)
 class Outcome:
     end: End
-    test: str = ""  # what noticed the change
+    test: str = ""  # the test that detected the change
 
 
 class Tree:
@@ -52,15 +52,15 @@ class Tree:
                 there.parent.mkdir(parents=True, exist_ok=True)
                 there.write_bytes(here.read_bytes())
                 there.chmod(here.stat().st_mode)
-        # Warnings are not errors: a mutant may leave a variable unused. Tests are listed when they
-        # are asked for, not after each build.
+        # Warnings are not errors, because a mutant may leave a variable unused. Tests are discovered
+        # when they are listed, not after each build.
         self._run(["cmake", "-S", str(self.tree), "-B", str(self.build_folder), "-G", "Ninja",
                    "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
                    "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
                    "-DZSERIAL_BUILD_TESTS=ON"], check=True)
 
     def require_success(self, labels):
-        """Builds the unchanged sources and ends the program if a test fails with them."""
+        """Builds the unchanged sources and exits if one of their tests fails."""
         self._build(labels, check=True)
         self.programs.update(Program.all_of(self.build_folder))
         for label in labels:
@@ -68,13 +68,13 @@ class Tree:
                 raise SystemExit(f"{label} fails without any change")
 
     def all_labels(self):
-        """Of all test programs, those of the product's own folders first."""
+        """Returns the labels of all test programs, those of the folders in TESTS first."""
         self._build(["all"], check=True)
         own = [label for labels in TESTS.values() for label in labels]
         return [*dict.fromkeys(own + sorted(Program.all_of(self.build_folder)))]
 
     def try_out(self, mutant, labels):
-        """The Outcome with these test programs, one after the other."""
+        """Returns the Outcome of a mutant with these test programs, run one after the other."""
         path = self.tree / mutant.path
         original = path.read_bytes()
         path.write_text(mutant.applied_to(original.decode()), encoding="utf-8")
@@ -97,7 +97,8 @@ class Tree:
                           "--target", *targets], check)
 
     def _run(self, command, check=False, longest_s=LONGEST_BUILD_S):
-        """Whether it succeeded. A command that hangs is killed with everything that it started."""
+        """Returns whether a command succeeded. If it hangs, it is killed with everything that it has
+        started."""
         with open(self.log, "wb") as log:
             process = start(command, log)
             try:

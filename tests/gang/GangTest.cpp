@@ -18,13 +18,13 @@ namespace
 
 constexpr int longest_run_ms = ZSERIAL_LONGEST_RUN_S * 2000;
 
-/// Scratch folders of gangs that are killed go with the test's folder.
+/// Puts scratch folders into the test's folder, so that those of killed gangs are removed with it.
 QProcessEnvironment environment(const QString& folder)
 {
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     variables.insert(QStringLiteral("TMPDIR"), folder);
-    // An instrumented tool that aborts must die of the signal as the plain one does.
+    // An instrumented zserial that aborts must end by the signal, as the plain one does.
     const QString name = QStringLiteral("ASAN_OPTIONS");
     variables.insert(name, variables.value(name) + QStringLiteral(":handle_abort=0:handle_segv=0"));
     return variables;

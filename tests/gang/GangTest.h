@@ -16,20 +16,20 @@
 namespace test
 {
 
-/// Words of a command line, separated by spaces.
+/// Splits a command line at spaces.
 QStringList words(const char* text);
 
-/// A process of zserial-sim that serves until it is destroyed.
+/// A zserial-sim process that runs until the object is destroyed.
 class SimProcess
 {
 public:
-    /// `options` beside the table and the device 0102, which runs its bootloader already.
+    /// Starts zserial-sim with `options` and --json, and waits until it prints its port.
     SimProcess(const QString& folder, const QStringList& options);
     ~SimProcess();
 
     const QString& port() const { return m_port; }
 
-    /// Stops it; its summary, printed with --json.
+    /// Stops the simulator and returns its summary.
     QJsonObject stop();
 
 private:
@@ -37,35 +37,36 @@ private:
     QString m_port;
 };
 
-/// How a run of zserial-gang ended and what it printed.
+/// How a zserial-gang process ended, and what it printed.
 struct GangResult {
     bool crashed = false;
     int status = 0; ///< exit status, or the number of the signal
     QByteArray out;
     QByteArray err;
 
-    /// The lines of standard output as JSON.
+    /// Returns the lines of standard output that are JSON objects.
     std::vector<QJsonObject> events() const;
-    /// The last event of this kind for a port; empty if there is none.
+    /// Returns the last event of this kind, for `port` or for any port if that is empty; an empty
+    /// object if there is none.
     QJsonObject last(const char* event, const QString& port = {}) const;
 };
 
 std::ostream& operator<<(std::ostream& stream, const GangResult& result);
 
-/// A process of zserial-gang.
+/// A zserial-gang process.
 class GangProcess
 {
 public:
-    /// `setup`: what a shell does before it becomes the gang.
+    /// `setup` is what a shell runs before the gang replaces it.
     GangProcess(const QString& folder, const QStringList& arguments,
                 const QString& setup = QStringLiteral(":"));
     ~GangProcess();
 
     qint64 id() const { return m_process.processId(); }
 
-    /// Waits until this has come out of it.
+    /// Waits until `text` is on standard output; false on a timeout.
     bool has_printed(const QByteArray& text);
-    /// How often this has come out of it.
+    /// Returns how often `text` has appeared on standard output so far.
     int count(const QByteArray& text);
     void send(int signal);
     GangResult result();
@@ -77,7 +78,7 @@ private:
     QByteArray m_out;
 };
 
-/// Runs real processes in a folder that has a table, an image and whatever a test adds.
+/// Runs real processes in a folder with a table, an image and whatever files a test adds.
 class GangTest : public testing::Test
 {
 protected:
@@ -89,16 +90,17 @@ protected:
 
     void put_file(const QString& name, const QByteArray& contents) const;
     void give_file(const char* data, const QString& name) const;
-    /// A shell script to run in place of the tool, which it finds as $ZSERIAL.
+    /// Creates a shell script to run in place of zserial, which it finds as $ZSERIAL. Returns its
+    /// path.
     QString put_tool(const QByteArray& script) const;
     QByteArray file(const QString& name) const;
-    /// The lines of a record that are JSON.
+    /// Returns the lines of a record that are JSON objects.
     std::vector<QJsonObject> record(const QString& name = QStringLiteral("record.jsonl")) const;
 
     std::unique_ptr<SimProcess> device(const char* options = "--entry version") const;
 
     GangResult run(const QStringList& arguments) const;
-    /// Runs one port with these arguments of the tool, and of the gang.
+    /// Runs a gang on one port, with these arguments for zserial and for the gang.
     GangResult run(const QString& port, const char* tool_arguments,
                    const char* gang_arguments = "") const;
 
@@ -108,7 +110,7 @@ private:
 
 std::string text(const QJsonObject& object, const char* key);
 
-/// The number of the system's processes with this program whose parent is `parent`.
+/// Returns the ids of the child processes of `parent`.
 std::vector<qint64> children_of(qint64 parent);
 
 } // namespace test

@@ -45,7 +45,7 @@ TEST_F(GangCertify, FindsEepromThatWriteAndVerifyDoesNotReadBack)
 
 TEST_F(GangCertify, FindsADeviceThatIsAnotherOne)
 {
-    // The same device under another version: the upload by it goes well.
+    // The same device under a second version, with which the upload succeeds.
     const QByteArray table = file(QStringLiteral("device.txt"));
     const int row = table.indexOf("v0102:");
     put_file(QStringLiteral("device.txt"),

@@ -107,7 +107,7 @@ TEST_F(GangMany, NoMoreThanAllowedAtOnce)
     EXPECT_EQ(gang.result().status, 0);
 }
 
-/// Counts what became of every number of a serial file.
+/// Gangs that give out serial numbers.
 class GangNumbers : public GangMany
 {
 protected:
@@ -117,14 +117,14 @@ protected:
             "--serial-at 0xE0 --serial-size 4 --serial-file numbers --record record.jsonl");
     }
 
-    /// Whether nobody has any of the ports open.
+    /// True if no process has any of the ports open.
     bool are_free() const
     {
         return std::all_of(m_ports.begin(), m_ports.end(),
                            [](const QString& port) { return !sim::has_port_lock(port); });
     }
 
-    /// The arguments of a gang for some of the ports.
+    /// Returns the arguments of a gang for `count` of the ports, from `first` on.
     QStringList round(int first, int count) const
     {
         return numbered() + m_ports.mid(first, count) + words("-- -B 0102 -w image.hex");
@@ -213,7 +213,7 @@ TEST_F(GangNumbers, EndARunThatFindsNoneForAnotherTry)
     EXPECT_TRUE(result.err.contains("the serial number 256 does not fit into 1 bytes")) << result;
 }
 
-/// 200 runs by two gangs, with failures by chance, and one gang killed in between.
+/// 200 runs by two gangs, with random failures; one gang is killed halfway.
 TEST_F(GangNumbers, AreNeverGivenTwice)
 {
     constexpr int devices = 20;
@@ -233,7 +233,7 @@ TEST_F(GangNumbers, AreNeverGivenTwice)
         }
         one.result();
         EXPECT_LE(other.result().status, 1);
-        // Those of a killed gang go on by themselves, and end before their ports are used again.
+        // The uploads of a killed gang continue; they must end before their ports are used again.
         ASSERT_TRUE(wait_until([this] { return are_free(); }));
     }
     std::set<int> given;

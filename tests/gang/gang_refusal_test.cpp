@@ -11,7 +11,7 @@ using namespace test;
 namespace
 {
 
-/// Arguments with which nothing is started, and why.
+/// Arguments that a gang refuses, and the reason that it gives.
 struct RefusalCase {
     const char* name;
     const char* arguments;
@@ -37,7 +37,7 @@ protected:
                  image.left(end) + file(QStringLiteral("elsewhere.hex")));
     }
 
-    /// Names by which two ports, a and b, would write one file.
+    /// Creates links by which two ports, a and b, would write to one file.
     void put_links() const
     {
         ASSERT_TRUE(QDir(folder()).mkdir(QStringLiteral("a")));
@@ -85,6 +85,11 @@ const std::vector<RefusalCase> refusal_cases = {
     {"RefusedByTheTool", "/dev/a -- -e -e", "You specified '-e' more than once."},
     {"WordPassedOver", "/dev/a -- -vw image.hex",
      "zserial ignores the word \"-vw\", which is not an option"},
+    {"VersionRequest", "/dev/a -- -V -e", "with -V but without -B, every run fails: leave out -V"},
+    {"WithForceOrNotAtAll", "/dev/a -- -vw image.hex",
+     "not started because of these problems; --force starts anyway"},
+    {"ImageNamedAfterThePort", "--watch /dev/x* -- -w {name}.hex",
+     "with --watch, the name of an image must not depend on the port"},
     {"OneFileForTwoPorts", "/dev/a /dev/b -- -r out.hex",
      "would be written for /dev/a and for /dev/b"},
     {"OneLogForTwoPorts", "/dev/a /dev/b -- -e -x out.log",
@@ -162,6 +167,12 @@ const std::vector<RefusalCase> refusal_cases = {
     {"SerialNumberSize",
      "--serial-at 0xE0 --serial-size 9 --serial-file numbers /dev/a -- -wv image.hex",
      "--serial-size must be a number from 1 to 8"},
+    {"SerialNumberAddress",
+     "--serial-at top --serial-size 4 --serial-file numbers /dev/a -- -wv image.hex",
+     "--serial-at: 'top' is not an address such as 0x1F00"},
+    {"SerialNumberBeyondAllAddresses",
+     "--serial-at 0xFFFFFFFE --serial-size 4 --serial-file numbers /dev/a -- -wv image.hex",
+     "the serial number would reach beyond address 0xFFFFFFFF"},
     {"SerialNumberFormat",
      "--serial-at 0xE0 --serial-size 4 --serial-format bcd --serial-file numbers /dev/a -- -wv "
      "image.hex",

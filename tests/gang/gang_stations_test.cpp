@@ -9,7 +9,7 @@ using namespace test;
 namespace
 {
 
-/// The recipe for more than one machine, with a stand-in for ssh that runs commands here.
+/// Runs examples/production/stations.sh with a stand-in for ssh that runs the commands locally.
 class GangStations : public GangTest
 {
 protected:

@@ -16,11 +16,11 @@ using namespace test;
 namespace
 {
 
-/// What a gang is started with, and what happens around it.
+/// The process environment of a gang: standard streams, limits, signals, pipes and file names.
 class GangSurroundings : public GangTest
 {
 protected:
-    /// A pipe with a name.
+    /// Creates a named pipe and returns its encoded path.
     QByteArray put_pipe(const char* name) const
     {
         const QByteArray pipe = QFile::encodeName(path(QLatin1String(name)));
@@ -93,7 +93,7 @@ TEST_F(GangSurroundings, AnInterruptEndsTheWaitForAFile)
 {
     const QByteArray pipe = put_pipe("table");
     GangProcess gang(folder(), words("--table table /dev/a -- -e"));
-    const int writer = ::open(pipe.constData(), O_WRONLY); // waits until the gang opens it
+    const int writer = ::open(pipe.constData(), O_WRONLY); // blocks until the gang opens it
     gang.send(SIGINT);
     const GangResult result = gang.result();
     ::close(writer);

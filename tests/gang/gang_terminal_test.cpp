@@ -10,7 +10,7 @@ using namespace test;
 namespace
 {
 
-/// A gang in a real terminal, which a terminal multiplexer keeps and shows as text.
+/// Runs a gang in tmux, a real terminal whose screen can be captured as text.
 class GangTerminal : public GangTest
 {
 protected:
@@ -45,8 +45,8 @@ protected:
         return process.readAllStandardOutput();
     }
 
-    /// Starts a gang of a good device, a port that is not there and a device that is silent for
-    /// longer than the test looks.
+    /// Starts a gang for a good device, a port that does not exist and a device that stays silent
+    /// for longer than the test takes.
     void start(const char* columns, const char* lines, const char* environment = "") const
     {
         const QString command =
@@ -59,7 +59,7 @@ protected:
               QLatin1String(columns), QStringLiteral("-y"), QLatin1String(lines), command});
     }
 
-    /// The screen with all times alike and without empty lines.
+    /// Returns the screen without blank lines and with each time replaced by TIME.
     std::string screen() const
     {
         QString text = QString::fromUtf8(tmux(words("capture-pane -p")));

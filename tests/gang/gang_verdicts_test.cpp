@@ -12,24 +12,24 @@ namespace
 
 const QString no_port = QStringLiteral("/dev/no-such-port");
 
-/// A fault of the device, its line or its files, and the one verdict that follows from it.
+/// A fault of the device, its line or its files, and the verdict that it leads to.
 struct VerdictCase {
     const char* name;
-    QByteArray device; ///< options of the simulator; empty: no device, a port that is not there
+    QByteArray device; ///< options of zserial-sim; empty: no device, and a port that does not exist
     QByteArray tool;
     const char* gang;
     const char* verdict;
-    const char* message; ///< how the message begins
+    const char* message; ///< start of the message
 };
 
-/// With a device that does nothing wrong.
+/// Returns a case with a device without faults.
 VerdictCase good_device(const char* name, const char* tool, const char* gang = "",
                         const char* verdict = "ok", const char* message = "")
 {
     return {name, "--entry version", tool, gang, verdict, message};
 }
 
-/// With a known device that has this fault.
+/// Returns a case with a device of a given version (-B) that has this fault.
 VerdictCase fault(const char* name, const char* device_fault, const char* tool, const char* verdict,
                   const char* message)
 {
@@ -114,9 +114,10 @@ const std::vector<VerdictCase> verdict_cases = {
           "Row verify failure at address 0x000000A0"),
     {"Limit", "--entry silent", "-wv image.hex", "--limit 0.5", "timed-out",
      "did not end within 0.5 s"},
-    good_device("FullDisk", "-B 0102 -l 0x80 0xC0 /dev/full", "", "unsaved", "/dev/full"),
+    good_device("FullDisk", "-B 0102 -l 0x80 0xC0 /dev/full", "", "unsaved",
+                "/dev/full is missing or not a regular file, so what was read is not saved"),
     good_device("NothingPrinted", "-B 0102 -wv image.hex", "--zserial /bin/true", "failed",
-                "ended with status 0; its last lines: "),
+                "ended with status 0 and printed nothing"),
 };
 
 INSTANTIATE_TEST_SUITE_P(Real, GangVerdicts, testing::ValuesIn(verdict_cases), row_name);
@@ -124,7 +125,8 @@ INSTANTIATE_TEST_SUITE_P(Real, GangVerdicts, testing::ValuesIn(verdict_cases), r
 class GangEnds : public GangTest
 {
 protected:
-    /// Starts an upload to a device that never answers, and waits until the tool runs.
+    /// Starts an upload to a device that never answers, and waits until zserial has opened the
+    /// port.
     std::unique_ptr<GangProcess> stuck(const QString& port) const
     {
         auto gang = std::make_unique<GangProcess>(
@@ -162,7 +164,7 @@ TEST_F(GangEnds, SecondInterruptEndsUploads)
     const auto simulated = device("--entry silent");
     const auto gang = stuck(simulated->port());
     gang->send(SIGINT);
-    // A signal that is still pending swallows another of its kind.
+    // Another kind of signal: a second one of the same kind is lost while the first is pending.
     gang->send(SIGTERM);
     const GangResult result = gang->result();
     EXPECT_EQ(text(result.last("end"), "verdict"), "interrupted") << result;

@@ -13,7 +13,7 @@ namespace
 class GangWatch : public GangTest
 {
 protected:
-    /// Plugs a device in: a link to its port appears.
+    /// Plugs in a device by creating a link to its port.
     std::unique_ptr<SimProcess> plug_in(const char* name,
                                         const QByteArray& options = "--entry version") const
     {

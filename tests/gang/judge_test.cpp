@@ -35,7 +35,7 @@ std::string judged(const char* arguments, int status, const QByteArray& out)
     return shown(judge(exited(status, out), settings(arguments)));
 }
 
-/// A console and what follows from it.
+/// A console and the judgement expected for it.
 struct ConsoleCase {
     const char* name;
     const char* arguments;
@@ -97,7 +97,7 @@ const std::vector<ConsoleCase> console_cases = {
      "procedure: 0x0110 / All "
      "operations completed succesfully! / more"},
     {"AnotherStatus", "-s p", 7, "what\n", "failed: ended with status 7; its last lines: what"},
-    {"NothingAtAll", "-s p", 1, "", "failed: ended with status 1; its last lines: "},
+    {"NothingAtAll", "-s p", 1, "", "failed: ended with status 1 and printed nothing"},
     {"UnknownText", "-s p", 1, "one\ntwo\nthree\nfour\n",
      "failed: ended with status 1; its last lines: two / three / four"},
     {"ReadFileLost", "-s p -r g", 0,
@@ -199,7 +199,7 @@ const std::vector<ConsoleCase> console_cases = {
      version + "Uploading firmware\nRow verify failure at address 0x00000800\n\nWrite-and-verify "
                "failure!\n",
      "mismatch: Row verify failure at address 0x00000800"},
-    // A failure of one operation is no failure of another one.
+    // The failure message of an operation that was not requested proves nothing.
     {"FailureOfAnotherOperation", "-s p -w f", 1,
      version + "Verifying firmware\n\nVerification failure!\n",
      "failed: ended with status 1; its last lines: Retrieved version number during QV entry "

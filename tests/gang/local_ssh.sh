@@ -1,5 +1,5 @@
 #!/bin/sh
-# Stands in for ssh: runs the command here, as the host's shell would.
+# Stands in for ssh: runs the command locally, as the shell of the host would.
 host=$1
 shift
 echo "$host" >>"$SSH_LOG"

@@ -161,7 +161,10 @@ TEST_F(Reports, ByTheProgram)
     put_file(QStringLiteral("record"), sample);
     EXPECT_EQ(run(words("report record record")).out.left(8), "12 runs ");
     EXPECT_EQ(run(words("report missing")).status, 2);
-    EXPECT_EQ(run(words("report")).status, 2);
+    const GangResult empty = run(words("report"));
+    EXPECT_EQ(empty.status, 2);
+    EXPECT_EQ(empty.err.toStdString(), "zserial-gang: report needs record files, and takes --json "
+                                       "or --html but not both\n");
     EXPECT_EQ(run(words("report --json --html record")).status, 2);
     EXPECT_TRUE(run(words("report --html record")).out.startsWith("<!DOCTYPE html>"));
 }
@@ -183,6 +186,14 @@ TEST_F(Reports, CannotBePrintedOnAFullDisk)
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err.toStdString(),
               "zserial-gang: cannot write the report to standard output\n");
+}
+
+TEST_F(Reports, CountWhatTheySkip)
+{
+    put_file(QStringLiteral("record"), sample + "{\"torn\n");
+    const GangResult result = run(words("report record"));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err.toStdString(), "zserial-gang: skipped lines that are not records: 1\n");
 }
 
 } // namespace

@@ -10,7 +10,8 @@ TEST_F(CommandLine, WithoutASubcommandCannotBeCarriedOut)
     const inspect::Outcome outcome = inspect_run({});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, QByteArray());
-    EXPECT_TRUE(outcome.err.startsWith("zserial-inspect: ")) << outcome.err.constData();
+    EXPECT_EQ(outcome.err.toStdString(),
+              "zserial-inspect: no subcommand is named; --help lists them\n");
 }
 
 TEST_F(CommandLine, NamesAnUnknownSubcommand)
@@ -94,6 +95,15 @@ INSTANTIATE_TEST_SUITE_P(
         WrongLine{"log_of_which_device",
                   "log tests/inspect/data/echo.log --table examples/device.txt",
                   "examples/device.txt has several devices: choose one with --device"},
+        WrongLine{"plan_of_which_device", "plan --table examples/device.txt -- -s p -e",
+                  "name the device that will answer with --device, because the command line has "
+                  "no -B"},
+        WrongLine{"plan_without_content",
+                  "plan --table examples/device.txt --device 0110 --before no_such.hex -- -s p -e",
+                  "cannot read no_such.hex: there is no such file"},
+        WrongLine{"plan_of_a_folder",
+                  "plan --table examples/device.txt --device 0110 --before examples -- -s p -e",
+                  "cannot read examples: it is not a regular file"},
         WrongLine{"ports_of_a_file", "ports /dev/ttyUSB0", "ports takes no file"},
         WrongLine{"drawing_over_the_table",
                   "image --svg examples/device.txt examples/blink.hex --table examples/device.txt "

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Asks a shell what it offers at the end of command lines. The arguments are the shell (bash, zsh or
-fish) and the folder of the programs."""
+"""Checks the completions that a shell offers. Arguments: the shell (bash, zsh or fish) and the folder of
+the programs."""
 
 import os
 import shutil
@@ -47,7 +47,7 @@ class Completion(unittest.TestCase):
             self.assertEqual(sorted(self.offered(line)), sorted(expected))
 
     def check_images(self, line):
-        """HEX files; fish offers other files, too, but later."""
+        """Expects HEX files; fish offers other files, too, but after them."""
         with self.subTest(line):
             offered = self.offered(line)
             self.assertEqual(offered[0], "blink.hex")
@@ -55,12 +55,12 @@ class Completion(unittest.TestCase):
 
 
 class OfZserial(Completion):
-    def test_has_all_options(self):
+    def test_offers_all_options(self):
         self.check("zserial -", programs.tool_options())
         self.check("zserial -s dev/ttyUSB0 -h -", programs.tool_options()
                    if SHELL != "zsh" else programs.tool_options().keys() - {"-s", "-h"})
 
-    def test_has_what_each_option_takes(self):
+    def test_completes_the_argument_of_each_option(self):
         self.check("zserial -s ", PORTS)
         self.check("zserial -s dev/ttyU", {"dev/ttyUSB0", "dev/ttyUSB1"})
         self.check("zserial -B ", VERSIONS)
@@ -69,7 +69,7 @@ class OfZserial(Completion):
         for option in ["-w", "-wv", "-r", "-v", "-W 0 1", "-l 0 1"]:
             self.check_images(f"zserial {option} ")
 
-    def test_has_nothing_for_numbers(self):
+    def test_offers_nothing_for_numbers(self):
         for option in ["-W", "-W 0", "-l", "-l 0", "-E", "-E 0", "-M"]:
             self.check(f"zserial {option} ", set())
 
@@ -79,7 +79,7 @@ class OfZserial(Completion):
 
 
 class OfTheCompanions(Completion):
-    def test_has_all_options(self):
+    def test_offers_all_options(self):
         for program in ["zserial-sim", "zserial-gang"]:
             self.check(f"{program} --", programs.options_of(FOLDER / program))
         self.check("zserial-gang report --", programs.options_of(FOLDER / "zserial-gang", "report"))
@@ -88,25 +88,25 @@ class OfTheCompanions(Completion):
         for name in programs.subcommands_of(inspector):
             self.check(f"zserial-inspect {name} --", programs.options_of(inspector, name))
 
-    def test_has_versions_of_the_table_that_is_named(self):
+    def test_offers_versions_of_the_given_table(self):
         self.check("zserial-sim --device ", VERSIONS)
         self.check("zserial-sim --table sub/small.txt --device ", {"0BEE"})
         self.check("zserial-gang --expect 01", VERSIONS)
         self.check("zserial-inspect image --device ", VERSIONS)
         self.check("zserial-inspect table --explain 013", {"0132"})
 
-    def test_has_names_of_values(self):
+    def test_offers_named_values(self):
         self.check("zserial-sim --entry ", {"probe", "version", "silent"})
         self.check("zserial-sim --echo ", {"apart", "together"})
         self.check("zserial-gang --serial-format ", {"little", "big", "text"})
 
-    def test_has_the_kinds_of_faults(self):
+    def test_offers_the_kinds_of_faults(self):
         kinds = programs.fault_kinds(FOLDER / "zserial-sim")
         offered = self.offered("zserial-sim --fault ")
         self.assertEqual(sorted(offer.rstrip("=:") for offer in offered), sorted(kinds))
         self.assertTrue({"lose-response=", "delay-response:", "stuck-bits:"} <= set(offered))
 
-    def test_has_files(self):
+    def test_offers_files(self):
         for option in ["--memory", "--save", "--check"]:
             self.check_images(f"zserial-sim {option} ")
         self.check_images("zserial-inspect image ")
@@ -115,15 +115,15 @@ class OfTheCompanions(Completion):
         self.check("zserial-gang report ", FILES)
         self.check("zserial-inspect table ", FILES)
 
-    def test_has_nothing_for_numbers(self):
+    def test_offers_nothing_for_numbers(self):
         for line in ["zserial-sim --seed ", "zserial-sim --latency-ms ", "zserial-gang --jobs "]:
             self.check(line, set())
 
-    def test_has_ports_to_program(self):
+    def test_offers_ports_to_program(self):
         self.check("zserial-gang ", PORTS | {"report"})
         self.check("zserial-gang --certify dev/ttyUSB0 ", PORTS)
 
-    def test_goes_on_after_the_separator_as_zserial(self):
+    def test_completes_like_zserial_after_the_separator(self):
         self.check("zserial-gang dev/ttyUSB0 -- -x", {"-x", "-xe", "-xu"})
         self.check_images("zserial-gang dev/ttyUSB0 -- -wv ")
         self.check("zserial-inspect plan -- -B 012", {"0121", "0122"})

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Configures the tree in several ways and looks at what would be built."""
+"""Configures the tree in several ways and checks what would be built."""
 
 import subprocess
 import sys
@@ -33,7 +33,7 @@ class Configured(unittest.TestCase):
     def rules(self):
         return (self.folder / "build/build.ninja").read_text()
 
-    def test_plainly_is_optimised(self):
+    def test_without_options_is_optimised(self):
         self.configure(programs.ROOT)
         self.assertEqual(self.cached("CMAKE_BUILD_TYPE"), "Release")
         self.assertIn("-O3", self.rules())
@@ -43,7 +43,7 @@ class Configured(unittest.TestCase):
         self.assertEqual(self.cached("CMAKE_BUILD_TYPE"), "Debug")
         self.assertNotIn("-O3", self.rules())
 
-    def test_as_part_of_a_project_leaves_the_build_type_and_the_installation_to_it(self):
+    def test_as_part_of_a_project_leaves_build_type_and_installation_to_it(self):
         (self.folder / "CMakeLists.txt").write_text(INCLUDING.format(root=programs.ROOT))
         self.configure(self.folder)
         self.assertEqual(self.cached("CMAKE_BUILD_TYPE"), "")

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Installs the libraries of a build, builds the examples against them as other projects would, and runs
-these. The argument is the build folder."""
+the examples. Argument: the build folder."""
 
 import os
 import shutil
@@ -15,7 +15,7 @@ import programs
 
 BUILD = Path(sys.argv.pop())
 EXAMPLES = programs.ROOT / "examples"
-# The example's summary as JSON is not needed; the check of the memory is the exit status.
+# The result of --check is the exit status; the summary is not used.
 EXEC = [BUILD / "zserial-sim", "--device", "0110", "--summary", "summary", "--check", "blink.hex"]
 
 EACH_HEADER = """
@@ -46,7 +46,7 @@ class Project(unittest.TestCase):
                               **options)
 
     def build(self, source):
-        """The folder with what was built from a project."""
+        """Builds a project and returns the build folder."""
         build = self.folder / f"build-{source.name}"
         for command in [["cmake", "-S", source, "-B", build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
                          f"-DCMAKE_PREFIX_PATH={self.folder / 'installed'}"],
@@ -59,7 +59,7 @@ class Project(unittest.TestCase):
         source = self.folder / "headers"
         source.mkdir()
         (source / "CMakeLists.txt").write_text(EACH_HEADER.format(folder=self.folder / "installed"))
-        # Nothing is linked, and -fsyntax-only leaves no objects: ninja would always compile again.
+        # Only compiled: with -fsyntax-only there are no objects to check or to link.
         build = self.build(source)
         self.assertGreater(len(list(build.glob("*.cpp"))), 10)
 

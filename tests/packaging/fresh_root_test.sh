@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Installs the packages of FOLDER into a fresh Debian, uses them there, removes them and looks for what is
-# left. Needs root or sudo, and the package archive of Debian.
+# Installs the packages of FOLDER in a fresh Debian system, uses them, removes them and checks that nothing
+# is left. Needs root or sudo, and access to Debian's package archive.
 set -euo pipefail
 
 if [ "$(id -u)" -ne 0 ]; then
     exec sudo "$0" "$@"
 fi
-# What is mounted here is not mounted anywhere else, and goes with this process.
+# Mounts made here are visible to this process only, and end with it.
 if [ -z "${in_own_namespace:-}" ]; then
     in_own_namespace=1 exec unshare --mount --propagation private "$0" "$@"
 fi
@@ -17,7 +17,7 @@ chmod 755 "$root"
 trap clean_up EXIT
 . /etc/os-release
 
-# What is mounted must go first: it is the machine's own.
+# Unmounts first: the mounted folders are those of the machine itself.
 clean_up() {
     local folder
     for folder in dev proc sys; do
@@ -45,7 +45,7 @@ apt() {
     }
 }
 
-# Every file and folder, except where Debian keeps accounts of what it does.
+# Lists all files and folders, except package data, caches and logs.
 listing() {
     (cd "$root" && find . -xdev \( -path ./var/lib/apt -o -path ./var/lib/dpkg -o -path ./var/cache \
         -o -path ./var/log \) -prune -o -print | sort)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Installs a build into an empty folder and looks at what is there. The argument is the build folder."""
+"""Installs a build into an empty folder and checks what is there. Argument: the build folder."""
 
 import re
 import subprocess
@@ -17,13 +17,13 @@ PROGRAMS = ["zserial", "zserial-gang", "zserial-inspect", "zserial-sim"]
 
 
 def files_in(folder):
-    """Paths of all files below a folder, relative to it; links count as files."""
+    """Returns the paths of all files below a folder, relative to it; links count as files."""
     return {path.relative_to(folder).as_posix() for path in folder.rglob("*")
             if path.is_symlink() or not path.is_dir()}
 
 
 def documents():
-    """Everything that is installed as a document, under its path in the tree."""
+    """Returns the paths, in the tree, of everything that is installed as a document."""
     root = programs.ROOT
     kept = {f"docs/{name}" for name in files_in(root / "docs")}
     kept |= {f"inspect/schema/{name}" for name in files_in(root / "inspect/schema")}
@@ -32,7 +32,7 @@ def documents():
 
 
 def public_headers():
-    """Those that docs/embedding.md lists."""
+    """Returns the headers that docs/embedding.md lists."""
     rows = re.findall(r"^\| `([A-Za-z/]+\.h)` \|", (programs.ROOT / "docs/embedding.md").read_text(),
                       re.MULTILINE)
     return set(rows)
@@ -99,7 +99,7 @@ class Installed(unittest.TestCase):
         self.assertEqual({name for name in rest if not re.fullmatch(
             r"lib[a-z0-9_/-]*/(libzserial-(core|process|sim)\.a|cmake/zserial/\w+(-\w+)?\.cmake)", name)}, set())
 
-    def test_name_no_folder_of_the_build(self):
+    def test_contain_no_path_of_the_build_tree(self):
         for name in self.files:
             if name.endswith((".cmake", ".h", ".rules", ".fish", ".zsh", ".1", ".5")):
                 text = (self.folder / name).read_text()

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares the manual pages with what the programs and the sources say, and lets mandoc look at them.
-The argument is the folder of the programs."""
+"""Compares the manual pages with the programs and the sources, and checks them with mandoc. Argument:
+the folder of the programs."""
 
 import re
 import subprocess
@@ -16,7 +16,7 @@ FOLDER = Path(sys.argv.pop())
 
 
 def sections(page):
-    """The lines of a page by the name of their section or subsection."""
+    """Returns the lines of a page by the name of their section or subsection."""
     found = {}
     name = ""
     for line in (PAGES / page).read_text().splitlines():
@@ -28,7 +28,7 @@ def sections(page):
 
 
 def options_in(*lines):
-    """{option: its arguments} of the tagged items among the lines."""
+    """Returns {option: its arguments} for the tagged items among the lines."""
     items = [re.match(r"\.It Fl (\S+)(.*)", line) for line in lines]
     return {"-" + item[1]: re.sub(r" (Op|Ar) ?", " ", item[2]).split() for item in items if item}
 
@@ -82,7 +82,7 @@ class Pages(unittest.TestCase):
                          ["zserial-device-table.5", "zserial-gang.1", "zserial-inspect.1",
                           "zserial-sim.1", "zserial.1"])
 
-    def test_mandoc_finds_nothing_to_warn_of(self):
+    def test_mandoc_has_no_warnings(self):
         pages = sorted(PAGES.iterdir())
         lint = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", *pages],
                               capture_output=True, text=True)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Looks at the packages and the source archive. The arguments are their folder and that of a build of
-this tree."""
+"""Checks the packages and the source archive. Arguments: their folder and a build folder of this
+tree."""
 
 import re
 import subprocess
@@ -16,7 +16,7 @@ import programs
 BUILD = Path(sys.argv.pop())
 FOLDER = Path(sys.argv.pop())
 
-# What lintian warns of and stays as it is.
+# Accepted warnings of lintian, and the reasons.
 EXPLAINED = {
     "initial-upload-closes-no-bugs": "nobody has asked Debian for this package",
 }
@@ -35,12 +35,12 @@ def field(name, key):
 
 
 def depends(name):
-    """The names of the packages that a package depends on."""
+    """Returns the names of the packages that a package depends on."""
     return set(re.findall(r"(?:^|, )([a-z0-9.+-]+)", field(name, "Depends")))
 
 
 def files(name):
-    """Paths below /usr of a package's files, without folders."""
+    """Returns the paths of a package's files below /usr, without folders."""
     with tempfile.NamedTemporaryFile() as archive:
         subprocess.run(["dpkg-deb", "--fsys-tarfile", package(name)], check=True, stdout=archive)
         with tarfile.open(archive.name) as opened:
@@ -48,7 +48,7 @@ def files(name):
 
 
 def installed_files():
-    """The same of what `cmake --install` puts where a packager has moved nothing."""
+    """Returns the same for `cmake --install` without changes by a packager."""
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run(["cmake", "--install", BUILD, "--prefix", folder], check=True,
                        capture_output=True)
@@ -73,7 +73,7 @@ class Packages(unittest.TestCase):
         changelog = (programs.ROOT / "packaging/debian/changelog").read_text()
         self.assertTrue(changelog.startswith(f"zserial ({version}-1) "))
 
-    def test_hold_what_is_installed_and_what_debian_adds(self):
+    def test_contain_what_is_installed_and_what_debian_adds(self):
         multiarch = output_of("dpkg-architecture", "-qDEB_HOST_MULTIARCH").strip()
         own = {f"share/doc/{name}/{file}" for name in ["zserial", "libzserial-dev"]
                for file in ["copyright", "changelog.gz", "changelog.Debian.gz"]}
@@ -85,7 +85,7 @@ class Packages(unittest.TestCase):
         moved = {name.removesuffix(".gz") if name.startswith("share/man/") else name for name in moved}
         self.assertEqual(moved, installed_files())
 
-    def test_share_no_file(self):
+    def test_have_no_files_in_common(self):
         self.assertEqual(files("zserial") & files("libzserial-dev"), set())
 
     def test_say_that_no_licence_has_been_granted(self):

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The check of system headers passes this tree, and finds each kind of fault in a copy.
+# Tests that check_platform.sh passes for this tree and finds each kind of violation in a copy.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
@@ -8,7 +8,7 @@ scripts/check_platform.sh
 copy=$(mktemp -d)
 trap 'rm -rf "$copy"' EXIT
 
-# Adds a line at the top of a file of a fresh copy, which the check must refuse then.
+# Adds a line at the top of a file in a fresh copy, which the check must then refuse.
 refuses() {
     local file=$1 line=$2
     rm -rf "${copy:?}"/*

@@ -1,4 +1,4 @@
-"""What the programs say about their own options."""
+"""The options of the programs, as they describe them themselves."""
 
 import re
 import subprocess
@@ -12,13 +12,13 @@ def help_of(*command):
 
 
 def options_of(*command):
-    """{"--name": whether a value follows} from a help text."""
+    """Returns {"--name": whether it takes a value} from a help text."""
     found = re.findall(r"^  (--[a-z][a-z-]*)( <[a-z]+>)?(?: |$)", help_of(*command), re.MULTILINE)
     return {name: bool(value) for name, value in found}
 
 
 def subcommands_of(program):
-    """The names in the list of subcommands of a help text."""
+    """Returns the names of the subcommands from a help text."""
     listed = help_of(program).partition("Subcommands:\n")[2].partition("\n\n")[0]
     return re.findall(r"^  ([a-z]+)", listed, re.MULTILINE)
 
@@ -29,7 +29,7 @@ def fault_kinds(simulator):
 
 
 def tool_options():
-    """{"-x": number of words that follow} of zserial, which has no --help, from its table."""
+    """Returns {"-x": number of arguments} for zserial, from its option table: it has no --help."""
     table = (ROOT / "app/Options.cpp").read_text()
     rows = re.findall(r'\{QLatin1String\("(-[A-Za-z]+)"\), (\d), on_', table)
     return {name: int(count) for name, count in rows}

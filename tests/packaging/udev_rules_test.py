@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks the form of the udev rules, and that each line is explained. udev itself reads them in the
-test of the packages."""
+"""Checks the syntax of the udev rules, and that each line is explained. The test of the packages lets
+udev itself read them."""
 
 import re
 import sys
@@ -13,7 +13,7 @@ RULES = programs.ROOT / "packaging/udev/70-zserial.rules"
 
 MATCHES = "==|!="
 ASSIGNMENTS = r"=|\+="
-# What each key may be used for, of those that udev(7) lists and these rules need.
+# The operators that udev(7) allows for each key that these rules need.
 KEYS = {
     "ACTION": MATCHES, "SUBSYSTEM": MATCHES, "SUBSYSTEMS": MATCHES, "DRIVERS": MATCHES,
     "KERNEL": MATCHES, "TEST": MATCHES, "ENV{}": f"{MATCHES}|=", "ATTR{}": f"{MATCHES}|=",
@@ -23,7 +23,7 @@ TOKEN = re.compile(r'([A-Z]+)(?:\{([A-Za-z0-9_./]+)\})?(==|!=|\+=|=)"([^"]*)"')
 
 
 def faults_of(text):
-    """What is wrong with rules, as a list of texts that begin with the number of the line."""
+    """Returns the faults of rules as texts that start with the line number."""
     faults = []
     labels = re.findall(r'LABEL="(\w+)"', text)
     lines = text.splitlines()

@@ -12,7 +12,7 @@ namespace
 
 using Platform::file_key;
 
-/// A folder with a file, a folder and links to both.
+/// A folder with a file, a subfolder and links to both, a dangling link and a circular one.
 class FileNames : public testing::Test
 {
 protected:

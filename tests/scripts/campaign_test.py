@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of how the reliability campaign counts, and of what it judges by."""
+"""Tests of how the reliability campaign counts and judges its runs."""
 
 import dataclasses
 import pathlib
@@ -30,22 +30,22 @@ def verdict(end, faults, cause=None):
 class Line(unittest.TestCase):
     row = SECTIONS["bytes"].rows()[4]
 
-    def test_counts_a_run_without_a_fault_as_nothing_else(self):
+    def test_counts_runs_without_a_fault_separately(self):
         shown = cells(self.row, [verdict(End.RIGHT, {}), verdict(End.RIGHT, {"noise": 2})])
         self.assertEqual((shown["Runs"], shown["Without a fault"], shown["Right"]),
                          ("2", "1", "1"))
 
-    def test_shows_no_ends_where_no_run_met_a_fault(self):
+    def test_shows_no_results_if_no_run_met_a_fault(self):
         shown = cells(self.row, [verdict(End.RIGHT, {})])
         self.assertEqual((shown["Faults met"], shown["Right"], shown["False success"]),
                          ("0", "—", "—"))
 
-    def test_adds_up_the_faults_of_all_runs_by_kind(self):
+    def test_sums_the_faults_of_all_runs_by_kind(self):
         shown = cells(self.row, [verdict(End.RIGHT, {"noise": 2, "unplug": 1}),
                                  verdict(End.ERROR, {"noise": 3})])
         self.assertEqual(shown["Faults met"], "6: 5 noise, 1 unplug")
 
-    def test_shows_every_false_success_and_why(self):
+    def test_shows_every_false_success_and_its_cause(self):
         lied = verdict(End.FALSE_SUCCESS, {"noise": 1}, Cause.REQUEST)
         shown = cells(self.row, [lied, verdict(End.RIGHT, {"noise": 1})])
         self.assertEqual(shown["False success"], "1: 1 damaged request, its checksum fits")
@@ -56,21 +56,21 @@ class Line(unittest.TestCase):
 
 
 class Count(unittest.TestCase):
-    def test_rises_until_the_faults_wanted_are_met(self):
+    def test_is_high_enough_to_meet_the_requested_faults(self):
         row = dataclasses.replace(SECTIONS["bytes"].rows()[0], faults_per_run=0.5)
         self.assertEqual(row.count(50, 250), 500)
 
-    def test_is_the_least_where_every_run_meets_many(self):
+    def test_is_the_minimum_if_every_run_meets_many_faults(self):
         row = dataclasses.replace(SECTIONS["bytes"].rows()[0], faults_per_run=100)
         self.assertEqual(row.count(50, 250), 50)
 
-    def test_is_the_least_where_there_are_no_faults(self):
+    def test_is_the_minimum_without_faults(self):
         row = dataclasses.replace(SECTIONS["bytes"].rows()[0], faults_per_run=None)
         self.assertEqual(row.count(50, 250), 50)
 
 
 class HexFile(unittest.TestCase):
-    def test_comes_back_as_it_was_written(self):
+    def test_is_read_back_as_written(self):
         stretches = [(0x3FE, b"\x01\x02\x03"), (0xFFF8, bytes(range(48))), (0x400010, b"\x55")]
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder) / "image.hex"
@@ -78,15 +78,15 @@ class HexFile(unittest.TestCase):
             self.assertEqual(hexfile.read(path), stretches)
 
 
-class Held(unittest.TestCase):
-    def test_differs_where_a_byte_does(self):
+class DeviceMemory(unittest.TestCase):
+    def test_differs_where_a_byte_differs(self):
         memory = Memory(SMALL, Image([(0x400, b"\x01\x02\x03")]))
         self.assertEqual(memory.differences(Image([(0x400, b"\x01\x03\x03")])), {0x401})
 
-    def test_lacks_what_an_image_has_outside_of_it(self):
+    def test_lacks_image_bytes_outside_of_it(self):
         self.assertEqual(Memory(SMALL).differences(Image([(0xBFF, b"\xFF\xFF")])), {0xC00})
 
-    def test_differs_as_a_whole_where_an_image_ends_early(self):
+    def test_differs_as_a_whole_where_the_image_has_no_data(self):
         memory = Memory(SMALL)
         image = Image([(SMALL.flash.start, b"\xFF" * len(SMALL.flash))])
         self.assertEqual(memory.differences(image, whole=True), set(SMALL.eeprom))
@@ -101,7 +101,7 @@ class Held(unittest.TestCase):
         after = memory.written_and_verified(Image([(0x500, b"\x01")]))
         self.assertEqual([after[0x400], after[0x500], after[0x510]], [0, 1, 0xFF])
 
-    def test_follows_from_the_seed(self):
+    def test_depends_only_on_the_seed(self):
         self.assertEqual(sample.__wrapped__(LARGE, "1", True)[1],
                          sample.__wrapped__(LARGE, "1", True)[1])
 
@@ -129,10 +129,10 @@ class Judged(unittest.TestCase):
         wrong = Memory(SMALL, Image([(0x400, b"\x01\x02"), (0xA00, b"\x00")]))
         self.assertIs(self.end(0, after=wrong), End.FALSE_SUCCESS)
 
-    def test_an_error_if_the_tool_says_so(self):
+    def test_an_error_if_the_tool_reports_one(self):
         self.assertIs(self.end(1, "Write failure!"), End.ERROR)
 
-    def test_broken_if_it_fails_without_a_word(self):
+    def test_broken_if_it_fails_without_a_message(self):
         self.assertIs(self.end(1), End.BROKEN)
 
     def test_broken_if_it_was_killed(self):
@@ -146,7 +146,7 @@ class Judged(unittest.TestCase):
     def test_right_if_a_verification_finds_the_difference(self):
         self.assertIs(self.verification(b"\x01\x03"), End.RIGHT)
 
-    def test_a_false_alarm_if_the_difference_is_not_there(self):
+    def test_a_false_alarm_if_the_difference_does_not_exist(self):
         self.assertIs(self.verification(b"\x01\x02"), End.FALSE_ALARM)
 
     def test_a_false_alarm_if_a_verification_has_changed_the_device(self):
@@ -156,12 +156,12 @@ class Judged(unittest.TestCase):
 
 
 class Page(unittest.TestCase):
-    def test_gets_a_table_where_its_name_stands(self):
+    def test_gets_a_table_at_the_marker_with_its_name(self):
         page = "before\n<!-- loss -->\nold\n<!-- end of loss -->\nafter\n"
         self.assertEqual(tables.put_into(page, "loss", "new"),
                          "before\n<!-- loss -->\n\nnew\n\n<!-- end of loss -->\nafter\n")
 
-    def test_without_the_place_is_an_error(self):
+    def test_without_the_marker_is_an_error(self):
         with self.assertRaises(ValueError):
             tables.put_into("nothing", "loss", "new")
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of the checks of documents: each of them has to find what it looks for."""
+"""Tests that each check of the documents finds what it looks for."""
 
 import pathlib
 import re
@@ -16,7 +16,7 @@ from documents import commands, links, markdown, messages
 
 
 class Page(unittest.TestCase):
-    """A document in a folder of its own."""
+    """A document in a temporary folder."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -32,7 +32,7 @@ class Page(unittest.TestCase):
         return commands.command_blocks(self.page(text))
 
     def failures(self, text):
-        """The failures without their places. No program of ours is needed."""
+        """Returns the failures without their positions. None of our programs is needed."""
         found, _ = commands.check(self.page(text), SOURCE, self.folder)
         return [failure.split(": ", 1)[1] for failure in found]
 
@@ -47,31 +47,31 @@ class Blocks(Page):
         found = self.blocks("- item\n\n      zserial -x\n")
         self.assertEqual([block.lines for block in found], [["zserial -x"]])
 
-    def test_of_other_languages_and_without_programs_hold_no_commands(self):
+    def test_in_other_languages_or_without_programs_hold_no_commands(self):
         self.assertEqual(self.blocks("```cpp\nzserial\n```\n\n    55 55 04\n"), [])
 
-    def test_have_the_comments_before_them(self):
+    def test_take_the_comments_before_them(self):
         first, second = self.blocks("<!-- status: 1 -->\n\n    zserial\n\nText.\n\n    zserial\n")
         self.assertEqual((first.comments, second.comments), (["status: 1"], []))
 
-    def test_have_commands_over_several_lines_with_what_they_print(self):
+    def test_hold_commands_of_several_lines_with_their_output(self):
         block, = self.blocks("```console\n$ zserial \\\n    -x\nprinted\n\nmore\n$ ls\n```\n")
         self.assertEqual([(each.text, each.shown) for each in commands.commands(block)],
                          [("zserial \\\n    -x", ["printed", "", "more"]), ("ls", [])])
 
 
 class Output(unittest.TestCase):
-    def test_has_to_be_the_same(self):
+    def test_must_be_the_same(self):
         self.assertTrue(commands.agrees(["a", "b"], "a\nb\n"))
         self.assertFalse(commands.agrees(["a", "b"], "a\nb\nc\n"))
         self.assertFalse(commands.agrees(["a.b"], "axb\n"))
 
-    def test_may_be_left_out(self):
+    def test_may_be_elided(self):
         self.assertTrue(commands.agrees(["a", "..."], "a\nb\nc\n"))
         self.assertTrue(commands.agrees(["...", "c ... e"], "a\nb\nc d e\n"))
         self.assertFalse(commands.agrees(["...", "c"], "a\nb\n"))
 
-    def test_is_as_it_looks_in_the_end(self):
+    def test_is_compared_as_it_finally_looks(self):
         self.assertTrue(commands.agrees(["50%done", "x"], "\r10%\r50%done  \nx\r\n\n"))
 
     def test_may_name_any_terminal(self):
@@ -83,30 +83,30 @@ class Commands(Page):
         page = "```console\n$ echo a\na\n$ ls blink.hex\nblink.hex\n```\n"
         self.assertEqual(self.failures(page), [])
 
-    def test_fail_with_other_output(self):
+    def test_fail_with_different_output(self):
         failure, = self.failures("```console\n$ echo a\nb\n```\n")
         self.assertIn("is shown to print\nb", failure)
 
-    def test_fail_with_another_status(self):
+    def test_fail_with_a_different_status(self):
         self.assertEqual(len(self.failures("```console\n$ false\n```\n")), 1)
         self.assertEqual(self.failures("<!-- status: 1 -->\n```console\n$ false\n```\n"), [])
         self.assertEqual(len(self.failures("<!-- status: 1 -->\n```console\n$ true\n```\n")), 1)
 
-    def test_without_a_prompt_stop_at_the_first_that_fails(self):
+    def test_without_a_prompt_stop_at_the_first_failure(self):
         self.assertEqual(len(self.failures("```sh\nfalse\ntrue\n```\n")), 1)
 
-    def test_may_have_a_status_each(self):
+    def test_may_each_have_a_status(self):
         page = "<!-- status: 1 0 -->\n```sh\nfalse \\\n  x\ntrue\n```\n"
         self.assertEqual(self.failures(page), [])
         self.assertEqual(len(self.failures(page.replace("1 0", "1 1"))), 1)
 
-    def test_may_print_on_standard_error(self):
+    def test_may_print_to_standard_error(self):
         page = "<!-- output: errors -->\n```console\n$ echo a; echo b >&2\nb\n```\n"
         self.assertEqual(self.failures(page), [])
         self.assertEqual(len(self.failures(page.replace("errors", "none"))), 1)
         self.assertEqual(self.failures(page.replace("errors", "all").replace("\nb", "\na\nb")), [])
 
-    def test_of_a_block_that_continues_find_its_files(self):
+    def test_of_a_continued_block_find_the_files_of_the_first(self):
         page = "```sh\ntouch new\n```\n\n<!-- continues -->\n```sh\nls new\n```\n"
         self.assertEqual(self.failures(page), [])
         self.assertEqual(len(self.failures(page.replace("<!-- continues -->", ""))), 1)
@@ -116,16 +116,16 @@ class Commands(Page):
                 "<!-- continues -->\n```console\n$ cat x/new\na\tb\n```\n")
         self.assertEqual(self.failures(page), [])
 
-    def test_are_not_run_for_a_reason(self):
+    def test_are_skipped_for_a_stated_reason(self):
         page = self.page("<!-- not run: why -->\n```sh\nfalse\n```\n")
         self.assertEqual(commands.check(page, SOURCE, self.folder),
                          ([], [f"{page}:2: not run: why"]))
 
-    def test_do_not_run_after_an_unknown_comment(self):
+    def test_after_an_unknown_comment_are_not_run(self):
         failure, = self.failures("<!-- stauts: 1 -->\n```sh\ntrue\n```\n")
         self.assertIn("stauts", failure)
 
-    def test_go_on_in_the_background(self):
+    def test_can_run_in_the_background(self):
         page = ("<!-- background -->\n```console\n$ python3 bootloader.py\n/dev/pts/3\n```\n\n"
                 "<!-- continues -->\n```console\n$ test -c /dev/pts/3\n```\n")
         self.assertEqual(self.failures(page), [])
@@ -136,16 +136,16 @@ class Links(Page):
         self.page("# A heading\n\n## `-x`, and more\n\n## Twice\n\n## Twice\n", "other.md")
         return [fault.rsplit(": ", 1)[1] for fault in links.broken([self.page(text)])]
 
-    def test_may_lead_to_files_and_headings(self):
+    def test_may_point_to_files_and_headings(self):
         self.assertEqual(self.broken(
             "# Here\n\n[a](other.md) [b](other.md#a-heading) [c](other.md#-x-and-more)\n"
             "[d](#here) [e\nf](other.md#twice-1) [g](https://example.org/x)\n"), [])
 
-    def test_must_lead_somewhere(self):
+    def test_must_have_a_target(self):
         self.assertEqual(self.broken("[a](no.md)\n\n[b](other.md#no)\n\n[c](#no)\n"),
                          ["no such file", "no such heading", "no such heading"])
 
-    def test_are_not_looked_for_in_code(self):
+    def test_in_code_are_ignored(self):
         page = "`[a](no.md)`\n\n```text\n[a](no.md)\n```\n\n    [a](no.md)\n"
         self.assertEqual(self.broken(page), [])
 
@@ -155,11 +155,11 @@ class Links(Page):
 
 
 class Messages(unittest.TestCase):
-    def test_are_literals_joined_where_they_follow_each_other(self):
+    def test_are_literals_with_adjacent_ones_joined(self):
         source = '#include "a.h"\n// "no"\nf("one " // no\n  "two", \'"\', "three %1 \\"four\\"");'
         self.assertEqual(messages.literals(source), ["one two", 'three %1 \\"four\\"'])
 
-    def test_are_compared_by_what_does_not_vary(self):
+    def test_are_compared_by_their_fixed_parts(self):
         self.assertEqual(messages.fragments("file {NAME} at 0x%1 (%2)\\n"), ("file", "at 0x"))
 
     def test_may_show_braces(self):
@@ -168,7 +168,7 @@ class Messages(unittest.TestCase):
         self.assertEqual(messages.fragments("{FILE}: put {{name}} into it"),
                          messages.fragments("%1: put {name} into it"))
 
-    def test_of_sources_have_to_be_listed(self):
+    def test_in_sources_must_be_listed(self):
         listed = ["cannot open {FILE} now"]
         found = {("cannot open",): "a.cpp", ("now",): "a.cpp"}
         self.assertEqual(list(messages.missing_in_list(found, listed)), [])
@@ -180,7 +180,7 @@ class Messages(unittest.TestCase):
         found = {(name,): "a.cpp" for name in ("--keep-failures", "device.txt", "NO_COLOR")}
         self.assertEqual(list(messages.missing_in_list(found, [])), [])
 
-    def test_are_not_what_help_shows(self):
+    def test_are_not_help_texts(self):
         source = ('{"jobs", "number", "Run at most <number>."}, '
                   'const char* const description = "Runs;\\n" "one";\n'
                   'm_parser.addPositionalArgument("file", "The images.");\n'
@@ -188,11 +188,11 @@ class Messages(unittest.TestCase):
                   'throw Error(QStringLiteral("no file"));')
         self.assertEqual(messages.literals(messages.HELP.sub("", source)), ["no file"])
 
-    def test_of_the_list_have_to_be_in_a_source(self):
+    def test_in_the_list_must_be_in_a_source(self):
         self.assertEqual(list(messages.missing_in_sources({}, ["gone"])),
                          ["tests/messages.txt: in no source: gone"])
 
-    def test_have_to_be_on_the_page_and_in_the_list(self):
+    def test_must_be_on_the_page_and_in_the_list(self):
         listed = {name: [] for name in messages.sections_of(messages.TOOL_PAGE)}
         listed["tool"] = ["bad {N}"]
         compared = lambda line: list(
@@ -202,22 +202,22 @@ class Messages(unittest.TestCase):
                          ["docs/troubleshooting.md: does not explain: bad N",
                           "docs/troubleshooting.md:3: not in tests/messages.txt: worse N"])
 
-    def test_of_libraries_have_to_be_shown_by_a_command(self):
+    def test_of_libraries_must_be_shown_by_a_command(self):
         listed = ["Bad '{N}'."]
         self.assertEqual(list(messages.missing_in_commands(listed, "page", ["Bad 'x'."])), [])
         self.assertEqual(list(messages.missing_in_commands(listed, "page", ["Good."])),
                          ["page: no command shows this text of a library: Bad '{N}'."])
 
-    def test_stand_on_the_page_in_headings_and_first_columns(self):
+    def test_are_taken_from_headings_and_first_columns_of_the_page(self):
         lines = ["### `one`, `two`", "", "| `three` | `no` |", "", "`no`"]
         self.assertEqual([text for _, text in messages.page_messages(lines)],
                          ["one", "two", "three"])
 
 
 class EveryProgram(unittest.TestCase):
-    """A copy of the tree, in which one message of a program is changed at a time."""
+    """Checks a copy of the tree in which one message of a program is changed at a time."""
 
-    #: A message of each, as it stands in the list and on the page, and the source that has it.
+    #: One message of each program, as in the list and on the page, and the source that contains it.
     examples = {
         "tool": ("You specified more than one port.", "app/Options.cpp"),
         "companions": ("cannot wait for signals", "process/SignalEvents.cpp"),
@@ -237,7 +237,7 @@ class EveryProgram(unittest.TestCase):
         shutil.copy(SOURCE / "tests" / "messages.txt", cls.tree / "tests")
 
     def with_change(self, name, old, new):
-        """The disagreements after a text has been replaced, the first time that a file has it."""
+        """Returns the disagreements after the first occurrence of a text in a file has been replaced."""
         path = self.tree / name
         before = path.read_text(encoding="utf-8")
         self.assertIn(old, before)
@@ -285,7 +285,7 @@ class EveryProgram(unittest.TestCase):
 
 
 class Frames(unittest.TestCase):
-    """The device in examples/ against the frames beside it, and those on the page."""
+    """The example device and the protocol page, compared with examples/frames.txt."""
 
     vector = re.compile(r"  (good|accepted|host|refused) (.*?) \| ([0-9A-F ]+?)(?: #.*)?$")
 
@@ -297,7 +297,7 @@ class Frames(unittest.TestCase):
         payloads = (receiver.take(byte) for byte in bytes.fromhex(digits))
         return [payload for payload in payloads if payload is not None]
 
-    def test_are_made_and_received_by_the_example_device(self):
+    def test_are_sent_and_received_by_the_example_device(self):
         for verdict, payload, frame in self.vectors():
             with self.subTest(frame=frame):
                 receiver = bootloader.Receiver()
@@ -308,7 +308,7 @@ class Frames(unittest.TestCase):
                 if verdict == "good":
                     self.assertEqual(bootloader.frame(bytes.fromhex(payload)), bytes.fromhex(frame))
 
-    def test_of_the_page_are_among_them(self):
+    def test_on_the_page_are_among_the_vectors(self):
         good = {frame for verdict, _, frame in self.vectors() if verdict == "good"}
         page = "\n".join(markdown.read(SOURCE / "docs" / "protocol.md"))
         shown = set(re.findall(r"\b55 55 [0-9A-F ]+ 04\b", page))

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of how measured figures are shown."""
+"""Tests of how measurements are presented."""
 
 import pathlib
 import subprocess
@@ -17,34 +17,34 @@ from measuring import Usage, median, ratios
 
 
 class Figure(unittest.TestCase):
-    def test_is_the_median_with_the_least_and_the_most_beside_it(self):
+    def test_is_the_median_with_minimum_and_maximum(self):
         cells = Goal("group", "what", [3, 1, 2, 9, 1.5], 2.5).cells()
         self.assertEqual(cells[2:6], ["2.000", "1.000–9.000 of 5", "≤ 2.5", "met"])
 
-    def test_of_peak_memory_is_the_most(self):
+    def test_of_peak_memory_is_the_maximum(self):
         goal = Goal("group", "what", [0.5, 1.2, 0.6], 1, figure_of=max)
         self.assertEqual(goal.cells()[2:6], ["1.200", "0.500–1.200 of 3", "≤ 1", "NOT MET"])
 
-    def test_is_held_to_a_lower_bound(self):
+    def test_may_have_a_lower_bound(self):
         self.assertTrue(Goal("group", "what", [0.98], 0.97, at_least=True).met)
         self.assertFalse(Goal("group", "what", [0.96], 0.97, at_least=True).met)
 
-    def test_of_a_remark_has_nothing_to_meet(self):
+    def test_of_a_remark_has_no_goal(self):
         self.assertEqual(Goal.remark("group", "what", [0.1], "").cells()[4:6], ["", ""])
 
 
 class Ratio(unittest.TestCase):
     mine, other = [Usage(2, 5, 0), Usage(6, 5, 0)], [Usage(1, 5, 0), Usage(2, 5, 0)]
 
-    def test_is_of_round_to_round(self):
+    def test_is_taken_round_by_round(self):
         self.assertEqual(ratios("seconds", self.mine, self.other), [2, 3])
 
-    def test_stands_beside_the_medians_of_both(self):
+    def test_is_shown_with_the_medians_of_both(self):
         self.assertEqual(median("seconds", self.mine), 4)
 
 
 class Page(unittest.TestCase):
-    def test_names_the_circumstances_above_the_table(self):
+    def test_states_the_conditions_above_the_table(self):
         with tempfile.TemporaryDirectory() as folder:
             page = pathlib.Path(folder) / "page.md"
             page.write_text("a\n<!-- figures -->\nold\n<!-- end of figures -->\nb\n",
@@ -60,7 +60,7 @@ class Conditions(unittest.TestCase):
         self.assertRegex(conditions.text(SOURCE),
                          r"^.+, \d+ cores; Linux [0-9.]+; \d{4}-\d\d-\d\d; commit .+\.$")
 
-    def test_name_the_commit_and_whether_it_is_what_was_measured(self):
+    def test_name_the_commit_and_mention_uncommitted_changes(self):
         with tempfile.TemporaryDirectory() as folder:
             file = pathlib.Path(folder) / "file"
             git = ["git", "-C", folder, "-c", "user.name=n", "-c", "user.email=e@example.org"]
@@ -71,7 +71,7 @@ class Conditions(unittest.TestCase):
             subprocess.run([*git, "add", "file"], check=True)
             self.assertRegex(conditions.commit(folder), r"^commit [0-9a-f]+ and changes to it$")
 
-    def test_say_where_no_commit_is_known(self):
+    def test_mention_that_the_commit_is_unknown(self):
         with tempfile.TemporaryDirectory() as folder:
             self.assertEqual(conditions.commit(folder), "commit not known")
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of which changes scripts/mutate.py makes to a source."""
+"""Tests of the changes that scripts/mutate.py makes to a source, and of how it tries them out."""
 
 import pathlib
 import sys
@@ -15,16 +15,16 @@ from mutation.tree import Tree
 
 
 def changes(text, kind=None):
-    """The whole text after each change."""
+    """Returns the text after each change."""
     return {mutant.applied_to(text) for mutant in mutants_of("file.cpp", text)
             if kind in (None, mutant.kind)}
 
 
 class Changes(unittest.TestCase):
-    def test_of_a_comparison_move_its_limit_and_turn_it_round(self):
+    def test_of_a_comparison_shift_its_limit_or_invert_it(self):
         self.assertEqual(changes("x = a < b;", "operator"), {"x = a <= b;", "x = a >= b;"})
 
-    def test_of_calculations(self):
+    def test_of_arithmetic_swap_the_operator(self):
         self.assertEqual(changes("x = a + b;", "operator"), {"x = a - b;"})
         self.assertEqual(changes("x <<= b;", "operator"), {"x >>= b;"})
         self.assertEqual(changes("++x;", "operator"), {"--x;"})
@@ -38,36 +38,36 @@ class Changes(unittest.TestCase):
         self.assertEqual(changes("x = 0xFFU;", "constant"), {"x = 0x100U;"})
         self.assertEqual(changes("x = 0;", "constant"), {"x = 1;"})
 
-    def test_of_truth(self):
+    def test_of_booleans_invert_them(self):
         self.assertEqual(changes("return true;"), {"return false;"})
         self.assertEqual(changes("return !x;"), {"return x;"})
 
-    def test_of_conditions_let_them_always_or_never_hold(self):
+    def test_of_conditions_make_them_always_or_never_true(self):
         self.assertEqual(changes("if (f(a)) {\n}", "condition"),
                          {"if (true) {\n}", "if (false) {\n}"})
         self.assertEqual(changes("while (f(a)) {\n}", "condition"), {"while (false) {\n}"})
 
-    def test_leave_out_calls_and_assignments(self):
+    def test_remove_calls_and_assignments(self):
         self.assertEqual(changes("{ a.b(c); }", "statement"), {"{ ; }"})
         self.assertEqual(changes("{ x = y; }", "statement"), {"{ ; }"})
 
-    def test_leave_out_no_declaration_nor_a_part_of_a_loop(self):
+    def test_remove_no_declarations_and_no_parts_of_loops(self):
         for text in ("{ QFile file(name); }", "{ std::vector<int> x(3); }", "{ return f(); }",
                      "for (i = 0; i != f(); ++i) {\n}", "A::~A() = default;"):
             self.assertEqual(changes("{} " + text, "statement"), set(), text)
 
-    def test_leave_comments_texts_and_directives_alone(self):
+    def test_leave_comments_strings_and_directives_alone(self):
         for text in ("// a < b", "/* 1\n + 2 */", 'f("a < 1");', "g('1');", "#if A < 1\n",
                      'h(R"(1 < 2)");', "static_assert(A < 1);"):
             self.assertEqual(changes(text, "operator") | changes(text, "constant"), set(), text)
 
-    def test_name_the_line_before_and_after(self):
+    def test_show_the_line_before_and_after(self):
         mutant, = mutants_of("file.cpp", "int f()\n{\n    return a + b;\n}\n")
         self.assertEqual(mutant.key, "file.cpp:3: operator: return a + b; -> return a - b;")
 
 
 class Trial(unittest.TestCase):
-    """Of a tree with a single source, which is built and tested by nothing."""
+    """The trial of a mutant in a tree with a single source, which is not really built or tested."""
 
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -78,13 +78,13 @@ class Trial(unittest.TestCase):
         self.source.write_text("return true;", encoding="utf-8")
         self.mutant, = mutants_of("util/file.cpp", "return true;")
 
-    def test_is_made_with_the_change_and_leaves_the_source_as_it_was(self):
+    def test_runs_with_the_change_and_restores_the_source(self):
         seen = []
         self.tree._outcome = lambda labels: seen.append(self.source.read_text())
         self.tree.try_out(self.mutant, [])
         self.assertEqual((seen, self.source.read_text()), (["return false;"], "return true;"))
 
-    def test_leaves_the_source_as_it_was_when_it_is_interrupted(self):
+    def test_restores_the_source_when_interrupted(self):
         def interrupt(labels):
             raise KeyboardInterrupt
         self.tree._outcome = interrupt
@@ -92,7 +92,7 @@ class Trial(unittest.TestCase):
             self.tree.try_out(self.mutant, [])
         self.assertEqual(self.source.read_text(), "return true;")
 
-    def test_kills_what_hangs_with_all_that_it_has_started(self):
+    def test_kills_a_hanging_command_and_all_its_children(self):
         mark = self.tree.tree / "mark"
         command = f"(sleep 1; touch {mark}) & sleep 1000"
         self.assertFalse(self.tree._run(["sh", "-c", command], longest_s=0.1))
@@ -101,7 +101,7 @@ class Trial(unittest.TestCase):
 
 
 class Noticed(unittest.TestCase):
-    """By a test program that is a shell script."""
+    """What a test program, here a shell script, shows about a mutant."""
 
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -115,7 +115,7 @@ class Noticed(unittest.TestCase):
         limits.of = lambda program: limit_s
         return notices(Program("label", str(path), self.folder.name, alone=True), limits)
 
-    def test_is_what_fails_again_by_itself(self):
+    def test_is_a_test_that_fails_again_on_its_own(self):
         script = """
             echo "$@" >> calls
             echo "[ RUN      ] Suite.Name/row"
@@ -140,7 +140,7 @@ class Noticed(unittest.TestCase):
         self.assertEqual(self.notices("echo '[ RUN      ] Suite.Hangs'; sleep 1000", limit_s=0.5),
                          (Verdict.HUNG, "Suite.Hangs"))
 
-    def test_is_no_failure_by_chance(self):
+    def test_is_not_a_random_failure(self):
         script = """
             [ -e mark ] && exit 0
             touch mark

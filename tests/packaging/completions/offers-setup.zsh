@@ -3,7 +3,7 @@ compinit -D -u
 exec 9>$pipe
 compadd()
 {
-    # Questions of the completion system about its own arrays add no candidates.
+    # With these options, compadd fills arrays and adds no candidates.
     if [[ ${@[1,(i)(-|--)]} == *-(O|A|D)\ * ]]; then
         builtin compadd "$@"
         return

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Prints what bash offers at the end of a command line: offers.bash FOLDER LINE
+# Prints the completions that bash offers at the end of LINE: offers.bash FOLDER LINE
 # shellcheck disable=SC2034  # the completion uses these
 complete() { function=$2; }
 compopt() { :; }

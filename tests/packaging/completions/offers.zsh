@@ -1,7 +1,7 @@
 #!/usr/bin/env -S zsh -f
-# Prints what zsh offers at the end of a command line: offers.zsh FOLDER-OF-_zserial LINE
-# The line is typed into an interactive zsh, in which the command that adds candidates writes them
-# to a pipe instead.
+# Prints the completions that zsh offers at the end of LINE: offers.zsh FOLDER-OF-_zserial LINE
+# Types the line into an interactive zsh in which compadd, the command that adds candidates, also
+# writes them to a pipe.
 zmodload zsh/zpty
 pipe=$(mktemp -u)
 mkfifo $pipe

@@ -1,4 +1,3 @@
-#include "sim/device/Error.h"
 #include "sim/rig/FrameLog.h"
 #include "tests/sim/Complaint.h"
 #include "tests/support/Bytes.h"
@@ -8,7 +7,6 @@
 #include <gmock/gmock.h>
 
 using namespace test;
-using sim::Error;
 using sim::FrameLog;
 using sim::parse_frame_log;
 using sim::read_frame_log;
@@ -78,12 +76,17 @@ TEST(SimFrameLog, IsReadFromAFileInWhichSomethingWasSent)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("log"));
-    EXPECT_THROW(read_frame_log(path), Error);
+    const auto read = [&path] {
+        read_frame_log(path);
+    };
+    EXPECT_EQ(test::complaint_of(read),
+              path.toStdString() + ": cannot read the log: No such file or directory");
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("\nRX:55");
     file.flush();
-    EXPECT_THROW(read_frame_log(path), Error);
+    EXPECT_EQ(test::complaint_of(read),
+              path.toStdString() + ": the log has no line that begins with TX:");
     file.write("\nTX:55");
     file.flush();
     EXPECT_EQ(read_frame_log(path).entries.size(), 1U);
