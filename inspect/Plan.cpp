@@ -346,13 +346,33 @@ private:
             QStringLiteral("Step \"%1\": %2").arg(step.name, messages.join(QStringLiteral(", "))));
     }
 
+    /// Why -e, when it is given, has not helped.
+    QString remedy_of_unerased_bits() const
+    {
+        const std::vector<Operation> operations = operations_of(m_settings);
+        const bool erases_all =
+            m_settings.erase_all_wanted &&
+            std::count(operations.begin(), operations.end(), Operation::Erase) != 0;
+        if (!erases_all) {
+            return {};
+        }
+        return profile()->get_address_divisor(MEMORY_FLASH) == 1
+                   ? QStringLiteral("Use -wv instead of -e -w: -e leaves these bytes as they were.")
+                   : QStringLiteral("Use -wv instead of -e -w: the divisor is not 1, and -e leaves "
+                                    "these bytes as they were (T033).");
+    }
+
     void judge(const Rehearsed& result)
     {
         if (result.unerased.count != 0) {
-            add(Code::BitsNotErased,
-                QStringLiteral("%1 of flash would not take their value, the first at %2.")
-                    .arg(count_text(result.unerased.count, "byte"),
-                         address_text(result.unerased.first_address)));
+            m_plan.problems.push_back(
+                {Code::BitsNotErased,
+                 QStringLiteral("%1 of flash would not take their value, the first at %2.")
+                     .arg(count_text(result.unerased.count, "byte"),
+                          address_text(result.unerased.first_address)),
+                 {},
+                 {},
+                 remedy_of_unerased_bits()});
         }
         if (result.late) {
             const sim::Command& command = result.late->command;
@@ -367,6 +387,23 @@ private:
             add(Code::ContentOutside,
                 QStringLiteral("%1 of %2 lie outside the device.")
                     .arg(count_text(result.left_out_bytes, "byte"), m_request.present_content));
+        }
+        judge_loss(result.lost);
+    }
+
+    void judge_loss(const LostContent& lost)
+    {
+        QStringList parts;
+        for (const auto& [found, memory] : {std::pair(lost.flash, QStringLiteral("flash")),
+                                            std::pair(lost.eeprom, QStringLiteral("EEPROM"))}) {
+            if (found.count != 0) {
+                parts << QStringLiteral("%1 of %2, the first at %3")
+                             .arg(count_text(found.count, "byte"), memory,
+                                  address_text(found.first_address));
+            }
+        }
+        if (!parts.isEmpty()) {
+            add(Code::ContentLost, parts.join(QStringLiteral("; ")) + QLatin1Char('.'));
         }
     }
 

@@ -49,7 +49,8 @@ const std::vector<ProblemKind>& problem_kinds()
         {Code::FieldIsNoNumber, "T005", error, "A field that is not a number", ends_abnormally,
          "Write a decimal number, or digits after 0x, 0o or 0b, below 4294967296."},
         {Code::WordsPerAddressZero, "T006", error, "Words per address is 0", ends_abnormally,
-         "Write how many words lie from one word address to the next."},
+         "Write how many addresses one word spans: the word size divided by the bytes from one "
+         "address to the next."},
         {Code::DuplicateVersion, "T007", warning, "Two rows for one version",
          "Takes the last row of a version; earlier ones have no effect.",
          "Remove the row that is wrong."},
@@ -150,7 +151,9 @@ const std::vector<ProblemKind>& problem_kinds()
          "Steps -e by the page size times the divisor and counts one page per step, from the "
          "lowest page on: the upper part of flash stays as it was on a device that counts pages in "
          "bytes.",
-         "Check -e on a device, or use -wv, which takes the page size in bytes."},
+         "Use -wv, which takes the page size in bytes. Before you rely on -e, erase a device with "
+         "it, read its last page with -l, and look for bytes that are left; docs/inspect.md has "
+         "the commands."},
         {Code::DivisorRounded, "T034", warning,
          "A word that is not a multiple of words per address", "Rounds the divisor down.",
          "Correct the word size or the words per address."},
@@ -247,8 +250,8 @@ const std::vector<ProblemKind>& problem_kinds()
          "Split the record at the limit."},
         {Code::NotOnRow, "I022", warning, "Data that begin inside a row",
          "-w fails with \"address must be a multiple of row_size\". -wv rounds down to whole rows "
-         "and works.",
-         "Let the data start on a row, or use -wv."},
+         "and works, but fills the rest of these rows with the filler.",
+         "Let the data start on a row. Use -wv if the rest of the row may be lost."},
         {Code::NothingInDevice, "I023", error, "Nothing of the image lies in the device",
          "-w and -wv write nothing and succeed, -v fails.",
          "Check that image and device belong together."},
@@ -439,16 +442,20 @@ const std::vector<ProblemKind>& problem_kinds()
          "Ends with status 1. Nothing is undone that was done before.",
          "Correct what the message is about."},
         {Code::BitsNotErased, "P024", error, "Bits would have to go from 0 to 1",
-         "Writes all the same, and succeeds. Writing only clears bits: without an erase these "
-         "bytes end up with other values, which -v finds and -w does not.",
+         "Writes all the same, and succeeds. Writing only clears bits: bytes that have not been "
+         "erased end up with other values, which -v finds and -w does not.",
          "Erase first with -e, or use -wv."},
         {Code::AnswerTooLate, "P025", error, "An answer that comes too late",
          "Waits 300 ms for each answer, asks 40 times and fails.",
          "Make row and block smaller, or the rate higher, if the device can do it."},
         {Code::ContentOutside, "P026", warning, "Present content outside the device",
          "Never sees it; the plan passes over it.",
-         "Check that --before and --device belong "
-         "together."},
+         "Check that --before and --device belong together."},
+        {Code::ContentLost, "P027", warning, "Content that the image does not name is lost",
+         "Erases whole pages with -wv, writes whole rows, and fills what the image does not name "
+         "there with the filler. It succeeds, and -v does not look at these bytes.",
+         "To change a few bytes, put the change into a file that -r has read from the device, and "
+         "write that file with -wv. Where the rest is to go, this is no problem."},
     };
     return kinds;
 }

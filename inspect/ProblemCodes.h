@@ -145,6 +145,7 @@ enum class Code {
     BitsNotErased,
     AnswerTooLate,
     ContentOutside,
+    ContentLost,
 };
 
 /// One row of the table of codes.

@@ -67,6 +67,13 @@ std::optional<Rehearsed> rehearse_once(const RehearsedProfiles& profiles, const 
 
 } // namespace
 
+void FoundBytes::add(unsigned int address)
+{
+    if (count++ == 0) {
+        first_address = address;
+    }
+}
+
 Traffic& Traffic::operator+=(const Traffic& other)
 {
     for (const auto& [kind, count] : other.commands) {

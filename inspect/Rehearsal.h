@@ -35,10 +35,18 @@ struct RehearsedStep {
     Traffic traffic;
 };
 
-/// Bytes of flash that would not take their value, because a bit is not erased.
-struct UnerasedBytes {
+/// How many bytes there are of a kind, and where the first one is.
+struct FoundBytes {
     quint64 count = 0;
     unsigned int first_address = 0;
+
+    void add(unsigned int address);
+};
+
+/// Bytes that the device held before a run and no image names, and that the run destroys.
+struct LostContent {
+    FoundBytes flash;
+    FoundBytes eeprom;
 };
 
 /// A command whose answer would come too late at the profile's rate.
@@ -50,7 +58,8 @@ struct LateAnswer {
 struct Rehearsed {
     std::vector<RehearsedStep> steps; ///< up to the first that fails
     std::vector<sim::Command> commands;
-    UnerasedBytes unerased;
+    FoundBytes unerased; ///< of flash, that would not take their value: a bit is not erased
+    LostContent lost;    ///< of the present content
     std::optional<LateAnswer> late;  ///< the first
     unsigned int left_out_bytes = 0; ///< of the present content, for which the device has no place
 };

@@ -47,6 +47,7 @@ RehearsalStage::RehearsalStage(const RehearsedProfiles& profiles, const Settings
     if (!options.present_content.isEmpty()) {
         m_result.left_out_bytes =
             sim::MemoryImage(options.present_content).fill(m_simulated.memory());
+        m_content.emplace(m_simulated.memory(), settings);
     }
     keep_frame_log(settings.log_file);
     watch_host();
@@ -77,6 +78,14 @@ void RehearsalStage::take(std::optional<Operation> operation,
     taken.traffic.bytes_to_device = heard() - heard_before;
     taken.traffic.bytes_from_device = answered() - answered_before;
     taken.traffic.pages_erased = statistics.pages_erased - pages_before;
+}
+
+Rehearsed RehearsalStage::take_result()
+{
+    if (m_content) {
+        m_result.lost = m_content->lost();
+    }
+    return std::move(m_result);
 }
 
 quint64 RehearsalStage::heard() const
@@ -190,13 +199,9 @@ void RehearsalStage::find_unerased(const sim::Command& command, const QByteArray
     const auto address = static_cast<unsigned int>(sim::byte_address_of(m_device_profile, command));
     const QByteArray cells =
         m_simulated.memory().read(address, static_cast<unsigned int>(data.size()));
-    UnerasedBytes& unerased = m_result.unerased;
     for (int i = 0; i < data.size(); ++i) {
-        if ((cells.at(i) & data.at(i)) == data.at(i)) {
-            continue;
-        }
-        if (unerased.count++ == 0) {
-            unerased.first_address = address + static_cast<unsigned int>(i);
+        if ((cells.at(i) & data.at(i)) != data.at(i)) {
+            m_result.unerased.add(address + static_cast<unsigned int>(i));
         }
     }
 }

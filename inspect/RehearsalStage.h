@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/ZarnSerialDevice.h"
+#include "inspect/ContentWatch.h"
 #include "inspect/Rehearsal.h"
 #include "sim/device/SimulatedDevice.h"
 
@@ -40,7 +41,7 @@ public:
     /// Whether the machine has kept an answer from the uploader for too long.
     bool was_disturbed() const { return m_disturbed; }
 
-    Rehearsed take_result() { return std::move(m_result); }
+    Rehearsed take_result();
 
 private:
     quint64 heard() const;
@@ -63,6 +64,7 @@ private:
     const bool m_half_duplex;
     sim::SimulatedDevice m_simulated;
     ZarnSerialDevice m_host;
+    std::optional<ContentWatch> m_content; ///< only where the present content is known
     QByteArray m_reset_frame;
     std::optional<Attempt> m_attempt;
     quint64 m_sent = 0; ///< bytes, by the uploader

@@ -46,6 +46,7 @@ const std::vector<PlanTrigger>& plan_triggers()
         {"P024", "--before @other.hex -- -s port -B 0110 -w @image.hex"},
         {"P025", "-- -s port -B 0130 -w @image.hex"},
         {"P026", "--before @outside.hex -- -s port -B 0110 -R"},
+        {"P027", "--before @full.hex -- -s port -B 0110 -wv @other.hex"},
     };
     return all;
 }
@@ -60,6 +61,15 @@ PlanTest::PlanTest()
     put_file(QStringLiteral("image.hex"), image(0x800, "01020304"));
     put_file(QStringLiteral("other.hex"), image(0x800, "01020300"));
     put_file(QStringLiteral("outside.hex"), image(0x9000, "0102"));
+    const QByteArray in_eeprom = hex_record(4, 0, QByteArray::fromHex("0001"));
+    put_file(QStringLiteral("full.hex"),
+             hex_record(0, 0x800, QByteArray::fromHex("0102030405FF07")) + in_eeprom +
+                 image(0x0, "112233FF55"));
+    put_file(QStringLiteral("eeprom.hex"), in_eeprom + image(0x0, "10"));
+    put_file(QStringLiteral("patch.hex"),
+             hex_record(0, 0x800, QByteArray::fromHex("00")) + in_eeprom + image(0x0, "10"));
+    put_file(QStringLiteral("upper.hex"), image(0x7C00, "F0"));
+    put_file(QStringLiteral("cleared_upper.hex"), image(0x7C00, "0F"));
 }
 
 QStringList PlanTest::plan_words(const char* words) const

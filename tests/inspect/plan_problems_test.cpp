@@ -1,4 +1,5 @@
 #include "tests/inspect/PlanTest.h"
+#include "tests/support/RowName.h"
 
 #include <gmock/gmock.h>
 
@@ -90,4 +91,69 @@ INSTANTIATE_TEST_SUITE_P(
                     Harmless{"P021", "-- -s port -B 0110 -r @missing.hex -v @missing.hex"},
                     Harmless{"P024", "--before @other.hex -- -s port -B 0110 -e -w @image.hex"},
                     Harmless{"P024", "--before @image.hex -- -s port -B 0110 -w @other.hex"},
-                    Harmless{"P025", "-- -s port -B 0110 -w @image.hex"}));
+                    Harmless{"P025", "-- -s port -B 0110 -w @image.hex"},
+                    Harmless{"P027", "-- -s port -B 0110 -wv @other.hex"},
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -wv @full.hex"},
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -wv @upper.hex"},
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -w @other.hex"},
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e"},
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e -w @other.hex"},
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e -wv @other.hex"}));
+
+namespace
+{
+
+/// A plan, and what it says of one problem.
+struct Said {
+    const char* name;
+    const char* code;
+    const char* words;
+    const char* key; ///< of the problem
+    const char* text;
+};
+
+void PrintTo(const Said& said, std::ostream* stream)
+{
+    *stream << said.name;
+}
+
+class ProblemOfAPlan : public PlanTest, public testing::WithParamInterface<Said>
+{
+};
+
+} // namespace
+
+TEST_P(ProblemOfAPlan, Says)
+{
+    QString text;
+    const QJsonObject report = plan(GetParam().words);
+    for (const QJsonValue problem : report[QStringLiteral("problems")].toArray()) {
+        if (problem[QStringLiteral("code")] == QLatin1String(GetParam().code)) {
+            text = problem[QLatin1String(GetParam().key)].toString();
+        }
+    }
+    EXPECT_EQ(text.toStdString(), GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    That, ProblemOfAPlan,
+    testing::Values(
+        Said{"TheRestOfAPageIsLost", "P027", "--before @full.hex -- -s port -B 0110 -wv @other.hex",
+             "message", "2 bytes of flash, the first at 0x00000804."},
+        Said{"TheRestOfAnEepromRowIsLost", "P027",
+             "--before @full.hex -- -s port -B 0110 -w @eeprom.hex", "message",
+             "3 bytes of EEPROM, the first at 0x00010001."},
+        Said{"AnEraseLeavesEepromToTheImage", "P027",
+             "--before @full.hex -- -s port -B 0110 -e -w @eeprom.hex", "message",
+             "3 bytes of EEPROM, the first at 0x00010001."},
+        Said{"BothAreLost", "P027", "--before @full.hex -- -s port -B 0110 -wv @patch.hex",
+             "message",
+             "5 bytes of flash, the first at 0x00000801; 3 bytes of EEPROM, the first at "
+             "0x00010001."},
+        Said{"AnEraseIsMissing", "P024", "--before @other.hex -- -s port -B 0110 -w @image.hex",
+             "remedy", "Erase first with -e, or use -wv."},
+        Said{"TheEraseLeavesTheUpperPart", "P024",
+             "--before @cleared_upper.hex -- -s port -B 0120 -e -w @upper.hex", "remedy",
+             "Use -wv instead of -e -w: the divisor is not 1, and -e leaves these bytes as they "
+             "were (T033)."}),
+    row_name);

@@ -53,7 +53,7 @@ TEST(ProblemCodes, StandInTheOrderOfTheirTable)
     for (std::size_t i = 0; i < inspect::problem_kinds().size(); ++i) {
         EXPECT_EQ(static_cast<std::size_t>(inspect::problem_kinds().at(i).code), i);
     }
-    EXPECT_EQ(inspect::problem_kinds().back().code, inspect::Code::ContentOutside);
+    EXPECT_EQ(inspect::problem_kinds().back().code, inspect::Code::ContentLost);
 }
 
 TEST(ProblemCodes, AreNumberedWithoutGaps)
