@@ -10,6 +10,7 @@ namespace inspect
 namespace
 {
 
+using Command = SentCommand::Kind;
 using Kind = AnswerVerdict::Kind;
 
 const QByteArray& frame_begin()
@@ -44,6 +45,28 @@ QByteArray first_of_several_frames(const QByteArray& received)
     return is_frame && ends_in_a_frame(received) ? payload : QByteArray();
 }
 
+/// Erases and writes are acknowledged with one byte: only a host sends them with an address.
+bool is_of_a_host(const QByteArray& payload)
+{
+    const Command command = command_of(payload).kind;
+    return command == Command::Erase || command == Command::Write;
+}
+
+/// One of the frames, each directly after the one before, is that of a host.
+bool holds_a_frame_of_a_host(const QByteArray& received)
+{
+    QByteArray payload;
+    for (int at = 0; at != -1;) {
+        const int next = received.indexOf(frame::terminator + frame_begin(), at);
+        const int end = next == -1 ? received.size() : next + 1;
+        if (!frame::decode(received.mid(at, end - at), payload) && is_of_a_host(payload)) {
+            return true;
+        }
+        at = next == -1 ? -1 : end;
+    }
+    return false;
+}
+
 /// Lengths are compared in 16 bits. Empty when they are the same.
 QString difference(int received, int expected)
 {
@@ -76,7 +99,8 @@ AnswerVerdict AnswerCheck::judge(const QByteArray& payload, const QByteArray& re
     } else {
         verdict = judge_payload(payload, verdict.payload);
     }
-    if (verdict.kind != Kind::Accepted && received.contains(frame::encode(payload))) {
+    if (verdict.kind != Kind::Accepted &&
+        (received.contains(frame::encode(payload)) || holds_a_frame_of_a_host(received))) {
         verdict.kind = Kind::Echo;
     }
     return verdict;

@@ -15,7 +15,7 @@ namespace inspect
 struct AnswerVerdict {
     enum class Kind {
         Accepted,
-        Echo,          ///< holds the frame that was sent
+        Echo,          ///< holds the frame that was sent, or another that no device sends
         StrayBytes,    ///< a good frame with other bytes before it
         SeveralFrames, ///< good frames one after the other
         Undecodable,   ///< no good frame

@@ -23,20 +23,26 @@ const TableRow& row_for(const TableFile& table, const QString& version)
     return *row;
 }
 
-const TableRow& only_row(const TableFile& table)
+const TableRow* single_row(const TableFile& table)
 {
-    const TableRow* only = nullptr;
+    std::vector<const TableRow*> usable;
     for (const TableRow& row : table.rows) {
         if (row.profile != nullptr && row.counts) {
-            if (only != nullptr) {
-                throw UsageError(QStringLiteral("%1 has several devices: choose one with --device")
-                                     .arg(table.path));
-            }
-            only = &row;
+            usable.push_back(&row);
         }
     }
-    if (only == nullptr) {
+    if (usable.empty()) {
         throw UsageError(QStringLiteral("%1 has no usable device").arg(table.path));
+    }
+    return usable.size() == 1 ? usable.front() : nullptr;
+}
+
+const TableRow& only_row(const TableFile& table)
+{
+    const TableRow* only = single_row(table);
+    if (only == nullptr) {
+        throw UsageError(
+            QStringLiteral("%1 has several devices: choose one with --device").arg(table.path));
     }
     return *only;
 }

@@ -9,7 +9,11 @@ namespace inspect
 /// not a version, or when the table has no usable row for it.
 const TableRow& row_for(const TableFile& table, const QString& version);
 
-/// The row of a table with a single device. Throws UsageError when it has none or several.
+/// The row of a table with a single device; null when it has several. Throws UsageError when it has
+/// none.
+const TableRow* single_row(const TableFile& table);
+
+/// The same. Throws UsageError when there are several, too.
 const TableRow& only_row(const TableFile& table);
 
 /// A table to take a device from. Throws UsageError when it cannot be read.

@@ -107,7 +107,9 @@ Report run(const CommandWords& words)
         images.push_back(inspect_image(file, device->profile()));
         add_problems(report, *images.back());
     }
-    report.facts = facts_of(images, *device);
+    report.facts = [images, device] {
+        return facts_of(images, *device);
+    };
     report.print_text = [images, device](TextPage& page) {
         print_images(page, images, device->profile());
     };

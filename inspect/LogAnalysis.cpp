@@ -335,6 +335,7 @@ void LogAnalysis::begin_run(qint64 line, RunBegin begin)
         end_run();
     }
     m_run = LoggedRun{m_run.number + 1, line, line, begin, RunEnd::Open, {}};
+    m_diagnosis.begin_run();
     m_order = RunOrder();
     m_version_attempts = 0;
     m_written_row.clear();

@@ -50,7 +50,8 @@ std::optional<unsigned short> version_in(QFile& log)
 }
 
 /// The device that is named, or the one that reports its version, or the only one of the table.
-/// Without --table and --device there is none.
+/// Without --table and --device there is none, nor if a table has several and the log does not say
+/// which.
 std::unique_ptr<Device> device_of(const CommandWords& words, QFile& log)
 {
     const auto path = words.value("table");
@@ -67,7 +68,7 @@ std::unique_ptr<Device> device_of(const CommandWords& words, QFile& log)
     const auto version = version_in(log);
     log.seek(0);
     device->row = version ? device->table.find(*version) : nullptr;
-    device->row = device->row == nullptr ? &only_row(device->table) : device->row;
+    device->row = device->row == nullptr ? single_row(device->table) : device->row;
     return device;
 }
 
@@ -86,24 +87,45 @@ Problem unreadable(const QString& path, const QString& reason)
     return {Code::LogUnreadable, reason, {path, 0, 0}, {}, {}};
 }
 
-/// A log that cannot be looked into at all.
-Report report_without_log(const QString& path, const QString& reason)
-{
-    Report report;
-    report.problems = {unreadable(path, reason)};
-    report.facts = json_of(LogSummary(), nullptr);
-    report.facts.insert(QStringLiteral("file"), path);
-    report.facts.insert(QStringLiteral("device"), QJsonValue());
-    report.incomplete = true;
-    return report;
-}
-
 QJsonValue json_of_device(const Device& device)
 {
     return device.row == nullptr
                ? QJsonValue()
                : QJsonObject{{QStringLiteral("version"), device.row->version().toUpper()},
                              {QStringLiteral("name"), device.row->profile->name}};
+}
+
+QJsonObject facts_of(const QString& path, const LogSummary& summary, const Device& device)
+{
+    QJsonObject facts = json_of(summary, device.profile());
+    facts.insert(QStringLiteral("file"), path);
+    facts.insert(QStringLiteral("device"), json_of_device(device));
+    return facts;
+}
+
+/// A log that cannot be looked into at all.
+Report report_without_log(const QString& path, const QString& reason)
+{
+    Report report;
+    report.problems = {unreadable(path, reason)};
+    report.facts = [path] {
+        return facts_of(path, LogSummary(), Device());
+    };
+    report.incomplete = true;
+    return report;
+}
+
+/// What the user would get by naming a device of the table.
+void print_missing_device(TextPage& page, const Device& device)
+{
+    if (device.row == nullptr && device.table.is_readable) {
+        page.line();
+        page.paragraph(
+            QStringLiteral("%1 has several devices, and the log names none of them: --device adds "
+                           "byte addresses, and the check of the length of every answer.")
+                .arg(device.table.path),
+            0);
+    }
 }
 
 Report report_on(const QString& path, QFile& log, const std::shared_ptr<const Device>& device)
@@ -125,11 +147,12 @@ Report report_on(const QString& path, QFile& log, const std::shared_ptr<const De
              {},
              {}});
     }
-    report.facts = json_of(*summary, device->profile());
-    report.facts.insert(QStringLiteral("file"), path);
-    report.facts.insert(QStringLiteral("device"), json_of_device(*device));
+    report.facts = [path, summary, device] {
+        return facts_of(path, *summary, *device);
+    };
     report.print_text = [summary, device](TextPage& page) {
         print(page, *summary, device->profile());
+        print_missing_device(page, *device);
     };
     return report;
 }

@@ -56,6 +56,13 @@ bool are_answered_alike(const QByteArray& left, const QByteArray& right)
     return left == right || (is_acknowledged(left.at(0)) && left.at(0) == right.at(0));
 }
 
+QString slow_erase_or_else(Code code)
+{
+    return QStringLiteral("Run -v FILE. If its reads are answered, erasing takes too long: use -e "
+                          "-wv, which erases one page at a time. If not: ") +
+           QString::fromLatin1(kind_of(code).remedy);
+}
+
 QString with_times(const QString& text, quint64 times, const char* unit)
 {
     return times < 2 ? text
@@ -73,10 +80,16 @@ LogDiagnosis::LogDiagnosis(const Profile* profile, std::optional<unsigned short>
 void LogDiagnosis::note(Code code, qint64 line, const QString& detail)
 {
     Finding& finding = m_findings[code];
+    finding.after_echo += m_echoes ? 1U : 0U;
     if (finding.times++ == 0) {
         finding.line = line;
         finding.detail = detail;
     }
+}
+
+void LogDiagnosis::begin_run()
+{
+    m_echoes = false;
 }
 
 void LogDiagnosis::begin(const QByteArray& payload)
@@ -116,6 +129,7 @@ void LogDiagnosis::take_refused(const LoggedCommand& command, const AnswerVerdic
     if (is_echo(verdict)) {
         note(Code::EchoAsAnswer, line,
              QStringLiteral("The answer to %1 holds a command that was sent.").arg(text(command)));
+        m_echoes = true;
         return;
     }
     if (const auto earlier = earlier_command(command.payload, verdict.payload)) {
@@ -181,6 +195,7 @@ void LogDiagnosis::take_difference(const LoggedCommand& command, int offset, qin
 
 void LogDiagnosis::take_given_up(const LoggedCommand& command, const LogCounts& run)
 {
+    m_echoes = m_echoes && command.unanswered == 0; // at least an echo would come
     const bool is_silent = run.bytes_from_device == 0;
     const bool has_version = run.of(Kind::Version) != 0;
     const quint64 commands =
@@ -194,6 +209,11 @@ void LogDiagnosis::take_given_up(const LoggedCommand& command, const LogCounts& 
         code = Code::SilentAfterVersion;
     }
     note(code, command.line, given_up_text(command));
+    Finding& finding = m_findings[code];
+    const bool is_silence = code == Code::NothingAnswered || code == Code::SilentAfterVersion;
+    if (finding.times == 1 && is_silence && command.command.kind == Kind::Erase) {
+        finding.remedy = slow_erase_or_else(code);
+    }
 }
 
 void LogDiagnosis::take_break(const LoggedCommand& command)
@@ -219,9 +239,27 @@ std::vector<Problem> LogDiagnosis::problems(const QString& path, const LogCounts
                             with_times(finding.detail, finding.times, "place"),
                             {path, finding.line, 0},
                             {},
-                            {}});
+                            remedy_of(code, finding)});
     }
+    std::stable_partition(problems.begin(), problems.end(), [](const Problem& problem) {
+        return problem.code == Code::EchoAsAnswer;
+    });
     return problems;
+}
+
+/// The echo takes the place of the answer, which then comes late or never.
+bool LogDiagnosis::follows_from_echo(Code code, const Finding& finding)
+{
+    const bool can_follow =
+        code == Code::CommandGivenUp || code == Code::LateAnswer || code == Code::AnswerLength;
+    return can_follow && finding.after_echo == finding.times;
+}
+
+QString LogDiagnosis::remedy_of(Code code, const Finding& finding)
+{
+    return follows_from_echo(code, finding)
+               ? QStringLiteral("Use -h first: this follows from the echo (L010).")
+               : finding.remedy;
 }
 
 /// The echo of a command can come after the next one has been sent.

@@ -30,6 +30,7 @@ public:
 
     // What happens in the log, in its order.
 
+    void begin_run();
     void begin(const QByteArray& payload);
     void take_accepted(const LoggedCommand& command);
     void take_refused(const LoggedCommand& command, const AnswerVerdict& verdict, qint64 line);
@@ -41,7 +42,8 @@ public:
     void take_given_up(const LoggedCommand& command, const LogCounts& run);
     void take_break(const LoggedCommand& command);
 
-    /// Of each kind of problem the first place, and how many there are. `counts`: of the whole log.
+    /// Of each kind of problem the first place, and how many there are; an echo comes first,
+    /// because others follow from it. `counts`: of the whole log.
     std::vector<Problem> problems(const QString& path, const LogCounts& counts) const;
 
 private:
@@ -49,9 +51,13 @@ private:
     struct Finding {
         qint64 line = 0; ///< of the first
         quint64 times = 0;
-        QString detail; ///< of the first
+        QString detail;         ///< of the first
+        quint64 after_echo = 0; ///< places that come after an echo in the same run
+        QString remedy = {};    ///< in place of that of the kind, when not empty
     };
 
+    static bool follows_from_echo(Code code, const Finding& finding);
+    static QString remedy_of(Code code, const Finding& finding);
     bool is_echo(const AnswerVerdict& verdict) const;
     std::optional<SentCommand> earlier_command(const QByteArray& payload,
                                                const QByteArray& answer) const;
@@ -65,6 +71,7 @@ private:
     std::optional<unsigned short> m_version;
     std::map<Code, Finding> m_findings;
     std::map<QString, quint64> m_refusals; ///< answers that nothing is known of but the reason
+    bool m_echoes = false;                 ///< the line, in this run so far
     std::deque<QByteArray> m_earlier;      ///< payloads of the last commands, the newest at the end
     Finding m_late_erases;                 ///< erases that were answered at a later attempt
     quint64 m_lost_after_erase = 0; ///< attempts of these, and of the next ones, not answered

@@ -20,7 +20,9 @@ Report run(const CommandWords& words)
     Report report;
     report.problems = plan->problems;
     report.incomplete = !plan->is_foreseen;
-    report.facts = json_of(*plan, words.has("list"));
+    report.facts = [plan, with_commands = words.has("list")] {
+        return json_of(*plan, with_commands);
+    };
     report.print_text = [plan](TextPage& page) {
         print(page, *plan);
     };

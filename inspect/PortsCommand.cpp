@@ -34,7 +34,9 @@ Report run(const CommandWords& words)
         report_on_ports(roots_of(words), name ? user_named(*name) : current_user()));
     Report report;
     report.problems = lint_ports(*ports);
-    report.facts = json_of(*ports);
+    report.facts = [ports] {
+        return json_of(*ports);
+    };
     report.incomplete = !ports->lists_ports;
     report.print_text = [ports](TextPage& page) {
         print(page, *ports);

@@ -74,7 +74,7 @@ void print_verdict(TextPage& page, const std::vector<Problem>& problems)
         }));
     page.line(page.styled(count_text(errors, "error") + QStringLiteral(", ") +
                               count_text(problems.size() - errors, "warning") +
-                              QStringLiteral(". See docs/inspect.md for each code."),
+                              QStringLiteral(". See docs/inspect.md, or man zserial-inspect."),
                           errors == 0 ? Style::Warning : Style::Error));
 }
 
@@ -94,7 +94,7 @@ QJsonObject json_of(const Report& report)
     for (const Problem& problem : report.problems) {
         problems.append(json_of(problem));
     }
-    QJsonObject object = report.facts;
+    QJsonObject object = report.facts ? report.facts() : QJsonObject();
     object.insert(QStringLiteral("problems"), problems);
     return object;
 }

@@ -15,7 +15,7 @@ namespace inspect
 /// The result of a subcommand.
 struct Report {
     std::vector<Problem> problems;
-    QJsonObject facts;                         ///< its own keys, beside "problems"
+    std::function<QJsonObject()> facts;        ///< its own keys, beside "problems"
     std::function<void(TextPage&)> print_text; ///< its own text, which goes before the problems
     bool incomplete = false;                   ///< a part of the command could not be carried out
 

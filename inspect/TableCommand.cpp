@@ -111,7 +111,9 @@ Report run(const CommandWords& words)
     Report report;
     report.problems = lint_table(*table);
     report.incomplete = !table->is_readable;
-    report.facts = facts_of(*table, rows, explained);
+    report.facts = [table, rows, explained] {
+        return facts_of(*table, rows, explained);
+    };
     report.print_text = [table, rows, explained](TextPage& page) {
         print_table(page, *table, rows, explained);
     };

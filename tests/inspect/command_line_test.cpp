@@ -92,9 +92,6 @@ INSTANTIATE_TEST_SUITE_P(
                   "examples/blink.hex is read by this command and would be overwritten"},
         WrongLine{"no_log", "log", "log takes one file"},
         WrongLine{"two_logs", "log a.log b.log", "log takes one file"},
-        WrongLine{"log_of_which_device",
-                  "log tests/inspect/data/echo.log --table examples/device.txt",
-                  "examples/device.txt has several devices: choose one with --device"},
         WrongLine{"plan_of_which_device", "plan --table examples/device.txt -- -s p -e",
                   "name the device that will answer with --device, because the command line has "
                   "no -B"},

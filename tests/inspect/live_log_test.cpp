@@ -189,7 +189,7 @@ TEST_F(LiveLog, ShowsAnEchoInPlaceOfTheAnswer)
     device.set_reply_filter(always(no_reply()));
     ASSERT_EQ(run(device, "-B 0110 -e"), 1);
     const QJsonObject found = report();
-    EXPECT_THAT(codes(found), ElementsAre("L009", "L010"));
+    EXPECT_THAT(codes(found), ElementsAre("L010", "L009"));
     EXPECT_THAT(message_of(found, "L010"), HasSubstr("The first of 40 places."));
 }
 
