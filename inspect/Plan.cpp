@@ -357,9 +357,11 @@ private:
             return {};
         }
         return profile()->get_address_divisor(MEMORY_FLASH) == 1
-                   ? QStringLiteral("Use -wv instead of -e -w: -e leaves these bytes as they were.")
-                   : QStringLiteral("Use -wv instead of -e -w: the divisor is not 1, and -e leaves "
-                                    "these bytes as they were (T033).");
+                   ? QStringLiteral(
+                         "Use -e -wv instead of -e -w: -e leaves these bytes as they were.")
+                   : QStringLiteral(
+                         "Use -e -wv instead of -e -w: the divisor is not 1, and -e leaves "
+                         "these bytes as they were (T033).");
     }
 
     void judge(const Rehearsed& result)

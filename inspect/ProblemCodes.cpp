@@ -49,7 +49,7 @@ const std::vector<ProblemKind>& problem_kinds()
         {Code::FieldIsNoNumber, "T005", error, "A field that is not a number", ends_abnormally,
          "Write a decimal number, or digits after 0x, 0o or 0b, below 4294967296."},
         {Code::WordsPerAddressZero, "T006", error, "Words per address is 0", ends_abnormally,
-         "Write how many addresses one word spans: the word size divided by the bytes from one "
+         "Write how many addresses one word takes: the word size divided by the bytes from one "
          "address to the next."},
         {Code::DuplicateVersion, "T007", warning, "Two rows for one version",
          "Takes the last row of a version; earlier ones have no effect.",
@@ -151,9 +151,11 @@ const std::vector<ProblemKind>& problem_kinds()
          "Steps -e by the page size times the divisor and counts one page per step, from the "
          "lowest page on: the upper part of flash stays as it was on a device that counts pages in "
          "bytes.",
-         "Use -wv, which takes the page size in bytes. Before you rely on -e, erase a device with "
-         "it, read its last page with -l, and look for bytes that are left; docs/inspect.md has "
-         "the commands."},
+         "Use -e -wv in place of -e -w: -wv takes the page size in bytes. To check -e on a device, "
+         "write an image that has only the last row of flash with -wv, erase, and verify that "
+         "image: \"Verified!\" means that -e has not reached the row. docs/device-table.md has "
+         "more "
+         "about the divisor."},
         {Code::DivisorRounded, "T034", warning,
          "A word that is not a multiple of words per address", "Rounds the divisor down.",
          "Correct the word size or the words per address."},

@@ -154,6 +154,6 @@ INSTANTIATE_TEST_SUITE_P(
              "remedy", "Erase first with -e, or use -wv."},
         Said{"TheEraseLeavesTheUpperPart", "P024",
              "--before @cleared_upper.hex -- -s port -B 0120 -e -w @upper.hex", "remedy",
-             "Use -wv instead of -e -w: the divisor is not 1, and -e leaves these bytes as they "
+             "Use -e -wv instead of -e -w: the divisor is not 1, and -e leaves these bytes as they "
              "were (T033)."}),
     row_name);
