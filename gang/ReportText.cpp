@@ -26,15 +26,17 @@ void add_ports(QStringList& lines, const Report& report)
 {
     lines << QString() << QStringLiteral("By station and port:");
     int widest = 0;
-    for (const QString& name : report.ports.keys()) {
-        widest = qMax(widest, name.size());
+    int digits = 0;
+    for (auto port = report.ports.begin(); port != report.ports.end(); ++port) {
+        widest = qMax(widest, port.key().size());
+        digits = qMax(digits, QString::number(port.value().runs).size());
     }
     for (auto port = report.ports.begin(); port != report.ports.end(); ++port) {
         const RunGroup& group = port.value();
         lines << QStringLiteral("  %1  %2 of %3 ok  %4  median %5  %6")
                      .arg(port.key().leftJustified(widest),
-                          QString::number(group.ok).rightJustified(4),
-                          QString::number(group.runs).rightJustified(4),
+                          QString::number(group.ok).rightJustified(digits),
+                          QString::number(group.runs).rightJustified(digits),
                           percent(group.yield()).rightJustified(6),
                           seconds(quantile(group.ok_seconds, 0.5)), failures_text(group))
                      .trimmed()
@@ -67,7 +69,8 @@ QString text_of(const Report& report)
 {
     const RunGroup& all = report.all;
     QStringList lines{
-        QStringLiteral("%1 runs from %2 to %3")
+        (all.runs == 1 ? QStringLiteral("%1 run from %2 to %3")
+                       : QStringLiteral("%1 runs from %2 to %3"))
             .arg(QString::number(all.runs), report.first, report.last),
         QStringLiteral("Yield: %1 (%2 ok, %3 of them at the first try)")
             .arg(percent(all.yield()), QString::number(all.ok), QString::number(all.ok_at_once))};

@@ -47,8 +47,22 @@ TEST_F(Reports, CountByVerdictAndPort)
               "Durations: median 3.0 s, nine in ten up to 4.0 s, longest 4.0 s\n"
               "\n"
               "By station and port:\n"
-              "  s /dev/a     2 of    2 ok  100.0%  median 2.0 s\n"
-              "  s /dev/b     1 of    4 ok   25.0%  median 3.0 s  2 silent, 1 write\n");
+              "  s /dev/a  2 of 2 ok  100.0%  median 2.0 s\n"
+              "  s /dev/b  1 of 4 ok   25.0%  median 3.0 s  2 silent, 1 write\n");
+}
+
+TEST_F(Reports, CountASingleRun)
+{
+    EXPECT_EQ(text_of(report(line("/dev/a", "ok", 2))).section(QLatin1Char('\n'), 0, 0),
+              QStringLiteral("1 run from 2026-11-21T17:00:00.000Z to 2026-11-21T17:00:00.000Z"));
+}
+
+TEST_F(Reports, AlignTheNumbersOfAllPorts)
+{
+    const QByteArray many = line("/dev/b", "ok", 2).repeated(12);
+    EXPECT_TRUE(text_of(report(line("/dev/a", "ok", 2) + many))
+                    .endsWith(QStringLiteral("  s /dev/a   1 of  1 ok  100.0%  median 2.0 s\n"
+                                             "  s /dev/b  12 of 12 ok  100.0%  median 2.0 s\n")));
 }
 
 TEST_F(Reports, SkipWhatIsNoRecord)
@@ -84,7 +98,7 @@ TEST_F(Reports, ShowNoDurationOfAPortWithoutAGoodRun)
 {
     const Report failures = report(line("/dev/a", "silent", 7));
     EXPECT_TRUE(text_of(failures).endsWith(
-        QStringLiteral("  s /dev/a     0 of    1 ok    0.0%  median -  1 silent\n")));
+        QStringLiteral("  s /dev/a  0 of 1 ok    0.0%  median -  1 silent\n")));
     EXPECT_TRUE(html_of(failures).contains(QStringLiteral("<td class=\"n\">&ndash;</td>")));
     const QJsonObject seconds = json_of(failures).value(QStringLiteral("seconds")).toObject();
     EXPECT_TRUE(seconds.contains(QStringLiteral("median")));
