@@ -59,7 +59,7 @@ class Device:
 
     def carry_out(self, payload):
         """Carries out a command and returns the payload of the answer, or None if there is none.
-        Bounds and lengths are checked first."""
+        Bounds and lengths are checked first. Reads beyond the end are answered in full length."""
         if payload == b"\0\2":
             return payload + VERSION
         if payload == b"\0\0":
@@ -68,10 +68,10 @@ class Device:
             return None
         command, count, address = payload[0], payload[1], int.from_bytes(payload[2:5], "little")
         data = payload[5:]
-        if command == 1 and not data and address + count * WORD <= FLASH_END:
-            return payload + self.flash[address:address + count * WORD]
-        if command == 4 and not data and address + count <= EEPROM_SIZE:
-            return payload + self.eeprom[address:address + count]
+        if command == 1 and not data and address < FLASH_END:
+            return payload + self.flash[address:address + count * WORD].ljust(count * WORD)
+        if command == 4 and not data and address < EEPROM_SIZE:
+            return payload + self.eeprom[address:address + count].ljust(count)
         if command == 2 and len(data) == ROW and self.is_free(address, ROW):
             self.flash[address:address + ROW] = data
             return b"\2"
