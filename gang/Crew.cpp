@@ -67,33 +67,33 @@ void Crew::begin(int index)
     const auto i = static_cast<std::size_t>(index);
     m_runs[i] = std::make_unique<PortRun>(m_assignment, m_states[i].port);
     PortRun& run = *m_runs[i];
-    connect(&run, &PortRun::changed, this, [this, index] { take_state(index); });
-    connect(&run, &PortRun::failed_try, this, [this, index] { take_failed_try(index); });
+    connect(&run, &PortRun::changed, this, [this, index] { on_changed(index); });
+    connect(&run, &PortRun::failed_try, this, [this, index] { on_failed_try(index); });
     connect(&run, &PortRun::finished, this,
-            [this, index](const RunRecord& record) { take_record(index, record); });
-    connect(&run, &PortRun::has_no_number, this, &Crew::give_up);
-    connect(&run, &PortRun::not_begun, this,
+            [this, index](const RunRecord& record) { on_finished(index, record); });
+    connect(&run, &PortRun::number_missing, this, &Crew::give_up);
+    connect(&run, &PortRun::not_started, this,
             [this, index](const QString& reason) { skip(index, reason); });
     m_states[i].phase = RunState::Phase::Running;
     m_display.started(m_states, index);
     run.start();
 }
 
-void Crew::take_state(int index)
+void Crew::on_changed(int index)
 {
     const auto i = static_cast<std::size_t>(index);
     m_states[i] = m_runs[i]->state();
     m_display.changed(m_states, index);
 }
 
-void Crew::take_failed_try(int index)
+void Crew::on_failed_try(int index)
 {
-    take_state(index);
+    on_changed(index);
     m_display.failed_try(m_states, index);
 }
 
 /// A run that cannot be recorded has failed, whatever its own verdict.
-void Crew::take_record(int index, RunRecord record)
+void Crew::on_finished(int index, RunRecord record)
 {
     try {
         if (m_record != nullptr) {
@@ -125,7 +125,7 @@ void Crew::skip(int index, const QString& reason)
 
 void Crew::give_up(const QString& reason)
 {
-    Q_EMIT troubled(reason);
+    Q_EMIT failed(reason);
     wind_down();
 }
 
@@ -151,7 +151,7 @@ void Crew::wind_down()
     // A run that is pausing finishes within this call, which resets its element of m_runs.
     for (const auto& run : m_runs) {
         if (run) {
-            run->try_no_more();
+            run->stop_retrying();
         }
     }
     if (is_idle()) {

@@ -47,14 +47,14 @@ Q_SIGNALS:
     void became_idle();
     /// The gang itself has failed, for example because a run could not be recorded; no further run
     /// starts.
-    void troubled(const QString& reason);
+    void failed(const QString& reason);
 
 private:
     void begin_waiting();
     void begin(int index);
-    void take_state(int index);
-    void take_failed_try(int index);
-    void take_record(int index, RunRecord record);
+    void on_changed(int index);
+    void on_failed_try(int index);
+    void on_finished(int index, RunRecord record);
     void skip(int index, const QString& reason);
     void give_up(const QString& reason);
     void release(int index);

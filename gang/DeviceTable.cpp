@@ -100,7 +100,7 @@ QStringList DeviceTable::problems(const QSet<unsigned short>& versions, bool alo
     }
     QStringList lines;
     for (const inspect::Problem& problem : inspect::lint_table(m_table)) {
-        if (stops(problem) && concerns(problem, versions, alone)) {
+        if (prevents_start(problem) && concerns(problem, versions, alone)) {
             lines << line_of(problem, m_path);
         }
     }

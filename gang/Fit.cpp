@@ -30,8 +30,8 @@ bool is_written(const Profile& device, unsigned int address, const Settings& set
 } // namespace
 
 /// zserial writes or skips a whole piece, depending on its first address.
-QString emptiness(const Profile& device, const inspect::ImageFile& image, const Settings& settings,
-                  const std::optional<NumberSlot>& slot)
+QString reason_nothing_is_written(const Profile& device, const inspect::ImageFile& image,
+                                  const Settings& settings, const std::optional<NumberSlot>& slot)
 {
     const auto& pieces = image.image.blobs();
     if (std::none_of(pieces.begin(), pieces.end(), [&](const auto& piece) {
@@ -47,11 +47,11 @@ QString emptiness(const Profile& device, const inspect::ImageFile& image, const 
     return {};
 }
 
-QStringList misfits(const Profile& device, const inspect::ImageFile& image)
+QStringList fit_problems(const Profile& device, const inspect::ImageFile& image)
 {
     QStringList lines;
     for (const inspect::Problem& problem : inspect::fit(device, image).problems) {
-        if (stops(problem)) {
+        if (prevents_start(problem)) {
             lines << text_of(problem);
         }
     }

@@ -16,11 +16,11 @@ namespace gang
 /// Returns why an upload would write nothing of the image to the device, or not the whole serial
 /// number; empty if it writes both. The image must have been loaded with the boundaries of the
 /// device.
-QString emptiness(const Profile& device, const inspect::ImageFile& image, const Settings& settings,
-                  const std::optional<NumberSlot>& slot);
+QString reason_nothing_is_written(const Profile& device, const inspect::ImageFile& image,
+                                  const Settings& settings, const std::optional<NumberSlot>& slot);
 
 /// Returns why the device would not hold the whole image, one line for each reason.
-QStringList misfits(const Profile& device, const inspect::ImageFile& image);
+QStringList fit_problems(const Profile& device, const inspect::ImageFile& image);
 
 /// True if every byte of the image lies in device memory, wherever its pieces start. The bootloader
 /// area counts as device memory.

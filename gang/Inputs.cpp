@@ -27,7 +27,7 @@ Inputs::Inputs(const Arguments& arguments, const std::vector<ToolCommand>& comma
     inspect_table(versions);
     take_images(commands);
     for (const ToolCommand& command : commands) {
-        doubt(command.doubts());
+        add_problems(command.suspicious_arguments());
         inspect_fit(command, versions);
     }
     if (versions.isEmpty()) {
@@ -35,7 +35,7 @@ Inputs::Inputs(const Arguments& arguments, const std::vector<ToolCommand>& comma
     }
 }
 
-void Inputs::doubt(const QStringList& problems)
+void Inputs::add_problems(const QStringList& problems)
 {
     for (const QString& problem : problems) {
         if (!m_problems.contains(problem)) {
@@ -65,7 +65,7 @@ QSet<unsigned short> Inputs::versions_of(const std::vector<ToolCommand>& command
 void Inputs::inspect_table(const QSet<unsigned short>& versions)
 {
     const std::optional<unsigned short>& expected = m_arguments.expected_version;
-    doubt(m_table->problems(versions, expected.has_value()));
+    add_problems(m_table->problems(versions, expected.has_value()));
     if (expected && m_table->is_readable() && m_table->find(*expected) == nullptr) {
         throw ArgumentError(QStringLiteral("%1 has no usable row for version %2")
                                 .arg(m_arguments.table, version_text(*expected)));
@@ -94,8 +94,8 @@ void Inputs::take_image(const QString& path)
         if (problem.code == inspect::Code::ImageWithoutData) {
             throw ArgumentError(line_of(problem, path));
         }
-        if (stops(problem)) {
-            doubt({line_of(problem, path)});
+        if (prevents_start(problem)) {
+            add_problems({line_of(problem, path)});
         }
     }
     const auto& slot = m_arguments.number_slot;
@@ -114,10 +114,10 @@ void Inputs::inspect_fit(const ToolCommand& command, const QSet<unsigned short>&
             if (device == nullptr) {
                 continue;
             }
-            const Misfit& misfit = misfit_of(*device, image, command.settings());
-            for (const QString& problem : misfit.problems + QStringList{misfit.emptiness}) {
+            const FitProblems& fit = fit_problems_of(*device, image, command.settings());
+            for (const QString& problem : fit.problems + QStringList{fit.nothing_written}) {
                 if (!problem.isEmpty()) {
-                    doubt({QStringLiteral("%1: %2").arg(image, problem)});
+                    add_problems({QStringLiteral("%1: %2").arg(image, problem)});
                 }
             }
         }
@@ -132,45 +132,46 @@ void Inputs::inspect_room()
         const inspect::ImageFile file = inspect::read_image(image->copy, {});
         if (std::none_of(devices.begin(), devices.end(),
                          [&file](const Profile* device) { return has_room(*device, file); })) {
-            doubt(
+            add_problems(
                 {QStringLiteral("%1: does not fit into any device of the table").arg(image.key())});
         }
     }
 }
 
-const Inputs::Misfit& Inputs::misfit_of(const Profile& device, const QString& image,
-                                        const Settings& settings) const
+const Inputs::FitProblems& Inputs::fit_problems_of(const Profile& device, const QString& image,
+                                                   const Settings& settings) const
 {
     const QString key = QStringLiteral("%1 %2 %3 %4")
                             .arg(version_of(device))
                             .arg(settings.include_encrypted)
                             .arg(settings.include_unencrypted)
                             .arg(image);
-    const auto known = m_misfits.constFind(key);
-    if (known != m_misfits.constEnd()) {
+    const auto known = m_fit_problems.constFind(key);
+    if (known != m_fit_problems.constEnd()) {
         return *known;
     }
     const inspect::ImageFile file =
         inspect::read_image(m_images.value(image).copy, device.boundaries);
-    Misfit misfit;
+    FitProblems fit;
     if (file.loads) {
-        misfit.emptiness = emptiness(device, file, settings, m_arguments.number_slot);
-        misfit.problems = misfits(device, file);
+        fit.nothing_written =
+            reason_nothing_is_written(device, file, settings, m_arguments.number_slot);
+        fit.problems = fit_problems(device, file);
     }
-    return *m_misfits.insert(key, misfit);
+    return *m_fit_problems.insert(key, fit);
 }
 
 /// With --force, an image of which only part fits is accepted.
-QString Inputs::misfit(unsigned short version, const ToolCommand& command) const
+QString Inputs::fit_problem(unsigned short version, const ToolCommand& command) const
 {
     const QString image = command.written_image();
     const Profile* device = m_table->find(version);
     if (device == nullptr || image.isEmpty()) {
         return {};
     }
-    const Misfit& misfit = misfit_of(*device, image, command.settings());
-    const bool forced = m_arguments.force || misfit.problems.isEmpty();
-    return forced || !misfit.emptiness.isEmpty() ? misfit.emptiness : misfit.problems.first();
+    const FitProblems& fit = fit_problems_of(*device, image, command.settings());
+    const bool forced = m_arguments.force || fit.problems.isEmpty();
+    return forced || !fit.nothing_written.isEmpty() ? fit.nothing_written : fit.problems.first();
 }
 
 QString Inputs::folder_of(const PortNames& port) const
@@ -189,8 +190,8 @@ QString Inputs::own_copy(const QString& folder, const QString& shared, quint64 n
     return own;
 }
 
-QHash<QString, QString> Inputs::furnish(const QString& folder, const ToolCommand& command,
-                                        const std::optional<quint64>& number) const
+QHash<QString, QString> Inputs::prepare_folder(const QString& folder, const ToolCommand& command,
+                                               const std::optional<quint64>& number) const
 {
     const auto& expected = m_arguments.expected_version;
     if (!QDir().mkpath(folder) ||

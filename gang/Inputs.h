@@ -32,14 +32,14 @@ public:
 
     /// Creates the working folder of a run, with the table and, if `number` is given, images that
     /// contain this number. Returns the copy to use for each image. Throws FileError.
-    QHash<QString, QString> furnish(const QString& folder, const ToolCommand& command,
-                                    const std::optional<quint64>& number) const;
+    QHash<QString, QString> prepare_folder(const QString& folder, const ToolCommand& command,
+                                           const std::optional<quint64>& number) const;
     /// Returns the working folder of the runs on a port.
     QString folder_of(const PortNames& port) const;
 
     /// Returns why a device of this version cannot hold the written image as requested, although
     /// its upload succeeded; empty if it can.
-    QString misfit(unsigned short version, const ToolCommand& command) const;
+    QString fit_problem(unsigned short version, const ToolCommand& command) const;
 
 private:
     struct Image {
@@ -48,8 +48,8 @@ private:
     };
 
     /// Why a device cannot take an image.
-    struct Misfit {
-        QString emptiness;
+    struct FitProblems {
+        QString nothing_written;
         QStringList problems;
     };
 
@@ -59,17 +59,17 @@ private:
     void inspect_fit(const ToolCommand& command, const QSet<unsigned short>& versions);
     void inspect_room();
     QSet<unsigned short> versions_of(const std::vector<ToolCommand>& commands) const;
-    const Misfit& misfit_of(const Profile& device, const QString& image,
-                            const Settings& settings) const;
+    const FitProblems& fit_problems_of(const Profile& device, const QString& image,
+                                       const Settings& settings) const;
     QString own_copy(const QString& folder, const QString& shared, quint64 number) const;
-    void doubt(const QStringList& problems);
+    void add_problems(const QStringList& problems);
 
     const Arguments& m_arguments;
     QTemporaryDir m_scratch;
     std::optional<DeviceTable> m_table;
     QHash<QString, Image> m_images;
     QStringList m_problems;
-    mutable QHash<QString, Misfit> m_misfits; ///< results of misfit_of() so far
+    mutable QHash<QString, FitProblems> m_fit_problems; ///< results of fit_problems_of() so far
 };
 
 } // namespace gang

@@ -56,7 +56,7 @@ void NumberFile::catch_up()
         take_line(added.mid(start, end - start));
     }
     if (is_torn(added.mid(start))) {
-        m_file.cut(m_read + start);
+        m_file.truncate(m_read + start);
     } else if (start < added.size()) {
         m_file.end_line();
         take_line(added.mid(start));

@@ -46,7 +46,7 @@ void PortRun::start()
     begin_try();
 }
 
-void PortRun::try_no_more()
+void PortRun::stop_retrying()
 {
     m_last_try = true;
     if (m_pause.isActive()) {
@@ -57,7 +57,7 @@ void PortRun::try_no_more()
 
 void PortRun::stop()
 {
-    try_no_more();
+    stop_retrying();
     if (m_process) {
         m_process->stop();
     }
@@ -68,7 +68,7 @@ void PortRun::stop()
 /// by then.
 bool PortRun::take_number()
 {
-    if (m_assignment.numbers == nullptr || (m_record.number && !m_number_is_used)) {
+    if (m_assignment.numbers == nullptr || (m_record.number && !m_number_may_be_in_device)) {
         return true;
     }
     if (m_record.number) {
@@ -86,21 +86,21 @@ bool PortRun::take_number()
             }
         });
     } catch (const FileError& error) {
-        give_up_numbers(QString::fromStdString(error.what()));
+        finish_without_number(QString::fromStdString(error.what()));
         return false;
     }
-    m_number_is_used = false;
+    m_number_may_be_in_device = false;
     return true;
 }
 
-void PortRun::give_up_numbers(const QString& reason)
+void PortRun::finish_without_number(const QString& reason)
 {
     --m_record.tries;
-    Q_EMIT has_no_number(reason);
+    Q_EMIT number_missing(reason);
     if (m_record.tries > 0) {
         finish(m_judgement);
     } else {
-        Q_EMIT not_begun(reason);
+        Q_EMIT not_started(reason);
     }
 }
 
@@ -116,8 +116,8 @@ void PortRun::begin_try()
         if (!arguments.keep.isEmpty() && m_kept.folder().isEmpty()) {
             m_kept = KeptFiles(arguments.keep, m_state.port.name, m_record.time);
         }
-        m_copies = m_assignment.inputs.furnish(m_assignment.inputs.folder_of(m_state.port),
-                                               m_command, m_record.number);
+        m_copies = m_assignment.inputs.prepare_folder(m_assignment.inputs.folder_of(m_state.port),
+                                                      m_command, m_record.number);
     } catch (const FileError& error) {
         end_try({Verdict::File, QString::fromStdString(error.what()), {}, false});
         return;
@@ -149,7 +149,7 @@ void PortRun::launch(Step step, const QStringList& words)
     m_state.percentage = -1;
     m_process = std::make_unique<ToolProcess>();
     connect(m_process.get(), &ToolProcess::printed, this, &PortRun::show_progress);
-    connect(m_process.get(), &ToolProcess::ended, this, &PortRun::take_end);
+    connect(m_process.get(), &ToolProcess::ended, this, &PortRun::on_process_ended);
     Q_EMIT changed();
     m_process->start(m_assignment.tool, m_words, m_assignment.inputs.folder_of(m_state.port),
                      m_assignment.arguments.limit_ms);
@@ -176,7 +176,7 @@ void PortRun::show_progress()
     Q_EMIT changed();
 }
 
-void PortRun::take_end(const ToolEnd& end)
+void PortRun::on_process_ended(const ToolEnd& end)
 {
     m_process.release()->deleteLater(); // it is still emitting this signal
     m_kept.add_console(m_words, end);
@@ -200,7 +200,7 @@ QString PortRun::readable(QString message) const
 
 void PortRun::judge_upload(Judgement judgement)
 {
-    m_number_is_used = m_number_is_used || judgement.touched;
+    m_number_may_be_in_device = m_number_may_be_in_device || judgement.touched;
     if (judgement.verdict != Verdict::Ok) {
         end_try(judgement);
         return;
@@ -208,7 +208,7 @@ void PortRun::judge_upload(Judgement judgement)
     QString problem = m_read.problem();
     judgement.verdict = problem.isEmpty() ? Verdict::Ok : Verdict::Unsaved;
     if (problem.isEmpty() && judgement.version) {
-        problem = m_assignment.inputs.misfit(*judgement.version, m_command);
+        problem = m_assignment.inputs.fit_problem(*judgement.version, m_command);
         judgement.verdict = problem.isEmpty() ? Verdict::Ok : Verdict::File;
     }
     judgement.message = problem;

@@ -28,7 +28,7 @@ public:
     /// Starts the first try. Results arrive as signals, possibly before this returns.
     void start();
     /// Allows no further try; a run that is pausing finishes at once.
-    void try_no_more();
+    void stop_retrying();
     /// Kills the upload and allows no further try.
     void stop();
 
@@ -39,21 +39,21 @@ Q_SIGNALS:
     /// A try has failed, and another one follows.
     void failed_try(const gang::Judgement& judgement);
     void finished(const gang::RunRecord& record);
-    /// No serial number is available for a try; finished() or not_begun() follows.
-    void has_no_number(const QString& reason);
+    /// No serial number is available for a try; finished() or not_started() follows.
+    void number_missing(const QString& reason);
     /// The run has ended before its first try; no signal follows.
-    void not_begun(const QString& reason);
+    void not_started(const QString& reason);
 
 private:
     enum class Step { Upload, Certification };
 
     void begin_try();
     bool take_number();
-    void give_up_numbers(const QString& reason);
+    void finish_without_number(const QString& reason);
     void begin_upload();
     void begin_certification();
     void launch(Step step, const QStringList& words);
-    void take_end(const ToolEnd& end);
+    void on_process_ended(const ToolEnd& end);
     void judge_upload(Judgement judgement);
     void judge_certification(Judgement judgement);
     void end_try(const Judgement& judgement);
@@ -76,7 +76,7 @@ private:
     QStringList m_words;
     Settings m_settings; ///< of the current process
     Judgement m_judgement;
-    bool m_number_is_used = false; ///< true if it may have reached a device
+    bool m_number_may_be_in_device = false; ///< true if it may have reached a device
     bool m_last_try = false;
 };
 

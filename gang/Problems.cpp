@@ -3,7 +3,7 @@
 namespace gang
 {
 
-bool stops(const inspect::Problem& problem)
+bool prevents_start(const inspect::Problem& problem)
 {
     return problem.severity() == inspect::Severity::Error ||
            problem.code == inspect::Code::RecordsAfterEnd ||

@@ -56,7 +56,7 @@ int run_program(int argc, char** argv)
     try {
         return run(QCoreApplication::arguments());
     } catch (const std::exception& failure) {
-        complain(QString::fromStdString(failure.what()));
+        print_error(QString::fromStdString(failure.what()));
         return ExitNotStarted;
     }
 }

@@ -25,7 +25,7 @@ void RecordFile::append(const RunRecord& record)
     for (int i = 0; i < most_replacements; ++i) {
         SharedFile file(m_path, SharedFile::Missing::Create);
         const SharedFile::Lock lock(file);
-        if (file.has_its_name()) {
+        if (file.is_at_its_path()) {
             file.append(line);
             return;
         }

@@ -70,7 +70,7 @@ int run_report(const QStringList& command_line)
         given = NumberFile(parser.value("serial-file")).given();
     }
     if (runs.skipped != 0) {
-        complain(QStringLiteral("skipped lines that are not records: %1").arg(runs.skipped));
+        print_error(QStringLiteral("skipped lines that are not records: %1").arg(runs.skipped));
     }
     return print(printed(report_on(runs, given), parser));
 }

@@ -57,7 +57,7 @@ std::unique_ptr<Display> display_for(const Arguments& arguments)
 
 } // namespace
 
-void complain(const QString& text)
+void print_error(const QString& text)
 {
     (void)std::fprintf(stderr, "zserial-gang: %s\n", text.toLocal8Bit().constData());
 }
@@ -68,7 +68,7 @@ Session::Session(const Arguments& arguments)
 {
     const QString tool = tool_for(arguments);
     for (const QString& problem : m_inputs.problems()) {
-        complain(problem);
+        print_error(problem);
     }
     if (!m_inputs.problems().isEmpty() && !arguments.force) {
         throw ArgumentError(
@@ -111,12 +111,13 @@ int Session::run()
     m_signals.emplace();
     m_display = display_for(m_arguments);
     m_crew = std::make_unique<Crew>(*m_assignment, m_record ? &*m_record : nullptr, *m_display);
-    connect(&*m_signals, &Platform::SignalEvents::stop_requested, this, &Session::take_stop);
+    connect(&*m_signals, &Platform::SignalEvents::stop_requested, this,
+            &Session::on_stop_requested);
     if (auto* table = dynamic_cast<LiveTable*>(m_display.get())) {
         connect(&*m_signals, &Platform::SignalEvents::terminal_resized, table, &LiveTable::resize);
     }
     connect(m_crew.get(), &Crew::became_idle, this, &Session::end_if_idle);
-    connect(m_crew.get(), &Crew::troubled, this,
+    connect(m_crew.get(), &Crew::failed, this,
             [this](const QString& reason) { m_troubles << reason; });
     for (const QString& port : m_arguments.ports) {
         m_crew->take(port);
@@ -130,12 +131,12 @@ int Session::run()
     QCoreApplication::exec();
     m_display->summed_up(m_crew->states(), m_crew->tally());
     for (const QString& trouble : m_troubles) {
-        complain(trouble);
+        print_error(trouble);
     }
     return status();
 }
 
-void Session::take_stop()
+void Session::on_stop_requested()
 {
     ++m_stops;
     if (m_stops == 1) {

@@ -41,7 +41,7 @@ public:
 private:
     void prepare_numbers();
     void prepare_folders();
-    void take_stop();
+    void on_stop_requested();
     void end_if_idle();
     int status() const;
 
@@ -59,6 +59,6 @@ private:
 };
 
 /// Prints a line to standard error, prefixed with the program name.
-void complain(const QString& text);
+void print_error(const QString& text);
 
 } // namespace gang

@@ -95,21 +95,21 @@ void SharedFile::end_line()
     }
 }
 
-void SharedFile::cut(qint64 position)
+void SharedFile::truncate(qint64 position)
 {
     if (!m_file.resize(position) || !flush_to_disk(m_file)) {
         fail(m_file.errorString());
     }
 }
 
-bool SharedFile::has_its_name() const
+bool SharedFile::is_at_its_path() const
 {
     return identity_of(m_path).is_same_node(identity_of(m_file));
 }
 
 void SharedFile::require_same_file() const
 {
-    if (!has_its_name()) {
+    if (!is_at_its_path()) {
         fail(QStringLiteral("was replaced or removed while in use"));
     }
 }

@@ -53,11 +53,11 @@ public:
     void append(const QByteArray& line);
 
     /// Truncates the file to `position` bytes. Throws FileError. Needs the lock.
-    void cut(qint64 position);
+    void truncate(qint64 position);
     /// Terminates an incomplete last line. Throws FileError. Needs the lock.
     void end_line();
     /// True if the name still leads to this file.
-    bool has_its_name() const;
+    bool is_at_its_path() const;
     /// Throws FileError if the name no longer leads to this file.
     void require_same_file() const;
 

@@ -130,23 +130,23 @@ QStringList ToolCommand::outputs() const
     return texts_of(Role::ReadFile) + texts_of(Role::FrameLog);
 }
 
-QStringList ToolCommand::doubts() const
+QStringList ToolCommand::suspicious_arguments() const
 {
-    QStringList doubts;
+    QStringList found;
     for (const QString& word : texts_of(Role::Unknown)) {
-        doubts
+        found
             << QStringLiteral("zserial ignores the word \"%1\", which is not an option").arg(word);
     }
     const Settings& settings = m_settings;
     if (settings.write_and_verify_wanted &&
         (settings.write_wanted || settings.write_range_wanted || settings.read_wanted ||
          settings.read_range_wanted || settings.verify_wanted || settings.erase_range_wanted)) {
-        doubts << QStringLiteral("with -wv, zserial does not carry out -E, -w, -W, -r, -l or -v");
+        found << QStringLiteral("with -wv, zserial does not carry out -E, -w, -W, -r, -l or -v");
     }
     if (settings.version_request_wanted && settings.bootloader_version == 0) {
-        doubts << QStringLiteral("with -V but without -B, every run fails: leave out -V");
+        found << QStringLiteral("with -V but without -B, every run fails: leave out -V");
     }
-    return doubts;
+    return found;
 }
 
 QStringList ToolCommand::words(const QHash<QString, QString>& copies) const

@@ -38,7 +38,7 @@ public:
 
     /// Returns words that zserial ignores and operations that it does not carry out, one line each.
     /// They are most likely mistakes.
-    QStringList doubts() const;
+    QStringList suspicious_arguments() const;
 
     /// Returns the arguments to start zserial with. `copies` maps images to the files to use
     /// instead.

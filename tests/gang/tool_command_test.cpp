@@ -64,7 +64,7 @@ TEST(ToolCommand, KnowsOptionsThatComeOfPlaceholders)
     const gang::PortNames odd{QStringLiteral("/dev/-e"), QStringLiteral("-e"), 1};
     const ToolCommand erase(words("{name}"), odd);
     EXPECT_TRUE(erase.settings().erase_all_wanted);
-    EXPECT_TRUE(erase.doubts().isEmpty());
+    EXPECT_TRUE(erase.suspicious_arguments().isEmpty());
 }
 
 TEST(ToolCommand, UsesCopiesOfImages)
@@ -100,14 +100,14 @@ TEST(ToolCommand, AFileThatIsReadAndThenVerifiedIsNoImage)
 
 TEST(ToolCommand, DoubtsWhatTheToolPassesOver)
 {
-    EXPECT_EQ(joined(command("-vw a.hex").doubts()),
+    EXPECT_EQ(joined(command("-vw a.hex").suspicious_arguments()),
               "zserial ignores the word \"-vw\", which is not an option "
               "zserial ignores the word \"a.hex\", which is not an option");
-    EXPECT_EQ(joined(command("-wv a.hex -r b.hex").doubts()),
+    EXPECT_EQ(joined(command("-wv a.hex -r b.hex").suspicious_arguments()),
               "with -wv, zserial does not carry out -E, -w, -W, -r, -l or -v");
-    EXPECT_EQ(joined(command("-V").doubts()),
+    EXPECT_EQ(joined(command("-V").suspicious_arguments()),
               "with -V but without -B, every run fails: leave out -V");
-    EXPECT_EQ(joined(command("-B 110 -e -w a.hex -v a.hex -R").doubts()), "");
+    EXPECT_EQ(joined(command("-B 110 -e -w a.hex -v a.hex -R").suspicious_arguments()), "");
 }
 
 TEST(ToolCommand, RefusesWhatTheToolWouldRefuse)
