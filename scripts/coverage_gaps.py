@@ -90,9 +90,8 @@ def main():
     parser.add_argument("reasons", type=Path, help="the list")
     options = parser.parse_args()
     lines = read_lines(options.report, SOURCE)
-    print("\n".join(table(lines)))
     found = problems(lines, *read_reasons(options.reasons))
-    print("\n".join(found))
+    print("\n".join([*table(lines), *found]))
     sys.exit(1 if found else 0)
 
 
