@@ -6,8 +6,6 @@
 
 #include <QDir>
 
-#include <sys/resource.h>
-
 using namespace test;
 
 namespace
@@ -71,17 +69,6 @@ TEST_F(StandInFor, AFileThatMemoryDoesNotHoldCannotBeMade)
     const QString image = put_file(QStringLiteral("image.hex"), QByteArray(5000, 'x'));
     const SmallDisk disk(4096);
     EXPECT_THROW(m_files.stand_in_for(image), inspect::UsageError);
-}
-
-TEST_F(StandInFor, AFileNeedsADescriptor)
-{
-    const QString image = put_file(QStringLiteral("image.hex"), "text");
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{0, before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    EXPECT_THROW(m_files.stand_in_for(image), inspect::UsageError);
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
 }
 
 TEST_F(StandInFor, NothingIsNothing)

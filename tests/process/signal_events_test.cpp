@@ -6,8 +6,6 @@
 
 #include <csignal>
 #include <optional>
-#include <sys/resource.h>
-#include <system_error>
 
 using namespace test;
 
@@ -75,16 +73,6 @@ TEST_F(Signals, EndTheProcessAgainLaterButNotThoseThatHaveCome)
     ASSERT_EQ(::raise(SIGTERM), 0);
     events.reset();
     EXPECT_FALSE(is_blocked(SIGTERM));
-}
-
-TEST_F(Signals, NeedADescriptor)
-{
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{0, before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    EXPECT_THROW(SignalEvents(), std::system_error);
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
 }
 
 } // namespace
