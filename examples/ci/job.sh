@@ -74,4 +74,8 @@ echo "== A device that fails must fail the job"
 run broken --fault wrong-ack@5 -- -e -w image.hex
 [ $? -eq 3 ] || fail 13 "a bad acknowledgement went unnoticed"
 
+echo "== So must one that acknowledges rows and does not write them"
+run unwritten --check image.hex --fault phantom-write=1 -- -e -w image.hex
+[ $? -eq 1 ] || fail 13 "a device without the image went unnoticed"
+
 echo "All is well."
