@@ -89,11 +89,8 @@ class Device:
         return FLASH_START <= address < FLASH_END and address % unit == 0
 
 
-def main():
-    master, slave = pty.openpty()  # the slave stays open, so that hosts can reconnect
-    tty.setraw(slave)
-    print(os.ttyname(slave), flush=True)
-    device, receiver = Device(), Receiver()
+def serve(device, master, slave):
+    receiver = Receiver()
     while True:
         for byte in os.read(master, 4096):
             rate = termios.tcgetattr(slave)[4]
@@ -106,6 +103,13 @@ def main():
                 answer = device.carry_out(payload)
                 if answer:
                     os.write(master, frame(answer))
+
+
+def main():
+    master, slave = pty.openpty()  # the slave stays open, so that hosts can reconnect
+    tty.setraw(slave)
+    print(os.ttyname(slave), flush=True)
+    serve(Device(), master, slave)
 
 
 if __name__ == "__main__":

@@ -316,22 +316,6 @@ class Frames(unittest.TestCase):
         self.assertLessEqual(shown, good)
 
 
-class Reads(unittest.TestCase):
-    """How the device in examples/ answers reads at the ends of its memories."""
-
-    def data(self, *command):
-        answer = bootloader.Device().carry_out(bytes(command))
-        return answer and answer[len(command):]
-
-    def test_that_go_beyond_the_end_are_answered_in_full_length(self):
-        self.assertEqual(self.data(1, 64, 0xC0, 0x7F, 0), b"\xff" * 64 + b" " * 64)
-        self.assertEqual(self.data(4, 16, 0xF8, 0x01, 0), b"\xff" * 8 + b" " * 8)
-
-    def test_that_begin_beyond_the_end_are_not_answered(self):
-        self.assertIsNone(self.data(1, 64, 0x00, 0x80, 0))
-        self.assertIsNone(self.data(4, 16, 0x00, 0x02, 0))
-
-
 class Jobs(unittest.TestCase):
     """The jobs for continuous integration in examples/."""
 
