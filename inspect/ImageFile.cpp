@@ -36,6 +36,7 @@ std::vector<Segment> segments_of(const MemoryMap& image)
             segments.push_back({blob->address, end_of(*blob)});
         }
     }
+    segments.shrink_to_fit();
     return segments;
 }
 

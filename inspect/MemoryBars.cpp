@@ -66,14 +66,11 @@ bool is_shown(const MemoryPicture& picture, const AreaPiece& piece)
 }
 
 /// The data outside of all memories.
-std::vector<Segment> rest_of(const MemoryPicture& picture, const Profile* profile,
+std::vector<Segment> rest_of(const MemoryPicture& picture, const Profile& profile,
                              const std::vector<Segment>& image)
 {
-    if (profile == nullptr) {
-        return image;
-    }
     std::vector<Segment> rest;
-    for (const AreaPiece& piece : cut(*profile, image)) {
+    for (const AreaPiece& piece : cut(profile, image)) {
         if (!is_shown(picture, piece)) {
             rest.push_back(piece.range);
         }
@@ -81,10 +78,9 @@ std::vector<Segment> rest_of(const MemoryPicture& picture, const Profile* profil
     return rest;
 }
 
-void add_clusters(MemoryPicture& picture, const Profile* profile, const std::vector<Segment>& image)
+void add_clusters(MemoryPicture& picture, const char* name, const std::vector<Segment>& image)
 {
     std::size_t clusters = 0;
-    const char* const name = profile == nullptr ? "image" : "outside the device";
     for (auto it = image.begin(); it != image.end();) {
         auto next = it + 1;
         while (next != image.end() && next->start - (next - 1)->end <= widest_gap) {
@@ -110,10 +106,12 @@ void add_clusters(MemoryPicture& picture, const Profile* profile, const std::vec
 MemoryPicture picture_of(const Profile* profile, const std::vector<Segment>& image)
 {
     MemoryPicture picture;
-    if (profile != nullptr) {
+    if (profile == nullptr) {
+        add_clusters(picture, "image", image);
+    } else {
         add_memories(picture, *profile, image);
+        add_clusters(picture, "outside the device", rest_of(picture, *profile, image));
     }
-    add_clusters(picture, profile, rest_of(picture, profile, image));
     return picture;
 }
 
