@@ -58,9 +58,11 @@ bool are_answered_alike(const QByteArray& left, const QByteArray& right)
 
 QString slow_erase_or_else(Code code)
 {
+    QString otherwise = QString::fromLatin1(kind_of(code).remedy);
+    otherwise[0] = otherwise.at(0).toLower();
     return QStringLiteral("Run -v FILE. If its reads are answered, erasing takes too long: use -e "
-                          "-wv, which erases one page at a time. If not: ") +
-           QString::fromLatin1(kind_of(code).remedy);
+                          "-wv, which erases one page at a time. If not, ") +
+           otherwise;
 }
 
 QString with_times(const QString& text, quint64 times, const char* unit)

@@ -7,6 +7,7 @@ using namespace test;
 
 // What people read of made-up logs.
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -210,8 +211,10 @@ TEST_F(LogText, NamesASlowEraseWhereNoEraseIsAnswered)
 {
     const QByteArray erase = sent("031e000800");
     for (const QByteArray& begin : {QByteArray(), answered("0002", "00020110")}) {
-        EXPECT_THAT(remedy(report_on(begin + erase.repeated(40)), 0),
-                    HasSubstr("Run -v FILE. If its reads are answered, erasing takes too long"));
+        EXPECT_THAT(
+            remedy(report_on(begin + erase.repeated(40)), 0),
+            AllOf(HasSubstr("Run -v FILE. If its reads are answered, erasing takes too long"),
+                  HasSubstr(". If not, c"))); // what to check or to correct
         EXPECT_THAT(remedy(report_on(begin + sent(write_row).repeated(40)), 0),
                     Not(HasSubstr("-v FILE")));
     }
