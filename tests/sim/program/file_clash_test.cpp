@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 using sim::find_clash;
-using sim::NamedFile;
 using Use = sim::NamedFile::Use;
 
 namespace
