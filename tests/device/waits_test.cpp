@@ -9,7 +9,6 @@
 #include <functional>
 
 using namespace test;
-using testing::Contains;
 using testing::ElementsAre;
 
 // What may happen while a command waits for its answer.

@@ -23,7 +23,7 @@ protected:
     /// Creates a named pipe and returns its encoded path.
     QByteArray put_pipe(const char* name) const
     {
-        const QByteArray pipe = QFile::encodeName(path(QLatin1String(name)));
+        QByteArray pipe = QFile::encodeName(path(QLatin1String(name)));
         EXPECT_EQ(::mkfifo(pipe.constData(), 0600), 0);
         return pipe;
     }

@@ -19,7 +19,7 @@ protected:
     /// Draws with these words and returns the drawing's path.
     QString draw(const QString& words) const
     {
-        const QString drawing = path(QStringLiteral("a.svg"));
+        QString drawing = path(QStringLiteral("a.svg"));
         const inspect::Outcome outcome = inspect_run(words.split(QLatin1Char(' ')) +
                                                      QStringList{QStringLiteral("--svg"), drawing});
         EXPECT_EQ(outcome.err.toStdString(), "");

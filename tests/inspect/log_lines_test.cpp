@@ -7,7 +7,6 @@ using namespace test;
 
 // A log as a file: which lines are entries, and what becomes of the others.
 
-using inspect::LogLine;
 using inspect::LogReader;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -390,6 +390,7 @@ std::vector<ObservedRun> run_all(const std::vector<std::unique_ptr<Case>>& cases
 {
     const Heartbeat heartbeat;
     std::vector<std::unique_ptr<RunningTool>> running;
+    running.reserve(cases.size());
     for (const auto& each : cases) {
         running.push_back(each->start_tool());
     }
@@ -412,7 +413,7 @@ ObservedRun run_undisturbed(unsigned int seed)
     for (int i = 1;; ++i) {
         std::vector<std::unique_ptr<Case>> only;
         only.push_back(std::make_unique<Case>(seed));
-        const ObservedRun run = run_all(only).front();
+        ObservedRun run = run_all(only).front();
         if (!run.was_disturbed || i == most) {
             return run;
         }
@@ -422,10 +423,12 @@ ObservedRun run_undisturbed(unsigned int seed)
 std::vector<Account> plan_all(const std::vector<std::unique_ptr<Case>>& cases)
 {
     std::vector<std::unique_ptr<RunningTool>> running;
+    running.reserve(cases.size());
     for (const auto& each : cases) {
         running.push_back(each->start_plan());
     }
     std::vector<Account> plans;
+    plans.reserve(running.size());
     for (const auto& plan : running) {
         plans.push_back(planned(plan->result()));
     }

@@ -11,7 +11,6 @@
 
 using namespace test;
 using testing::Contains;
-using testing::Eq;
 
 namespace
 {

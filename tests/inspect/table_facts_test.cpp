@@ -6,10 +6,8 @@
 #include <gmock/gmock.h>
 
 using namespace test;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace
 {

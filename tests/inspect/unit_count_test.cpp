@@ -44,7 +44,7 @@ TEST(UnitCount, OfUnitsWithoutSizeCountsNothing)
 
 TEST(UnitCount, AgreesWithCountingByteByByte)
 {
-    std::mt19937 random(1);
+    std::mt19937 random(1); // NOLINT(cert-msc32-c,cert-msc51-cpp)
     for (int round = 0; round < 500; ++round) {
         const quint64 size = 1 + random() % 20;
         UnitCount units(size);

@@ -69,7 +69,7 @@ QStringList message_of_failing_question()
     try {
         Profiles::has_profile(0x0102);
         // The registry throws a pointer on purpose.
-    } catch (QException* exception) { // NOLINT(cert-err09-cpp,cert-err61-cpp)
+    } catch (QException* exception) { // NOLINT(cert-err61-cpp)
         const std::unique_ptr<QException> owner(exception);
         return messages.texts();
     }
