@@ -12,5 +12,5 @@ fi
 for preset in "$@"; do
     cmake --preset "$preset"
     cmake --build --preset "$preset"
-    ctest --preset "$preset" --schedule-random
+    ctest --preset "$preset"
 done
