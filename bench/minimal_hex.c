@@ -112,7 +112,7 @@ static const char* take_record(const char* at, const char* end, unsigned char* b
 static size_t load(const char* text, size_t size)
 {
     const char* const end = text + size;
-    unsigned char record[5 + 255];
+    unsigned char record[5 + 255] = {0};
     uint32_t upper = 0;
     size_t total = 0;
     for (const char* at = text; (at = memchr(at, ':', (size_t)(end - at))) != NULL;) {
