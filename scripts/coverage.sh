@@ -11,7 +11,7 @@ cmake --preset coverage
 cmake --build --preset coverage
 find build/coverage -name '*.gcda' -delete
 # A program whose files must not grow damages the counters of its sources.
-ctest --preset coverage --exclude-regex 'MustNotGrow|SizeLimit'
+ctest --preset coverage --schedule-random --exclude-regex 'MustNotGrow|SizeLimit'
 folders=(app/ device/ gang/ inspect/ memory/ process/ profile/ util/)
 gcovr --root . --object-directory build/coverage -j "$(nproc)" "${folders[@]/#/--filter=}" \
     --json build/coverage/lines.json build/coverage
