@@ -1,7 +1,7 @@
 # The compiler settings of every target in this tree.
 function(zserial_settings target)
     target_compile_features(${target} PUBLIC cxx_std_17)
-    set_target_properties(${target} PROPERTIES AUTOMOC ON CXX_EXTENSIONS OFF)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
     target_compile_definitions(${target} PRIVATE
         QT_DISABLE_DEPRECATED_BEFORE=0x050F00
         QT_NO_CAST_FROM_ASCII
@@ -26,9 +26,11 @@ function(zserial_settings target)
     endif()
 endfunction()
 
-# The settings of a library of this tree. All libraries share the headers that the first one parses.
+# The settings of a library of this tree. Only libraries declare Qt objects. All of them share the
+# headers that the first one parses.
 function(zserial_library target)
     zserial_settings(${target})
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
     if(target STREQUAL zserial_core)
         target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/precompiled.h)
     else()

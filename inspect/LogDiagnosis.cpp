@@ -323,12 +323,12 @@ void LogDiagnosis::add_silences(std::map<Code, Finding>& findings, const LogCoun
 {
     Finding lost = m_lost;
     if (erases_are_slow(counts)) {
-        findings[Code::SlowErase] = {
-            m_late_erases.line, 1,
-            QStringLiteral("%1 of %2 not acknowledged before the command was sent again; the "
-                           "first: %3.")
+        const QString detail =
+            QStringLiteral("%1 of %2 not acknowledged before the command was "
+                           "sent again; the first: %3.")
                 .arg(m_late_erases.times)
-                .arg(count_text(counts.of(Kind::Erase), "erase"), m_late_erases.detail)};
+                .arg(count_text(counts.of(Kind::Erase), "erase"), m_late_erases.detail);
+        findings[Code::SlowErase] = {m_late_erases.line, 1, detail};
     } else if (m_late_erases.times != 0) {
         const bool is_first = lost.times == 0 || m_late_erases.line < lost.line;
         lost.line = is_first ? m_late_erases.line : lost.line;
@@ -336,12 +336,12 @@ void LogDiagnosis::add_silences(std::map<Code, Finding>& findings, const LogCoun
         lost.times += m_lost_after_erase;
     }
     if (lost.times != 0) {
-        findings[Code::LostAnswer] = {
-            lost.line, 1,
+        const QString detail =
             QStringLiteral(
                 "%1 of %2 came to nothing, and the next one was answered; the first: %3.")
                 .arg(lost.times)
-                .arg(count_text(counts.awaited, "attempt"), lost.detail)};
+                .arg(count_text(counts.awaited, "attempt"), lost.detail);
+        findings[Code::LostAnswer] = {lost.line, 1, detail};
     }
 }
 

@@ -6,8 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
-install_packages "${build_packages[@]}" "${test_packages[@]}"
-cmake --preset release
+install_packages "${build_packages[@]}" "${test_packages[@]}" "${benchmark_packages[@]}"
+cmake --preset release -DZSERIAL_BUILD_BENCHMARKS=ON
 cmake --build --preset release
 if [[ " $* " != *" --short "* ]]; then
     set -- --write docs/performance.md "$@"

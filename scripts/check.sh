@@ -7,9 +7,9 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 scripts/lint.sh
-install_packages "${build_packages[@]}" "${test_packages[@]}" "${fuzz_packages[@]}" "${check_packages[@]}"
+install_packages "${build_packages[@]}" "${test_packages[@]}" "${benchmark_packages[@]}" "${check_packages[@]}"
 scripts/test.sh fuzz
-cmake --preset release
+cmake --preset release -DZSERIAL_BUILD_BENCHMARKS=ON
 cmake --build --preset release
 ctest --test-dir build/release --label-regex '^check$' --no-tests=error --output-on-failure \
     --parallel "$(nproc)"

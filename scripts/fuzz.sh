@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 seconds=${1:-300}
-install_packages "${build_packages[@]}" "${fuzz_packages[@]}"
+install_packages "${build_packages[@]}" "${clang_packages[@]}"
 cmake --preset fuzz -DZSERIAL_FUZZ_SECONDS="$seconds"
 cmake --build --preset fuzz
 ctest --test-dir build/fuzz --output-on-failure -j 2 --timeout $((seconds + 60))

@@ -22,9 +22,10 @@ install_packages() {
 }
 
 build_packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev libssl-dev zlib1g-dev)
-test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev python3 python3-jsonschema binutils srecord
-    librsvg2-bin tmux parallel)
-fuzz_packages=(clang libclang-rt-14-dev)
+test_packages=(git libgtest-dev libgmock-dev python3 python3-jsonschema binutils srecord librsvg2-bin tmux
+    parallel)
+clang_packages=(clang libclang-rt-14-dev)
+benchmark_packages=(libbenchmark-dev)
 lint_packages=(clang-format clang-tidy shellcheck)
 check_packages=(bash debootstrap dpkg-dev fish lintian mandoc zsh)
 coverage_packages=(gcovr)

@@ -224,7 +224,7 @@ private:
         // a map may then hold both.
         const QByteArray upper =
             QByteArray(1, static_cast<char>(address >> 24)) + static_cast<char>(address >> 16);
-        return hex_record(4, 0, upper) + hex_record(0, static_cast<int>(address & 0xFFFF), bytes);
+        return hex_record(4, 0, upper) + hex_record(0, address & 0xFFFF, bytes);
     }
 
     MemoryMap m_map{16};

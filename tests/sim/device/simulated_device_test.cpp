@@ -142,8 +142,8 @@ TEST_F(SimSimulatedDevice, OnlyCountsWhenItKeepsNoRecord)
 TEST_F(SimSimulatedDevice, LosesWhatAHostLeavesUnread)
 {
     start({Entry::Version});
-    const int plenty = 2 * static_cast<int>(sim::Outbox::room);
-    device->set_reply_filter([plenty](const Command& command, const QByteArray&) {
+    constexpr int plenty = 2 * static_cast<int>(sim::Outbox::room);
+    device->set_reply_filter([](const Command& command, const QByteArray&) {
         const int size = command.sequence == 0 ? plenty : 5;
         return std::vector<Delivery>{{QByteArray(size, 'a')}};
     });

@@ -120,11 +120,11 @@ TEST(SimFaultyReply, AltersAnAnswerSoThatItsChecksumStillFits)
 
 TEST(SimFaultyReply, CannotAlterWhatHasNoTwoBytesOrNoChecksum)
 {
-    for (const QByteArray& answer : {make_frame(bytes("02")), bytes("51 56 01 23"), QByteArray()}) {
+    for (const QByteArray& whole : {make_frame(bytes("02")), bytes("51 56 01 23"), QByteArray()}) {
         const FaultyReply reply =
-            apply_to_reply(write_command, answer, {fault(FaultKind::AlterResponse)});
-        EXPECT_EQ(reply.deliveries.size(), answer.isEmpty() ? 0U : 1U);
-        EXPECT_THAT(reply.applied, IsEmpty()) << answer.toHex().toStdString();
+            apply_to_reply(write_command, whole, {fault(FaultKind::AlterResponse)});
+        EXPECT_EQ(reply.deliveries.size(), whole.isEmpty() ? 0U : 1U);
+        EXPECT_THAT(reply.applied, IsEmpty()) << whole.toHex().toStdString();
     }
 }
 
