@@ -15,7 +15,7 @@ const QByteArray row_100 = counting(0x20, 0x80);
 const QByteArray eeprom_1000 = counting(0x10, 0xC0);
 const QByteArray eeprom_1010 = counting(0x10, 0xE0);
 
-const std::vector<Piece> image{
+const std::vector<Piece> written_image{
     {0x80, row_80 + row_a0}, {0x100, row_100}, {0x1000, eeprom_1000 + eeprom_1010}};
 
 /// The contents of a device that has been programmed before.
@@ -161,7 +161,7 @@ Operation verify()
 {
     return {"verify",
             "-v image.hex",
-            image,
+            written_image,
             {{read_flash(0x80), progress({25}), {}},
              {read_flash(0xA0), progress({50}), {}},
              {read_flash(0x100), progress({75}), {}},
@@ -203,7 +203,7 @@ std::vector<Operation> other_operations()
 
 QByteArray operations_image()
 {
-    return image_file(image);
+    return image_file(written_image);
 }
 
 } // namespace test

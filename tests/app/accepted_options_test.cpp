@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "tests/app/CanOpen.h"
 #include "tests/app/SettingsText.h"
 #include "tests/app/Words.h"
 #include "tests/support/RowName.h"
@@ -13,11 +14,6 @@ using namespace test;
 
 namespace
 {
-
-bool can_open_anything(const QString&)
-{
-    return true;
-}
 
 /// The names that the present scan has checked, in order.
 QStringList& checked_files()

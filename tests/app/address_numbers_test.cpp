@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "tests/app/CanOpen.h"
 #include "tests/app/SettingsText.h"
 #include "tests/app/Words.h"
 #include "tests/support/RowName.h"
@@ -11,11 +12,6 @@ using namespace test;
 
 namespace
 {
-
-bool can_open_anything(const QString&)
-{
-    return true;
-}
 
 /// An option that takes two addresses, and its name in messages.
 struct RangeOption {

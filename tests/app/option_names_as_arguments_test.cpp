@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "tests/app/CanOpen.h"
 #include "tests/app/SettingsText.h"
 #include "tests/support/RowName.h"
 
@@ -10,11 +11,6 @@ using namespace test;
 
 namespace
 {
-
-bool can_open_anything(const QString&)
-{
-    return true;
-}
 
 const QStringList& option_names()
 {

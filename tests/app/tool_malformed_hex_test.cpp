@@ -25,8 +25,8 @@ using namespace test;
 namespace
 {
 
-constexpr unsigned int flash_start = 0x40;
-constexpr unsigned int flash_end = 0x140;
+constexpr unsigned int user_flash_start = 0x40;
+constexpr unsigned int user_flash_end = 0x140;
 
 std::vector<MalformedHex> files_that(bool load)
 {
@@ -42,14 +42,14 @@ std::vector<MalformedHex> files_that(bool load)
 /// All of QUAD's flash after the pieces have been written to an erased one.
 QByteArray flash_with(const MalformedHex& file)
 {
-    QByteArray flash(static_cast<int>(flash_end), '\xFF');
+    QByteArray flash(static_cast<int>(user_flash_end), '\xFF');
     for (const auto& [address, digits] : file.pieces) {
         const QByteArray bytes = QByteArray::fromHex(digits.c_str());
-        if (flash_start <= address && address < flash_end) {
+        if (user_flash_start <= address && address < user_flash_end) {
             flash.replace(static_cast<int>(address), bytes.size(), bytes);
         }
     }
-    return flash.mid(static_cast<int>(flash_start));
+    return flash.mid(static_cast<int>(user_flash_start));
 }
 
 /// The image that every run here is given.
@@ -79,7 +79,7 @@ protected:
 
     QByteArray flash() const
     {
-        return m_device.memory().read(flash_start, flash_end - flash_start);
+        return m_device.memory().read(user_flash_start, user_flash_end - user_flash_start);
     }
 };
 
@@ -187,7 +187,7 @@ TEST_P(ToolWithUnreadableHex, SendsNothing)
     expect_refusal("-W 0x40 0x140 image.hex", "write", GetParam().messages);
     expect_refusal("-wv image.hex", "write-and-verify", GetParam().messages);
     expect_refusal("-v image.hex", "verify", GetParam().messages);
-    EXPECT_EQ(flash(), QByteArray(flash_end - flash_start, '\xFF'));
+    EXPECT_EQ(flash(), QByteArray(user_flash_end - user_flash_start, '\xFF'));
 }
 
 INSTANTIATE_TEST_SUITE_P(, ToolWithUnreadableHex, testing::ValuesIn(files_that(false)), row_name);

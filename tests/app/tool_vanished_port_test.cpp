@@ -85,11 +85,11 @@ private:
 // time that it waits. These runs need a few hundredths of a second.
 TEST_F(ToolVanishedPort, IsWaitedForWithoutLoad)
 {
-    using Moment = Loss::Moment;
-    add("with a request on it", {Loss::Of::Line, Moment::Unheard, 2});
-    add("before the answer", {Loss::Of::Line, Moment::Undone, 2});
-    add("within the answer", {Loss::Of::Line, Moment::HalfAnswered, 2});
-    add("after silence", {Loss::Of::Line, Moment::Repeated, 2});
+    using When = Loss::Moment;
+    add("with a request on it", {Loss::Of::Line, When::Unheard, 2});
+    add("before the answer", {Loss::Of::Line, When::Undone, 2});
+    add("within the answer", {Loss::Of::Line, When::HalfAnswered, 2});
+    add("after silence", {Loss::Of::Line, When::Repeated, 2});
     ASSERT_TRUE(wait_until([this] { return all_have_ended(); }));
     for (const auto& read : m_reads) {
         SCOPED_TRACE(read->name());

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 namespace
 {
 
-const char* const aborted = "sig_error upload_firmware() aborted by user";
+const char* const stopped_by_user = "sig_error upload_firmware() aborted by user";
 
 /// An operation for which a stop is requested before it begins.
 struct Stopped : OperationBench {
@@ -56,7 +56,7 @@ TEST(AbortOfAReadOfExcludedFlash, IsSeen)
     Stopped bench("no-eeprom");
     TargetFile target;
     EXPECT_FALSE(bench.line.device.read(target.file, bench.abort, false, false));
-    EXPECT_THAT(bench.line.recorder.lines(), ElementsAre(aborted));
+    EXPECT_THAT(bench.line.recorder.lines(), ElementsAre(stopped_by_user));
 }
 
 TEST(AbortOfARead, IsSeenBeforeARowThatIsSkipped)
@@ -66,7 +66,7 @@ TEST(AbortOfARead, IsSeenBeforeARowThatIsSkipped)
     abort_at_command(bench, 2); // the last one: only encrypted rows follow
     EXPECT_FALSE(bench.line.device.read(target.file, bench.abort, false, true));
     EXPECT_THAT(bench.line.sent(), ElementsAre(read_flash_row(0x180), read_flash_row(0x1C0)));
-    EXPECT_THAT(bench.line.recorder.operation(), ElementsAre(aborted));
+    EXPECT_THAT(bench.line.recorder.operation(), ElementsAre(stopped_by_user));
     EXPECT_FALSE(target.exists());
 }
 
@@ -83,9 +83,9 @@ TEST(AbortOfAWrite, IsSeenBeforeARowThatTheImageDoesNotTouch)
     OperationBench bench("small", {{0x100, 4}, {0x1C0, 4}});
     abort_at_command(bench, 1);
     EXPECT_FALSE(bench.line.device.write(&bench.image, bench.abort, true, true));
-    EXPECT_THAT(
-        bench.line.recorder.operation(),
-        ElementsAre("sig_upload_progress 0 of 192", "sig_upload_progress 64 of 192", aborted));
+    EXPECT_THAT(bench.line.recorder.operation(),
+                ElementsAre("sig_upload_progress 0 of 192", "sig_upload_progress 64 of 192",
+                            stopped_by_user));
 }
 
 TEST(AbortOfAWrite, IsSeenAfterARowThatTheImageDoesNotTouch)
@@ -93,8 +93,9 @@ TEST(AbortOfAWrite, IsSeenAfterARowThatTheImageDoesNotTouch)
     OperationBench bench("small", {{0x180, 4}});
     abort_at_progress(bench, 2);
     EXPECT_FALSE(bench.line.device.write(&bench.image, bench.abort, true, true));
-    EXPECT_THAT(bench.line.recorder.lines(), ElementsAre("sig_upload_progress 0 of 128",
-                                                         "sig_upload_progress 64 of 128", aborted));
+    EXPECT_THAT(bench.line.recorder.lines(),
+                ElementsAre("sig_upload_progress 0 of 128", "sig_upload_progress 64 of 128",
+                            stopped_by_user));
 }
 
 TEST(AbortOfAWrite, IsSeenBeforeARowThatIsSkipped)
@@ -105,7 +106,7 @@ TEST(AbortOfAWrite, IsSeenBeforeARowThatIsSkipped)
         bench.line.device.write_range(&bench.image, 0x180, 0x300, bench.abort, false, true));
     EXPECT_THAT(bench.line.recorder.operation(),
                 ElementsAre("sig_upload_progress 0 of 384", "sig_upload_progress 64 of 384",
-                            "sig_upload_progress 128 of 384", aborted));
+                            "sig_upload_progress 128 of 384", stopped_by_user));
 }
 
 TEST(AbortOfAVerifyOfNothing, IsNotSeen)
@@ -158,9 +159,9 @@ TEST(AbortOfAWriteWithVerify, IsSeenBeforeARowThatTheImageDoesNotTouch)
     OperationBench bench("small", {{0x100, 4}});
     abort_at_command(bench, 3); // the reading back of the page's only row
     EXPECT_FALSE(bench.write_with_verify(true));
-    EXPECT_THAT(
-        bench.line.recorder.operation(),
-        ElementsAre("sig_upload_progress 0 of 128", "sig_upload_progress 64 of 128", aborted));
+    EXPECT_THAT(bench.line.recorder.operation(),
+                ElementsAre("sig_upload_progress 0 of 128", "sig_upload_progress 64 of 128",
+                            stopped_by_user));
 }
 
 TEST(AbortOfAWriteWithVerify, LeavesThePageErasedWhenItIsAskedForDuringTheErase)

@@ -26,7 +26,7 @@ void count_and_process_events()
 
 const bool not_aborted = false;
 
-struct Operation {
+struct WatchedOperation {
     const char* name;
     std::function<bool(ZarnSerialDevice&)> run;
 };
@@ -36,7 +36,7 @@ MemoryMap small_image()
     return image_of({{0x100, 0x40}, {0x1000, 4}});
 }
 
-const Operation operations[] = {
+const WatchedOperation operations[] = {
     {"OpenPort",
      [](ZarnSerialDevice& device) {
          return device.open_port();
@@ -124,7 +124,7 @@ Host counting_host(bool knows_device)
     return host;
 }
 
-class EventCallbackIsNotCalled : public testing::TestWithParam<Operation>
+class EventCallbackIsNotCalled : public testing::TestWithParam<WatchedOperation>
 {
 protected:
     EventCallbackIsNotCalled() { calls = 0; }

@@ -11,7 +11,7 @@ namespace
 {
 
 /// Payloads in which the special values are as frequent as all others together.
-class Payloads
+class RandomPayloads
 {
 public:
     QByteArray next()
@@ -49,7 +49,7 @@ TEST(FrameRoundTrip, CarriesEverySingleByte)
 
 TEST(FrameRoundTrip, CarriesAnyPayload)
 {
-    Payloads payloads;
+    RandomPayloads payloads;
     for (int i = 0; i < 2000; ++i) {
         const QByteArray sent = payloads.next();
         QByteArray received;
@@ -61,7 +61,7 @@ TEST(FrameRoundTrip, CarriesAnyPayload)
 TEST(FrameRoundTrip, NoFrameIsCompleteBeforeItsEnd)
 {
     // A receiver that asks after every byte must not stop at an escaped terminator.
-    Payloads payloads;
+    RandomPayloads payloads;
     for (int i = 0; i < 100; ++i) {
         const QByteArray frame = frame::encode(payloads.next());
         for (int length = 0; length < frame.size(); ++length) {
@@ -73,7 +73,7 @@ TEST(FrameRoundTrip, NoFrameIsCompleteBeforeItsEnd)
 
 TEST(FrameDamage, NoFrameThatIsCutShortIsAccepted)
 {
-    Payloads payloads;
+    RandomPayloads payloads;
     for (int i = 0; i < 50; ++i) {
         const QByteArray frame = frame::encode(payloads.next());
         for (int length = 0; length < frame.size(); ++length) {
@@ -86,7 +86,7 @@ TEST(FrameDamage, NoFrameThatIsCutShortIsAccepted)
 
 TEST(FrameDamage, NoOtherChecksumIsAccepted)
 {
-    Payloads payloads;
+    RandomPayloads payloads;
     for (int i = 0; i < 50; ++i) {
         const QByteArray frame = frame::encode(payloads.next());
         for (int difference = 1; difference < 256; ++difference) {
@@ -101,7 +101,7 @@ TEST(FrameDamage, NoOtherChecksumIsAccepted)
 
 TEST(FrameDamage, WhateverIsAcceptedHasAPayloadThatItsChecksumFits)
 {
-    Payloads payloads;
+    RandomPayloads payloads;
     int accepted = 0;
     for (int i = 0; i < 20000; ++i) {
         const QByteArray frame = "\x55\x55" + payloads.next().left(1 + i % 5) + '\x04';

@@ -13,7 +13,7 @@ using Echo = sim::Options::Echo;
 namespace
 {
 
-constexpr int attempt_ms = 300;
+constexpr int echo_attempt_ms = 300;
 
 /// The sample device on a line that echoes what is sent.
 class HalfDuplexLine : public DeviceOnLine
@@ -33,12 +33,12 @@ public:
     QByteArray response;
 };
 
-const std::string sent = "sig_encoded_command 55 55 00 02 FE 04";
+const std::string sent_request = "sig_encoded_command 55 55 00 02 FE 04";
 
 void expect_plain_transaction(const HalfDuplexLine& line)
 {
     EXPECT_EQ(line.response, bytes("01 02"));
-    EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_unencoded_command 00 02", sent,
+    EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_unencoded_command 00 02", sent_request,
                                                    "sig_encoded_response 55 55 00 02 01 02 FB 04",
                                                    "sig_decoded_response 00 02 01 02"));
 }
@@ -55,7 +55,7 @@ TEST(HalfDuplex, DropsTheEchoThatComesBeforeTheAnswer)
 TEST(HalfDuplex, DropsTheEchoThatComesWithTheAnswer)
 {
     HalfDuplexLine line(Echo::Together);
-    EXPECT_TRUE(line.ask(1, attempt_ms));
+    EXPECT_TRUE(line.ask(1, echo_attempt_ms));
     expect_plain_transaction(line);
 }
 
@@ -63,8 +63,8 @@ TEST(HalfDuplex, WaitsItsFullTimeForMoreWhenEchoAndAnswerCameTogether)
 {
     HalfDuplexLine line(Echo::Together);
     bool time_passed = false;
-    QTimer::singleShot(attempt_ms / 2, &line.device, [&] { time_passed = true; });
-    EXPECT_TRUE(line.ask(1, attempt_ms));
+    QTimer::singleShot(echo_attempt_ms / 2, &line.device, [&] { time_passed = true; });
+    EXPECT_TRUE(line.ask(1, echo_attempt_ms));
     EXPECT_TRUE(time_passed);
 }
 
@@ -72,9 +72,9 @@ TEST(HalfDuplex, TimesOutWhenOnlyTheEchoComes)
 {
     HalfDuplexLine line(Echo::Apart);
     line.simulated.set_reply_filter(always(no_reply()));
-    EXPECT_FALSE(line.ask(2, attempt_ms));
+    EXPECT_FALSE(line.ask(2, echo_attempt_ms));
     EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", sent, sent,
+                ElementsAre("sig_unencoded_command 00 02", sent_request, sent_request,
                             "sig_error giving up after having made 2 attempts, with errors (Half "
                             "duplex response wait timed out\nHalf duplex response wait timed "
                             "out\n)"));
@@ -84,7 +84,7 @@ TEST(HalfDuplex, TimesOutWhenOnlyPartOfTheAnswerCameWithTheEcho)
 {
     HalfDuplexLine line(Echo::Together);
     line.simulated.set_reply_filter(first({raw("55 55 00 02 05 04")}));
-    EXPECT_FALSE(line.ask(1, attempt_ms));
+    EXPECT_FALSE(line.ask(1, echo_attempt_ms));
     EXPECT_THAT(line.recorder.lines().back(),
                 "sig_error giving up after having made 1 attempts, with errors (Response wait "
                 "timed out\n)");
@@ -94,7 +94,7 @@ TEST(HalfDuplex, TimesOutInTheFirstWaitWhenNotEvenTheEchoComes)
 {
     HalfDuplexLine line(Echo::None);
     line.simulated.set_reply_filter(always(no_reply()));
-    EXPECT_FALSE(line.ask(1, attempt_ms));
+    EXPECT_FALSE(line.ask(1, echo_attempt_ms));
     EXPECT_THAT(line.recorder.lines().back(),
                 "sig_error giving up after having made 1 attempts, with errors (Response wait "
                 "timed out\n)");
@@ -104,7 +104,7 @@ TEST(HalfDuplex, RetriesALostAnswer)
 {
     HalfDuplexLine line(Echo::Apart);
     line.simulated.set_reply_filter(first({no_reply()}));
-    EXPECT_TRUE(line.ask(3, attempt_ms));
+    EXPECT_TRUE(line.ask(3, echo_attempt_ms));
     EXPECT_EQ(line.response, bytes("01 02"));
     EXPECT_THAT(line.sent(), ElementsAre("00 02", "00 02"));
 }
@@ -124,7 +124,7 @@ TEST(HalfDuplex, FullDuplexTakesAnEchoForTheAnswer)
     QByteArray response;
     EXPECT_FALSE(line.device.send_and_receive(bytes("00 02"), response, 2, 1, patience_ms));
     EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", sent,
+                ElementsAre("sig_unencoded_command 00 02", sent_request,
                             "sig_encoded_response 55 55 00 02 FE 04", "sig_decoded_response 00 02",
                             "sig_error giving up after having made 1 attempts, with errors "
                             "(response contained 0 bytes, expected 2\n)"));

@@ -16,11 +16,11 @@ using testing::IsEmpty;
 namespace
 {
 
-int calls = 0;
+int callbacks = 0;
 
 void count_call()
 {
-    ++calls;
+    ++callbacks;
 }
 
 /// The serial port library's message about a port that does not exist.
@@ -107,12 +107,12 @@ TEST(Line, EventsAreProcessedByTheOwnerOfTheDeviceObject)
     Host host;
     host.events = count_call;
     DeviceOnLine line("sample", host);
-    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(callbacks, 0);
     line.device.process_events();
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(callbacks, 1);
     DeviceOnLine without_callback("sample");
     without_callback.device.process_events();
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(callbacks, 1);
 }
 
 TEST(Line, NoTimeToWaitIsATrueAnswerAtOnce)

@@ -28,7 +28,7 @@ std::string write_row(unsigned int address)
     return write_flash_row(address, flash_row_of(extents, address));
 }
 
-const Call calls[] = {
+const Call ordered_calls[] = {
     // Steps of two pages, because the divisor is 2: both begin in the encrypted area.
     {"EraseAllOfTheEncryptedArea",
      [](ZarnSerialDevice& device) { return device.erase_all(true, false); },
@@ -95,4 +95,4 @@ TEST_P(ParameterOrder, ShowsInWhatIsSent)
     EXPECT_EQ(line.sent(), GetParam().commands);
 }
 
-INSTANTIATE_TEST_SUITE_P(, ParameterOrder, testing::ValuesIn(calls), row_name);
+INSTANTIATE_TEST_SUITE_P(, ParameterOrder, testing::ValuesIn(ordered_calls), row_name);

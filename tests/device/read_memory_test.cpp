@@ -15,7 +15,7 @@ namespace
 
 const char* const other_type = "start and end addresses correspond to different memory types";
 
-struct Refused {
+struct RefusedRead {
     const char* name;
     unsigned int address;
     unsigned int num_bytes;
@@ -23,7 +23,7 @@ struct Refused {
 };
 
 // The sample has flash from 0x800 to 0x4000 and EEPROM from 0x8000 to 0x8100.
-const Refused refused[] = {
+const RefusedRead refused_reads[] = {
     {"FromFlashIntoEeprom", 0x3FF0, 0x4020, other_type},
     {"OneByteBeyondFlash", 0x3FF0, 0x11, other_type},
     {"OneByteBeyondEeprom", 0x80F0, 0x11, other_type},
@@ -40,7 +40,7 @@ const Refused refused[] = {
     {"NothingInEeprom", 0x8010, 0, "attempting to read 0 bytes"},
 };
 
-class ReadMemoryRefusals : public testing::TestWithParam<Refused>
+class ReadMemoryRefusals : public testing::TestWithParam<RefusedRead>
 {
 };
 
@@ -86,7 +86,7 @@ class ReadMemoryRanges : public testing::TestWithParam<Read>
 
 TEST_P(ReadMemoryRefusals, SayWhyAndSendNothing)
 {
-    const Refused& row = GetParam();
+    const RefusedRead& row = GetParam();
     DeviceOnLine line("sample");
     QByteArray data;
     EXPECT_FALSE(line.device.read_memory(row.address, row.num_bytes, data));
@@ -94,7 +94,7 @@ TEST_P(ReadMemoryRefusals, SayWhyAndSendNothing)
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, ReadMemoryRefusals, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, ReadMemoryRefusals, testing::ValuesIn(refused_reads), row_name);
 
 TEST_P(ReadMemoryRanges, WidenToBlocksAndKeepWhatWasAskedFor)
 {

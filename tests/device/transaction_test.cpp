@@ -96,7 +96,7 @@ const char* const not_prefixed =
     "response was not prefixed with the command but was supposed to be\n";
 
 // Two bytes are expected each time.
-const Refusal bad_answers[] = {
+const Refusal refused_answers[] = {
     {"VersionWithoutEcho", "00 02", "01 23", "01 23", not_prefixed},
     {"FlashReadWithoutEcho", "01 01 00 08 00", "AA BB", "AA BB", not_prefixed},
     {"EepromReadWithoutEcho", "04 01 00 00 00", "AA BB", "AA BB", not_prefixed},
@@ -186,7 +186,7 @@ TEST_P(TransactionRefusals, ReportWhatIsWrongWithTheAnswer)
                   row.fault + ')');
 }
 
-INSTANTIATE_TEST_SUITE_P(, TransactionRefusals, testing::ValuesIn(bad_answers), row_name);
+INSTANTIATE_TEST_SUITE_P(, TransactionRefusals, testing::ValuesIn(refused_answers), row_name);
 
 TEST_F(Transaction, CountsAnswersInSixteenBits)
 {

@@ -21,7 +21,7 @@ using testing::StartsWith;
 namespace
 {
 
-const char* const version_frame = "sig_encoded_command 55 55 00 02 FE 04";
+const char* const sent_version_command = "sig_encoded_command 55 55 00 02 FE 04";
 
 /// Compares the processor time of this process with the time that goes by.
 class Load
@@ -103,7 +103,7 @@ TEST(VanishedLine, IsLikeASilentDeviceAndCostsNoProcessorTime)
     });
     expect_no_answer_and_no_load(line.device, 5);
     EXPECT_THAT(line.recorder.lines(),
-                ElementsAre("sig_unencoded_command 00 02", version_frame, given_up(5)));
+                ElementsAre("sig_unencoded_command 00 02", sent_version_command, given_up(5)));
     EXPECT_FALSE(line.port.is_open());
 }
 
@@ -140,8 +140,9 @@ TEST(VanishedLine, OfADeviceThatWasSilentBeforeChangesNothing)
         return no_reply();
     });
     expect_no_answer_and_no_load(line.device, 7);
-    EXPECT_THAT(line.recorder.lines(), ElementsAre("sig_unencoded_command 00 02", version_frame,
-                                                   version_frame, version_frame, given_up(7)));
+    EXPECT_THAT(line.recorder.lines(),
+                ElementsAre("sig_unencoded_command 00 02", sent_version_command,
+                            sent_version_command, sent_version_command, given_up(7)));
     EXPECT_FALSE(line.port.is_open());
 }
 
@@ -151,9 +152,9 @@ TEST(VanishedLine, ThatTookNoMoreBytesIsLikeASilentDeviceToo)
     ZarnSerialDevice device(line.port_path(), nullptr, 115200, false, 0);
     const PortWatch port(line.port_path());
     const SignalRecorder recorder(device);
-    int sent = 0;
+    int commands_sent = 0;
     QObject::connect(&device, &ZarnSerialDevice::sig_encoded_command, [&] {
-        if (++sent == 6) {
+        if (++commands_sent == 6) {
             soon([&] { line.unplug(); });
         }
     });
@@ -162,7 +163,7 @@ TEST(VanishedLine, ThatTookNoMoreBytesIsLikeASilentDeviceToo)
     QByteArray response;
     EXPECT_FALSE(device.send_and_receive(QByteArray(30000, '\x02'), response, 1, 10, 300));
     EXPECT_TRUE(load.is_low());
-    EXPECT_EQ(sent, 6);
+    EXPECT_EQ(commands_sent, 6);
     EXPECT_EQ(recorder.lines().back(), given_up(10));
     EXPECT_FALSE(port.is_open());
 }

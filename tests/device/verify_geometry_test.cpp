@@ -25,11 +25,12 @@ protected:
         EXPECT_FALSE(bench.line.port.is_open());
     }
 
-    static void expect_success_of(const Extents& image, const Commands& commands, bool flash = true)
+    static void expect_success_of(const Extents& image, const Commands& commands,
+                                  bool with_flash = true)
     {
         OperationBench bench(GetParam().device, image);
         bench.install_image();
-        EXPECT_TRUE(bench.verify(flash, flash));
+        EXPECT_TRUE(bench.verify(with_flash, with_flash));
         EXPECT_EQ(bench.line.sent(), commands);
     }
 };

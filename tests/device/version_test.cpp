@@ -20,7 +20,7 @@ constexpr unsigned int identification_baud = 460800;
 
 /// A device object without a selected profile, at the rate at which every running device reports
 /// its version.
-Host newcomer()
+Host newcomer_at_460800()
 {
     Host host;
     host.baud = identification_baud;
@@ -28,14 +28,14 @@ Host newcomer()
     return host;
 }
 
-struct Answer {
+struct ReportedVersion {
     const char* name;
     const char* bytes;
     unsigned short version;
     const char* unlisted_as; ///< as the message shows it; null for a version of the table
 };
 
-const Answer answers[] = {
+const ReportedVersion reported_versions[] = {
     {"HighByteFirst", "00 02 01 23", 0x0123, nullptr},
     {"LowByte80SetsTheHighByte", "00 02 01 80", 0xFF80, nullptr},
     {"LowByteFFSetsTheHighByte", "00 02 7F FF", 0xFFFF, "FFFF"},
@@ -44,7 +44,7 @@ const Answer answers[] = {
     {"Zero", "00 02 00 00", 0x0000, "0000"},
 };
 
-class VersionAnswers : public testing::TestWithParam<Answer>
+class VersionAnswers : public testing::TestWithParam<ReportedVersion>
 {
 };
 
@@ -52,7 +52,7 @@ class VersionAnswers : public testing::TestWithParam<Answer>
 
 TEST(Version, IsZeroWithoutAProfileAndNothingIsLogged)
 {
-    DeviceOnLine line("sample", newcomer());
+    DeviceOnLine line("sample", newcomer_at_460800());
     const DebugMessages messages;
     EXPECT_EQ(line.device.get_bootloader_version(), 0);
     EXPECT_THAT(messages.texts(), IsEmpty());
@@ -70,7 +70,7 @@ TEST(Version, ComesFromTheSelectedProfile)
 
 TEST(Version, OfTheTableSelectsProfileAndRate)
 {
-    DeviceOnLine line("sample", newcomer());
+    DeviceOnLine line("sample", newcomer_at_460800());
     ASSERT_TRUE(line.device.open_port());
     EXPECT_TRUE(line.device.set_bootloader_version(0x0123));
     EXPECT_EQ(line.device.profile(), &profile_named("swapped-divisors"));
@@ -127,7 +127,7 @@ TEST(Version, MayBelongToAProfileThatIsNotInTheTable)
         fields << QStringLiteral("1");
     }
     const Profile profile(fields);
-    DeviceOnLine line("sample", newcomer());
+    DeviceOnLine line("sample", newcomer_at_460800());
     ASSERT_TRUE(line.device.open_port());
     line.device.select_profile(profile);
     EXPECT_EQ(line.device.profile(), &profile);
@@ -138,7 +138,7 @@ TEST(Version, MayBelongToAProfileThatIsNotInTheTable)
 
 TEST(VersionRequest, SelectsTheProfileOfTheDeviceThatAnswers)
 {
-    DeviceOnLine line("swapped-divisors", newcomer());
+    DeviceOnLine line("swapped-divisors", newcomer_at_460800());
     unsigned short version = 0;
     EXPECT_TRUE(line.device.request_bootloader_version(&version));
     EXPECT_EQ(version, 0x0123);
@@ -154,8 +154,8 @@ TEST(VersionRequest, SelectsTheProfileOfTheDeviceThatAnswers)
 
 TEST_P(VersionAnswers, AreAssembledWithTheirLowByteSigned)
 {
-    const Answer& row = GetParam();
-    DeviceOnLine line("sample", newcomer());
+    const ReportedVersion& row = GetParam();
+    DeviceOnLine line("sample", newcomer_at_460800());
     line.simulated.set_reply_filter(always(frame_of(row.bytes)));
     unsigned short version = 0x5A5A;
     EXPECT_EQ(line.device.request_bootloader_version(&version), row.unlisted_as == nullptr);
@@ -171,11 +171,11 @@ TEST_P(VersionAnswers, AreAssembledWithTheirLowByteSigned)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, VersionAnswers, testing::ValuesIn(answers), row_name);
+INSTANTIATE_TEST_SUITE_P(, VersionAnswers, testing::ValuesIn(reported_versions), row_name);
 
 TEST(VersionRequest, IsMadeFortyTimes)
 {
-    DeviceOnLine line("sample", newcomer());
+    DeviceOnLine line("sample", newcomer_at_460800());
     line.simulated.set_reply_filter(always(frame_of("00 02 01")));
     unsigned short version = 0x5A5A;
     EXPECT_FALSE(line.device.request_bootloader_version(&version));
@@ -186,7 +186,7 @@ TEST(VersionRequest, IsMadeFortyTimes)
 // Takes the twelve seconds that a command to a silent device takes.
 TEST(VersionRequest, OfASilentDeviceGivesUpInTheEnd)
 {
-    DeviceOnLine line("sample", newcomer(), {sim::Entry::Silent});
+    DeviceOnLine line("sample", newcomer_at_460800(), {sim::Entry::Silent});
     unsigned short version = 0x5A5A;
     EXPECT_FALSE(line.device.request_bootloader_version(&version));
     std::string faults;

@@ -51,11 +51,11 @@ void run_application()
     QCoreApplication::exec();
 }
 
-int calls = 0;
+int rounds = 0;
 
 void count_and_process_events()
 {
-    ++calls;
+    ++rounds;
     process_events();
 }
 
@@ -200,10 +200,10 @@ TEST(Entry, PausesBetweenItsLooksAtTheLine)
     Host host = newcomer();
     host.events = count_and_process_events;
     DeviceOnLine line("sample", host, {sim::Entry::Version});
-    calls = 0;
+    rounds = 0;
     QElapsedTimer elapsed;
     elapsed.start();
     EXPECT_TRUE(line.device.QV_entry_procedure(nullptr));
-    EXPECT_GT(calls, 5);
-    EXPECT_LE(calls, elapsed.elapsed() + 5);
+    EXPECT_GT(rounds, 5);
+    EXPECT_LE(rounds, elapsed.elapsed() + 5);
 }

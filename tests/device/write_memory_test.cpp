@@ -13,9 +13,9 @@ using testing::IsEmpty;
 namespace
 {
 
-const char* const other_type = "start and end addresses correspond to different memory types";
+const char* const two_types = "start and end addresses correspond to different memory types";
 
-struct Refused {
+struct RefusedWrite {
     const char* name;
     unsigned int address;
     int num_bytes;
@@ -24,15 +24,15 @@ struct Refused {
 
 // The sample has flash from 0x800 to 0x4000 in rows of 64 bytes and EEPROM from 0x8000 to 0x8100
 // in rows of 16.
-const Refused refused[] = {
+const RefusedWrite refused_writes[] = {
     {"Bootloader", 0x100, 0x40, "unwritable memory area"},
     {"BootloaderIntoFlash", 0x7C1, 0x40, "unwritable memory area"},
     {"NothingInTheBootloader", 0x100, 0, "unwritable memory area"},
     {"BeyondEeprom", 0x8100, 0x10, "unwritable memory area"},
-    {"FlashIntoNowhere", 0x3FC1, 0x40, other_type},
-    {"FlashIntoEeprom", 0x3FC0, 0x4080, other_type},
-    {"EepromIntoNowhere", 0x80F0, 0x20, other_type},
-    {"NothingAtTheFlashMinimum", 0x800, 0, other_type},
+    {"FlashIntoNowhere", 0x3FC1, 0x40, two_types},
+    {"FlashIntoEeprom", 0x3FC0, 0x4080, two_types},
+    {"EepromIntoNowhere", 0x80F0, 0x20, two_types},
+    {"NothingAtTheFlashMinimum", 0x800, 0, two_types},
     {"NothingInFlash", 0x1000, 0, "attempting to write 0 bytes"},
     {"NothingInEeprom", 0x8010, 0, "attempting to write 0 bytes"},
     {"LessThanAFlashRow", 0x1000, 0x3F, "num_bytes must be exactly row_size (64)"},
@@ -44,11 +44,11 @@ const Refused refused[] = {
     {"WrongLengthBesideItsRows", 0x1010, 0x41, "num_bytes must be exactly row_size (64)"},
 };
 
-class WriteMemoryRefusals : public testing::TestWithParam<Refused>
+class WriteMemoryRefusals : public testing::TestWithParam<RefusedWrite>
 {
 };
 
-struct Write {
+struct WrittenMemory {
     const char* name;
     const char* device;
     unsigned int address;
@@ -56,7 +56,7 @@ struct Write {
     const char* command; ///< without the data
 };
 
-const Write writes[] = {
+const WrittenMemory writes[] = {
     {"FirstFlashRow", "sample", 0x800, 0x40, "02 01 00 04 00"},
     {"LastFlashRow", "sample", 0x3FC0, 0x40, "02 01 E0 1F 00"},
     {"EepromRow", "sample", 0x8010, 0x10, "05 10 10 00 00"},
@@ -68,7 +68,7 @@ const Write writes[] = {
     {"FlashRowOfManyWords", "long-rows", 0x900, 0x240, "02 01 00 09 00"},
 };
 
-class WriteMemoryCommands : public testing::TestWithParam<Write>
+class WriteMemoryCommands : public testing::TestWithParam<WrittenMemory>
 {
 };
 
@@ -76,18 +76,18 @@ class WriteMemoryCommands : public testing::TestWithParam<Write>
 
 TEST_P(WriteMemoryRefusals, SayWhyAndSendNothing)
 {
-    const Refused& row = GetParam();
+    const RefusedWrite& row = GetParam();
     DeviceOnLine line("sample");
     EXPECT_FALSE(line.device.write_memory(row.address, counting(row.num_bytes)));
     EXPECT_THAT(line.recorder.lines(), ElementsAre(std::string("sig_error ") + row.message));
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, WriteMemoryRefusals, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteMemoryRefusals, testing::ValuesIn(refused_writes), row_name);
 
 TEST_P(WriteMemoryCommands, HoldCountWordAddressAndBytes)
 {
-    const Write& row = GetParam();
+    const WrittenMemory& row = GetParam();
     DeviceOnLine line(row.device);
     const QByteArray data = counting(row.num_bytes, 3);
     EXPECT_TRUE(line.device.write_memory(row.address, data));

@@ -30,7 +30,7 @@ std::string outside(const std::string& address)
            " or eeprom addresses 0x" + address + " 0x" + address;
 }
 
-struct Refused {
+struct RefusedRange {
     const char* name;
     const char* device;
     unsigned int start;
@@ -38,7 +38,7 @@ struct Refused {
     std::string line;
 };
 
-const Refused refused[] = {
+const RefusedRange refused_ranges[] = {
     {"StartBesideABlock", "sample", 0x1008, 0x1040, misaligned("00001008")},
     {"EndBesideABlock", "sample", 0x1000, 0x1041, misaligned("00001041")},
     {"StartIsLookedAtFirst", "sample", 0x1001, 0x1041, misaligned("00001001")},
@@ -51,7 +51,7 @@ const Refused refused[] = {
     {"EndAboveFlashAboveEeprom", "eeprom-below-flash", 0x100, 0x4010, outside("00000100")},
 };
 
-class WriteRangeRefusals : public testing::TestWithParam<Refused>
+class WriteRangeRefusals : public testing::TestWithParam<RefusedRange>
 {
 };
 
@@ -167,14 +167,14 @@ bool write_range(DeviceOnLine& line, const MemoryMap& map, unsigned int start, u
 
 TEST_P(WriteRangeRefusals, AreReportedWithOneAddressAtEveryPlace)
 {
-    const Refused& row = GetParam();
+    const RefusedRange& row = GetParam();
     DeviceOnLine line(row.device);
     EXPECT_FALSE(write_range(line, full_image(), row.start, row.end));
     EXPECT_THAT(line.recorder.lines(), ElementsAre(row.line));
     EXPECT_FALSE(line.port.is_open());
 }
 
-INSTANTIATE_TEST_SUITE_P(, WriteRangeRefusals, testing::ValuesIn(refused), row_name);
+INSTANTIATE_TEST_SUITE_P(, WriteRangeRefusals, testing::ValuesIn(refused_ranges), row_name);
 
 TEST_P(WriteRangeBounds, AreCutToFlashAndEeprom)
 {

@@ -17,7 +17,7 @@ using Lines = SignalRecorder::Lines;
 using ReplyFilter = sim::SimulatedDevice::ReplyFilter;
 
 /// Two pages and an EEPROM row.
-const Extents image{{0x100, 0x100}, {0x1010, 4}};
+const Extents flash_and_eeprom{{0x100, 0x100}, {0x1010, 4}};
 
 /// All that is sent for it when nothing is compared beforehand.
 const Commands all_commands{
@@ -31,7 +31,7 @@ const Commands all_commands{
     read_flash_row(0x180),
     write_flash_row(0x1C0, bytes_at(0x1C0, 0x40)),
     read_flash_row(0x1C0),
-    write_eeprom_row(0x10, eeprom_row_of(image, 0x1010)),
+    write_eeprom_row(0x10, eeprom_row_of(flash_and_eeprom, 0x1010)),
 };
 
 /// The device answers the command of a sequence number wrongly.
@@ -109,7 +109,7 @@ protected:
 TEST_P(WriteWithVerifyFailures, EndTheOperation)
 {
     const Failure& row = GetParam();
-    OperationBench bench("small", image);
+    OperationBench bench("small", flash_and_eeprom);
     bench.line.simulated.set_reply_filter(row.filter(row.sequence));
     EXPECT_FALSE(bench.write_with_verify(true));
     EXPECT_EQ(bench.line.sent(), commands());
@@ -178,7 +178,7 @@ INSTANTIATE_TEST_SUITE_P(, WriteWithVerifyOverruns, testing::ValuesIn(misfits), 
 
 TEST(WriteWithVerifyFailing, LeavesThePageErasedThatItCouldNotWrite)
 {
-    OperationBench bench("small", image);
+    OperationBench bench("small", flash_and_eeprom);
     bench.line.simulated.memory().preset(0x100, QByteArray(0x200, '\0'));
     bench.line.simulated.set_reply_filter(damaging({2}));
     EXPECT_FALSE(bench.write_with_verify(true));
@@ -190,7 +190,7 @@ TEST(WriteWithVerifyFailing, LeavesThePageErasedThatItCouldNotWrite)
 TEST(WriteWithVerifyFailing, ReportsTheTotalBeforeThePortThatCannotBeOpened)
 {
     MissingPort missing("small");
-    const MemoryMap map = image_of(image);
+    const MemoryMap map = image_of(flash_and_eeprom);
     EXPECT_FALSE(missing.device.write_with_verify(&map, missing.abort, true, true, false));
     EXPECT_THAT(missing.recorder.lines(),
                 testing::ElementsAre("sig_upload_progress 0 of 272", port_cannot_be_opened()));

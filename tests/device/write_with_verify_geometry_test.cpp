@@ -11,8 +11,8 @@ using testing::Values;
 namespace
 {
 
-const Extents flash{{0x200, 4}};
-const Extents eeprom{{0x1000, 4}};
+const Extents four_flash_bytes{{0x200, 4}};
+const Extents four_eeprom_bytes{{0x1000, 4}};
 
 class WriteOfBadFlash : public testing::TestWithParam<GeometryFault>
 {
@@ -39,9 +39,9 @@ class WriteOfBadEeprom : public WriteOfBadFlash
 {
 };
 
-const Commands eeprom_commands{write_eeprom_row(0, eeprom_row_of(eeprom, 0x1000))};
+const Commands eeprom_commands{write_eeprom_row(0, eeprom_row_of(four_eeprom_bytes, 0x1000))};
 const Commands flash_commands =
-    joined({erase_page(0x200)}, program_row(0x200, flash_row_of(flash, 0x200)));
+    joined({erase_page(0x200)}, program_row(0x200, flash_row_of(four_flash_bytes, 0x200)));
 
 } // namespace
 
@@ -57,7 +57,7 @@ TEST_P(WriteOfBadFlash, NamesTheAttributeAlsoWhenNothingIsCompared)
 
 TEST_P(WriteOfBadFlash, DoesNotMatterForEeprom)
 {
-    expect_success_of(eeprom, eeprom_commands);
+    expect_success_of(four_eeprom_bytes, eeprom_commands);
 }
 
 TEST_P(WriteOfBadFlash, DoesNotMatterWhenFlashIsExcluded)
@@ -77,7 +77,7 @@ TEST_P(WriteOfBadEeprom, NamesTheAttribute)
 
 TEST_P(WriteOfBadEeprom, DoesNotMatterForFlash)
 {
-    expect_success_of(flash, flash_commands);
+    expect_success_of(four_flash_bytes, flash_commands);
 }
 
 INSTANTIATE_TEST_SUITE_P(WithVerify, WriteOfBadEeprom, Values(zero_eeprom_row, no_eeprom_words),
@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(WithVerify, WriteOfBadEeprom, Values(zero_eeprom_row, n
 
 TEST(WriteWithVerifyOfADeviceWithoutEepromBlocks, IsNoneOfItsBusiness)
 {
-    OperationBench bench("zero-eeprom-block", eeprom);
+    OperationBench bench("zero-eeprom-block", four_eeprom_bytes);
     EXPECT_TRUE(bench.write_with_verify(true));
     EXPECT_EQ(bench.line.sent(), eeprom_commands);
 }

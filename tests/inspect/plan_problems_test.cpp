@@ -19,7 +19,7 @@ protected:
     static const PlanTrigger& trigger() { return plan_triggers().at(GetParam()); }
 };
 
-std::string name_of_trigger(const testing::TestParamInfo<std::size_t>& info)
+std::string name_of_plan_trigger(const testing::TestParamInfo<std::size_t>& info)
 {
     return std::string(plan_triggers().at(info.param).code) + "_" + std::to_string(info.param);
 }
@@ -48,7 +48,8 @@ TEST_P(TriggeredInAPlan, FitsIntoEightyColumns)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, TriggeredInAPlan,
-                         testing::Range(std::size_t{0}, plan_triggers().size()), name_of_trigger);
+                         testing::Range(std::size_t{0}, plan_triggers().size()),
+                         name_of_plan_trigger);
 
 namespace
 {

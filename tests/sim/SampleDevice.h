@@ -1,7 +1,9 @@
 #pragma once
 
 #include "profile/Profile.h"
+#include "sim/device/FrameCodec.h"
 
+#include <QByteArray>
 #include <QStringList>
 
 #include <map>
@@ -31,5 +33,14 @@ inline std::unique_ptr<const Profile> sample_profile(const Changes& changes = {}
 {
     return std::make_unique<const Profile>(sample_fields(changes));
 }
+
+/// The rate of the sample device once it runs.
+constexpr int full_baud = 57600;
+
+// What a host sends to find a device, and how the sample device answers.
+inline const QByteArray probe_byte = QByteArray::fromHex("55");
+inline const QByteArray probe_answer = QByteArray::fromHex("51560123");
+inline const QByteArray version_frame = sim::make_frame(QByteArray::fromHex("0002"));
+inline const QByteArray version_answer = sim::make_frame(QByteArray::fromHex("00020123"));
 
 } // namespace test

@@ -17,8 +17,6 @@ using sim::make_frame;
 namespace
 {
 
-constexpr unsigned int full_baud = 57600;
-
 /// A bootloader with the memory and the table row that it works on.
 struct Device {
     explicit Device(Entry entry, const Changes& changes = {})
@@ -46,12 +44,8 @@ struct Device {
     Bootloader bootloader;
 };
 
-const QByteArray probe_byte = bytes("55");
-const QByteArray version_frame = make_frame(bytes("00 02"));
 const QByteArray reset_frame = make_frame(bytes("00 00"));
 const QByteArray read_frame = make_frame(bytes("04 01 00 00 00"));
-const QByteArray probe_answer = bytes("51 56 01 23");
-const QByteArray version_answer = make_frame(bytes("00 02 01 23"));
 const QByteArray read_answer = make_frame(bytes("04 01 00 00 00 FF"));
 const QByteArray silence;
 

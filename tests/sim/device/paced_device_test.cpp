@@ -4,6 +4,7 @@
 #include "sim/line/Line.h"
 #include "sim/line/LineTiming.h"
 #include "tests/sim/HostPort.h"
+#include "tests/sim/Milliseconds.h"
 #include "tests/sim/SampleDevice.h"
 #include "tests/support/Bytes.h"
 
@@ -23,13 +24,12 @@ using testing::ElementsAre;
 namespace
 {
 
-constexpr qint64 ms = 1000000;
 constexpr unsigned int slow_baud = 9600;
 
 const QByteArray read_request = make_frame(bytes("01 20 00 08 00"));
-const QByteArray read_answer = make_frame(bytes("01 20 00 08 00") + QByteArray(0x40, '\xFF'));
-const QByteArray erase_request = make_frame(bytes("03 02 00 08 00"));
-const QByteArray erase_answer = make_frame(bytes("03"));
+const QByteArray row_of_blanks = make_frame(bytes("01 20 00 08 00") + QByteArray(0x40, '\xFF'));
+const QByteArray erase_of_two_pages = make_frame(bytes("03 02 00 08 00"));
+const QByteArray erase_answer_of_two = make_frame(bytes("03"));
 
 /// A running device whose full rate is 9600 baud.
 class SimPacedDevice : public testing::Test
@@ -55,7 +55,7 @@ protected:
     std::unique_ptr<HostPort> host;
 };
 
-Options paced(Options::Echo echo = Options::Echo::None)
+Options at_slow_rate(Options::Echo echo = Options::Echo::None)
 {
     Options options;
     options.paced = true;
@@ -67,22 +67,22 @@ Options paced(Options::Echo echo = Options::Echo::None)
 
 TEST_F(SimPacedDevice, HearsACommandAndAnswersNoSoonerThanTheBytesPass)
 {
-    start(paced());
+    start(at_slow_rate());
     qint64 heard_ns = 0;
     QObject::connect(device.get(), &SimulatedDevice::command_received,
                      [&heard_ns] { heard_ns = Alarm::now_ns(); });
     const qint64 start_ns = Alarm::now_ns();
-    host->ask(read_request, read_answer);
+    host->ask(read_request, row_of_blanks);
     const qint64 end_ns = Alarm::now_ns();
     const qint64 request_ns = line_time_ns(read_request.size(), slow_baud);
     EXPECT_GE(heard_ns - start_ns, request_ns);
-    EXPECT_GE(end_ns - start_ns, request_ns + line_time_ns(read_answer.size(), slow_baud));
-    EXPECT_EQ(host->received(), read_answer);
+    EXPECT_GE(end_ns - start_ns, request_ns + line_time_ns(row_of_blanks.size(), slow_baud));
+    EXPECT_EQ(host->received(), row_of_blanks);
 }
 
 TEST_F(SimPacedDevice, TakesBytesAtTheRateThatIsSet)
 {
-    start(paced());
+    start(at_slow_rate());
     host->send(QByteArray(10, 'x'));
     ASSERT_TRUE(wait_until([this] { return device->heard().size() == 10; }));
     host->set_baud(300);
@@ -94,35 +94,35 @@ TEST_F(SimPacedDevice, TakesBytesAtTheRateThatIsSet)
 
 TEST_F(SimPacedDevice, MeasuresItsOwnLatenessWithEachLastByte)
 {
-    start(paced());
+    start(at_slow_rate());
     EXPECT_EQ(device->line().lateness().count(), 0);
-    host->ask(read_request, read_answer);
+    host->ask(read_request, row_of_blanks);
     const sim::Lateness& lateness = device->line().lateness();
     EXPECT_EQ(lateness.count(), 2);
     EXPECT_GE(lateness.most_ns(), lateness.mean_ns());
-    EXPECT_EQ(device->line().bytes_to_host(), read_answer.size());
+    EXPECT_EQ(device->line().bytes_to_host(), row_of_blanks.size());
 }
 
 TEST_F(SimPacedDevice, KnowsHowLongItsLineWasInUse)
 {
-    start(paced());
-    host->ask(read_request, read_answer);
+    start(at_slow_rate());
+    host->ask(read_request, row_of_blanks);
     const sim::LineUse& use = device->line().use();
     EXPECT_EQ(use.busy_ns(), line_time_ns(read_request.size(), slow_baud) +
-                                 line_time_ns(read_answer.size(), slow_baud));
+                                 line_time_ns(row_of_blanks.size(), slow_baud));
     EXPECT_GE(use.span_ns(), use.busy_ns());
 }
 
 TEST_F(SimPacedDevice, PassesEchoAndAnswerNoSoonerThanTheirBytes)
 {
-    start(paced(Options::Echo::Apart));
-    const qint64 bytes_ns = line_time_ns(read_request.size() + read_answer.size(), slow_baud);
-    EXPECT_GE(time_of(read_request, read_request + read_answer), bytes_ns);
+    start(at_slow_rate(Options::Echo::Apart));
+    const qint64 bytes_ns = line_time_ns(read_request.size() + row_of_blanks.size(), slow_baud);
+    EXPECT_GE(time_of(read_request, read_request + row_of_blanks), bytes_ns);
 }
 
 TEST_F(SimPacedDevice, EchoesWhileTheBytesPass)
 {
-    start(paced(Options::Echo::Apart));
+    start(at_slow_rate(Options::Echo::Apart));
     host->set_baud(50);
     // Waiting for the last of these would take longer than any test here.
     host->send(QByteArray(3000, 'x'));
@@ -132,10 +132,10 @@ TEST_F(SimPacedDevice, EchoesWhileTheBytesPass)
 
 TEST_F(SimPacedDevice, EchoesBeforeTheAnswerIsDue)
 {
-    Options options = paced(Options::Echo::Apart);
+    Options options = at_slow_rate(Options::Echo::Apart);
     options.erase_page_ms = 600000;
     start(options);
-    EXPECT_EQ(host->ask(erase_request, erase_request), erase_request);
+    EXPECT_EQ(host->ask(erase_of_two_pages, erase_of_two_pages), erase_of_two_pages);
 }
 
 TEST_F(SimPacedDevice, BringsEchoAndAnswerInOnePacketWhenBothFitIntoTheLatency)
@@ -144,16 +144,16 @@ TEST_F(SimPacedDevice, BringsEchoAndAnswerInOnePacketWhenBothFitIntoTheLatency)
     options.latency_ms = 30;
     options.echo = Options::Echo::Apart;
     start(options);
-    EXPECT_GE(time_of(erase_request, erase_request + erase_answer), 30 * ms);
-    EXPECT_THAT(host->pieces(), ElementsAre(erase_request + erase_answer));
+    EXPECT_GE(time_of(erase_of_two_pages, erase_of_two_pages + erase_answer_of_two), 30 * ms);
+    EXPECT_THAT(host->pieces(), ElementsAre(erase_of_two_pages + erase_answer_of_two));
 }
 
 TEST_F(SimPacedDevice, BringsEchoAndAnswerTogetherWhenBothHavePassed)
 {
-    start(paced(Options::Echo::Together));
-    const qint64 bytes_ns = line_time_ns(read_request.size() + read_answer.size(), slow_baud);
-    EXPECT_GE(time_of(read_request, read_request + read_answer), bytes_ns);
-    EXPECT_THAT(host->pieces(), ElementsAre(read_request + read_answer));
+    start(at_slow_rate(Options::Echo::Together));
+    const qint64 bytes_ns = line_time_ns(read_request.size() + row_of_blanks.size(), slow_baud);
+    EXPECT_GE(time_of(read_request, read_request + row_of_blanks), bytes_ns);
+    EXPECT_THAT(host->pieces(), ElementsAre(read_request + row_of_blanks));
 }
 
 TEST_F(SimPacedDevice, HandsShortPacketsOverAfterTheLatency)
@@ -161,8 +161,8 @@ TEST_F(SimPacedDevice, HandsShortPacketsOverAfterTheLatency)
     Options options;
     options.latency_ms = 30;
     start(options);
-    EXPECT_GE(time_of(erase_request, erase_answer), 30 * ms);
-    EXPECT_THAT(host->pieces(), ElementsAre(erase_answer));
+    EXPECT_GE(time_of(erase_of_two_pages, erase_answer_of_two), 30 * ms);
+    EXPECT_THAT(host->pieces(), ElementsAre(erase_answer_of_two));
 }
 
 TEST_F(SimPacedDevice, HandsFullPacketsOverAtOnce)
@@ -170,18 +170,18 @@ TEST_F(SimPacedDevice, HandsFullPacketsOverAtOnce)
     Options options;
     options.latency_ms = 30;
     start(options);
-    EXPECT_GE(time_of(read_request, read_answer), 30 * ms);
-    EXPECT_THAT(host->pieces(), ElementsAre(read_answer.left(62), read_answer.mid(62)));
+    EXPECT_GE(time_of(read_request, row_of_blanks), 30 * ms);
+    EXPECT_THAT(host->pieces(), ElementsAre(row_of_blanks.left(62), row_of_blanks.mid(62)));
 }
 
 TEST_F(SimPacedDevice, HasALatencyOnTopOfThePace)
 {
-    Options options = paced();
+    Options options = at_slow_rate();
     options.latency_ms = 30;
     start(options);
-    const qint64 bytes_ns = line_time_ns(erase_request.size() + 1, slow_baud);
-    EXPECT_GE(time_of(erase_request, erase_answer), bytes_ns + 30 * ms);
-    EXPECT_EQ(device->line().bytes_to_host(), erase_answer.size());
+    const qint64 bytes_ns = line_time_ns(erase_of_two_pages.size() + 1, slow_baud);
+    EXPECT_GE(time_of(erase_of_two_pages, erase_answer_of_two), bytes_ns + 30 * ms);
+    EXPECT_EQ(device->line().bytes_to_host(), erase_answer_of_two.size());
 }
 
 TEST_F(SimPacedDevice, AcknowledgesAnEraseAfterTheTimeOfItsPages)
@@ -189,7 +189,7 @@ TEST_F(SimPacedDevice, AcknowledgesAnEraseAfterTheTimeOfItsPages)
     Options options;
     options.erase_page_ms = 15;
     start(options);
-    EXPECT_GE(time_of(erase_request, erase_answer), 2 * 15 * ms);
+    EXPECT_GE(time_of(erase_of_two_pages, erase_answer_of_two), 2 * 15 * ms);
 }
 
 TEST_F(SimPacedDevice, AcknowledgesAWriteAfterTheTimeOfItsRows)
@@ -209,8 +209,9 @@ TEST_F(SimPacedDevice, DoesOneThingAfterTheOther)
     options.erase_page_ms = 15;
     start(options);
     const qint64 start_ns = Alarm::now_ns();
-    host->send(erase_request + read_request);
-    EXPECT_EQ(host->receive(erase_answer.size() + read_answer.size()), erase_answer + read_answer);
+    host->send(erase_of_two_pages + read_request);
+    EXPECT_EQ(host->receive(erase_answer_of_two.size() + row_of_blanks.size()),
+              erase_answer_of_two + row_of_blanks);
     EXPECT_GE(Alarm::now_ns() - start_ns, 2 * 15 * ms);
 }
 
@@ -220,5 +221,5 @@ TEST_F(SimPacedDevice, TakesNoTimeForWhatItRefuses)
     options.erase_page_ms = 600000;
     start(options);
     host->send(make_frame(bytes("03 01 00 00 00"))); // the bootloader's own page
-    EXPECT_EQ(host->ask(read_request, read_answer), read_answer);
+    EXPECT_EQ(host->ask(read_request, row_of_blanks), row_of_blanks);
 }

@@ -22,13 +22,6 @@ using testing::IsEmpty;
 namespace
 {
 
-constexpr int full_baud = 57600;
-
-const QByteArray probe_byte = bytes("55");
-const QByteArray probe_answer = bytes("51 56 01 23");
-const QByteArray version_frame = make_frame(bytes("00 02"));
-const QByteArray version_answer = make_frame(bytes("00 02 01 23"));
-
 class SimSimulatedDevice : public testing::Test
 {
 protected:

@@ -1,4 +1,5 @@
 #include "sim/line/Alarm.h"
+#include "tests/sim/Milliseconds.h"
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -8,8 +9,6 @@ using sim::Alarm;
 
 namespace
 {
-
-constexpr qint64 ms = 1000000;
 
 class SimAlarm : public testing::Test
 {

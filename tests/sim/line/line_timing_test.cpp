@@ -1,19 +1,14 @@
 #include "sim/line/LineTiming.h"
+#include "tests/sim/Milliseconds.h"
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::line_time_ns;
 using sim::Slice;
 using sim::slices;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace
-{
-
-constexpr qint64 ms = 1000000;
-
-} // namespace
 
 TEST(SimLineTiming, GivesEveryByteTenBits)
 {

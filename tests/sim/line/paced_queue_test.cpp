@@ -1,7 +1,9 @@
 #include "sim/line/PacedQueue.h"
+#include "tests/sim/Milliseconds.h"
 
 #include <gmock/gmock.h>
 
+using namespace test;
 using sim::PacedQueue;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -11,15 +13,13 @@ namespace
 
 using Taken = std::tuple<QByteArray, qint64, bool>;
 
-/// 1 ms a byte.
-constexpr unsigned int baud = 10000;
-constexpr qint64 ms = 1000000;
+constexpr unsigned int one_byte_per_ms = 10000;
 
 std::vector<Taken> take_all(PacedQueue& queue)
 {
     std::vector<Taken> taken;
     while (const auto due = queue.take(1000 * ms)) {
-        EXPECT_EQ(due->baud, baud);
+        EXPECT_EQ(due->baud, one_byte_per_ms);
         taken.emplace_back(due->bytes, due->due_ns / ms, due->last);
     }
     return taken;
@@ -39,7 +39,7 @@ TEST(SimPacedQueue, IsEmptyAtFirst)
 TEST(SimPacedQueue, BringsEachByteInItsTimeAndMarksTheLast)
 {
     PacedQueue queue;
-    queue.add({"abc", baud}, 5 * ms);
+    queue.add({"abc", one_byte_per_ms}, 5 * ms);
     EXPECT_THAT(take_all(queue),
                 ElementsAre(Taken("a", 6, false), Taken("b", 7, false), Taken("c", 8, true)));
     EXPECT_TRUE(queue.is_empty());
@@ -48,7 +48,7 @@ TEST(SimPacedQueue, BringsEachByteInItsTimeAndMarksTheLast)
 TEST(SimPacedQueue, HoldsAByteBackUntilItHasPassed)
 {
     PacedQueue queue;
-    queue.add({"ab", baud}, 0);
+    queue.add({"ab", one_byte_per_ms}, 0);
     EXPECT_EQ(queue.next_due_ns(), ms);
     EXPECT_FALSE(queue.next_is_ending());
     EXPECT_FALSE(queue.take(ms - 1));
@@ -61,9 +61,9 @@ TEST(SimPacedQueue, HoldsAByteBackUntilItHasPassed)
 TEST(SimPacedQueue, BeginsAPieceWhenTheOneBeforeHasPassed)
 {
     PacedQueue queue;
-    queue.add({"ab", baud}, 0);
-    queue.add({"c", baud}, ms);
-    queue.add({"d", baud}, 9 * ms);
+    queue.add({"ab", one_byte_per_ms}, 0);
+    queue.add({"c", one_byte_per_ms}, ms);
+    queue.add({"d", one_byte_per_ms}, 9 * ms);
     EXPECT_THAT(take_all(queue), ElementsAre(Taken("a", 1, false), Taken("b", 2, true),
                                              Taken("c", 3, true), Taken("d", 10, true)));
 }
@@ -71,8 +71,8 @@ TEST(SimPacedQueue, BeginsAPieceWhenTheOneBeforeHasPassed)
 TEST(SimPacedQueue, TakesNoTimeForBytesThatHavePassedAlready)
 {
     PacedQueue queue;
-    queue.add({"echo", baud, 4}, 0);
-    queue.add({"echoed", baud, 5}, 0);
+    queue.add({"echo", one_byte_per_ms, 4}, 0);
+    queue.add({"echoed", one_byte_per_ms, 5}, 0);
     EXPECT_THAT(take_all(queue),
                 ElementsAre(Taken("echo", 0, true), Taken("echoe", 0, false), Taken("d", 1, true)));
 }
@@ -80,8 +80,8 @@ TEST(SimPacedQueue, TakesNoTimeForBytesThatHavePassedAlready)
 TEST(SimPacedQueue, BringsAWholePieceWhenItsLastByteHasPassed)
 {
     PacedQueue queue;
-    queue.add({"echo+ab", baud, 5, true}, 0);
-    queue.add({"c", baud}, 0);
+    queue.add({"echo+ab", one_byte_per_ms, 5, true}, 0);
+    queue.add({"c", one_byte_per_ms}, 0);
     EXPECT_THAT(take_all(queue), ElementsAre(Taken("echo+ab", 2, true), Taken("c", 3, true)));
 }
 
@@ -100,20 +100,20 @@ TEST(SimPacedQueue, AnnouncesTheEndOfAPieceBeforeItsLastBytes)
 TEST(SimPacedQueue, TakesAnEchoForAnEndOnlyWithNothingAfterIt)
 {
     PacedQueue queue;
-    queue.add({"echo+a", baud, 5}, 0);
+    queue.add({"echo+a", one_byte_per_ms, 5}, 0);
     EXPECT_FALSE(queue.next_is_ending());
     queue.clear();
-    queue.add({"echo", baud, 4}, 0);
+    queue.add({"echo", one_byte_per_ms, 4}, 0);
     EXPECT_TRUE(queue.next_is_ending());
     queue.clear();
-    queue.add({"echo+a", baud, 5, true}, 0);
+    queue.add({"echo+a", one_byte_per_ms, 5, true}, 0);
     EXPECT_TRUE(queue.next_is_ending());
 }
 
 TEST(SimPacedQueue, ForgetsEverythingWhenCleared)
 {
     PacedQueue queue;
-    queue.add({"abc", baud}, 0);
+    queue.add({"abc", one_byte_per_ms}, 0);
     queue.clear();
     EXPECT_THAT(take_all(queue), IsEmpty());
 }
@@ -121,9 +121,9 @@ TEST(SimPacedQueue, ForgetsEverythingWhenCleared)
 TEST(SimPacedQueue, KnowsHowManyBytesWait)
 {
     PacedQueue queue;
-    queue.add({"abc", baud}, 0);
-    queue.add({"defg", baud, 2}, 0);
-    queue.add({"hi", baud, 0, true}, 0);
+    queue.add({"abc", one_byte_per_ms}, 0);
+    queue.add({"defg", one_byte_per_ms, 2}, 0);
+    queue.add({"hi", one_byte_per_ms, 0, true}, 0);
     EXPECT_EQ(queue.waiting_bytes(), 9);
     queue.take(1 * ms);
     EXPECT_EQ(queue.waiting_bytes(), 8);

@@ -21,7 +21,7 @@ Arguments parse(const char* words = "")
                                .split(QLatin1Char(' '), Qt::SkipEmptyParts));
 }
 
-std::string complaint_about(const char* words)
+std::string complaint_about_words(const char* words)
 {
     return test::complaint_of([&] { parse(words); });
 }
@@ -172,7 +172,7 @@ TEST(SimArguments, AreRefusedWithTheReason)
         {"--exec tool -s {}", "Unknown option 's'."},
     };
     for (const auto& [words, complaint] : refusals) {
-        EXPECT_EQ(complaint_about(words), complaint);
+        EXPECT_EQ(complaint_about_words(words), complaint);
     }
     EXPECT_THROW(
         parse_arguments({QStringLiteral("zserial-sim"), QStringLiteral("--check"), QString()}),

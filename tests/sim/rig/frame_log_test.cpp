@@ -25,7 +25,7 @@ Entries entries_of(const QByteArray& content)
     return entries;
 }
 
-std::string complaint_about(const QByteArray& content)
+std::string complaint_about_log(const QByteArray& content)
 {
     return test::complaint_of([&] { entries_of(content); });
 }
@@ -55,7 +55,7 @@ TEST(SimFrameLog, MayHaveBeenThroughAnEditor)
 TEST(SimFrameLog, IsRefusedWithTheLineThatIsNone)
 {
     for (const char* line : {"hello", "TX:5", "TX:5g", "tx:55", "RX 55", "TX: 55"}) {
-        EXPECT_EQ(complaint_about(QByteArray("\nTX:55\n") + line + '\n'),
+        EXPECT_EQ(complaint_about_log(QByteArray("\nTX:55\n") + line + '\n'),
                   "log: line 3 is not a line of a frame log")
             << line;
     }
@@ -68,8 +68,8 @@ TEST(SimFrameLog, MayEndInTheMiddleOfALine)
                   (Entries::value_type{bytes("55"), bytes("66")}))
             << cut;
     }
-    EXPECT_EQ(complaint_about("\nTX:55\nhello"), "log: line 3 is not a line of a frame log");
-    EXPECT_EQ(complaint_about("\nTX:55\nTX:5g"), "log: line 3 is not a line of a frame log");
+    EXPECT_EQ(complaint_about_log("\nTX:55\nhello"), "log: line 3 is not a line of a frame log");
+    EXPECT_EQ(complaint_about_log("\nTX:55\nTX:5g"), "log: line 3 is not a line of a frame log");
 }
 
 TEST(SimFrameLog, IsReadFromAFileInWhichSomethingWasSent)

@@ -27,8 +27,6 @@ namespace
 
 using Counts = std::map<FaultKind, unsigned int>;
 
-const QByteArray version_request = make_frame(bytes("00 02"));
-const QByteArray version_answer = make_frame(bytes("00 02 01 23"));
 const QByteArray row_data(0x40, '\x5A');
 const QByteArray row_request = make_frame(bytes("02 01 00 08 00") + row_data);
 const QByteArray row_answer = make_frame(bytes("02"));
@@ -56,7 +54,7 @@ protected:
     void expect_silence_about(const QByteArray& request)
     {
         host->send(request);
-        EXPECT_EQ(host->ask(version_request, version_answer), version_answer);
+        EXPECT_EQ(host->ask(version_frame, version_answer), version_answer);
     }
 
     QByteArray memory(unsigned int address, unsigned int count) const
@@ -172,7 +170,7 @@ TEST_F(SimRig, CutsResponsesShort)
     EXPECT_LT(begin.size(), row_answer.size());
     EXPECT_TRUE(row_answer.startsWith(begin));
     host->send(erase_request);
-    EXPECT_EQ(host->ask(version_request, version_answer), version_answer);
+    EXPECT_EQ(host->ask(version_frame, version_answer), version_answer);
     EXPECT_EQ(counts(), (Counts{{FaultKind::TruncateResponse, 1}, {FaultKind::LoseResponse, 1}}));
 }
 
@@ -210,7 +208,7 @@ TEST_F(SimRig, AcknowledgesWrongly)
     EXPECT_EQ(host->ask(row_request, make_frame(bytes("FD"))), make_frame(bytes("FD")));
     EXPECT_EQ(memory(0x1000, 0x40), row_data);
     EXPECT_EQ(host->ask(erase_request, make_frame(bytes("FC"))), make_frame(bytes("FC")));
-    EXPECT_EQ(host->ask(version_request, version_answer), version_answer);
+    EXPECT_EQ(host->ask(version_frame, version_answer), version_answer);
     EXPECT_EQ(counts(), (Counts{{FaultKind::WrongAck, 2}}));
 }
 
@@ -245,8 +243,8 @@ TEST_F(SimRig, HasBitsThatStick)
     EXPECT_EQ(host->ask(row_request, row_answer), row_answer);
     EXPECT_EQ(memory(0x1000, 3), bytes("58 5B 5A"));
     const QByteArray read = bytes("01 01 00 08 00");
-    const QByteArray read_answer = make_frame(read + bytes("58 5B"));
-    EXPECT_EQ(host->ask(make_frame(read), read_answer), read_answer);
+    const QByteArray worn_row = make_frame(read + bytes("58 5B"));
+    EXPECT_EQ(host->ask(make_frame(read), worn_row), worn_row);
     EXPECT_EQ(counts(), (Counts{{FaultKind::StuckBits, 2}}));
 }
 
@@ -255,7 +253,7 @@ TEST_F(SimRig, LosesItsPowerAndKeepsItsMemory)
     start({"power-loss@2", "noise@3"});
     EXPECT_EQ(host->ask(row_request, row_answer), row_answer);
     host->send(erase_request);
-    host->send(version_request);
+    host->send(version_frame);
     ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 3; }));
     EXPECT_EQ(memory(0x1000, 0x40), row_data);
     EXPECT_TRUE(rig->device().commands()[2].ignored);
@@ -287,9 +285,9 @@ TEST_F(SimRig, HearsAndSaysNothingMoreOnceItHasVanished)
 TEST_F(SimRig, HearsDamagedBytes)
 {
     start({"request-bytes=1"});
-    host->send(version_request);
+    host->send(version_frame);
     ASSERT_TRUE(
-        wait_until([this] { return rig->device().heard().size() == version_request.size(); }));
+        wait_until([this] { return rig->device().heard().size() == version_frame.size(); }));
     EXPECT_EQ(rig->summary().commands.number_of(sim::Command::Kind::Version), 0U);
     EXPECT_EQ(counts(), (Counts{{FaultKind::RequestBytes, 6}}));
 }
@@ -297,7 +295,7 @@ TEST_F(SimRig, HearsDamagedBytes)
 TEST_F(SimRig, SendsDamagedBytes)
 {
     start({"response-bytes=1"});
-    host->send(version_request);
+    host->send(version_frame);
     const QByteArray damaged = host->receive(version_answer.size());
     for (int i = 0; i < damaged.size(); ++i) {
         EXPECT_NE(damaged.at(i), version_answer.at(i)) << i;
@@ -313,7 +311,7 @@ TEST_F(SimRig, DoesTheSameAgainForTheSameSeed)
         options.faults.seed = 7;
         start({"corrupt-response=0.5", "noise=0.5", "lose-request=0.2", "response-bytes=0.05"});
         for (int i = 0; i < 20; ++i) {
-            host->send(version_request);
+            host->send(version_frame);
         }
         ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 20; }));
         const qint64 sent = rig->device().line().bytes_to_host();
@@ -326,13 +324,13 @@ TEST_F(SimRig, DoesTheSameAgainForTheSameSeed)
 TEST_F(SimRig, SumsUpWhatWasHeardAndSaid)
 {
     start();
-    host->ask(version_request, version_answer);
-    host->ask(version_request, version_answer);
+    host->ask(version_frame, version_answer);
+    host->ask(version_frame, version_answer);
     host->ask(erase_request, erase_answer);
     const Summary summary = rig->summary();
     EXPECT_EQ(summary.commands.number_of(sim::Command::Kind::Version), 2U);
     EXPECT_EQ(summary.commands.repeated(), 1U);
-    EXPECT_EQ(summary.bytes_from_host, 2 * version_request.size() + erase_request.size());
+    EXPECT_EQ(summary.bytes_from_host, 2 * version_frame.size() + erase_request.size());
     EXPECT_EQ(summary.bytes_to_host, 2 * version_answer.size() + erase_answer.size());
     EXPECT_EQ(summary.memory.pages_erased, 1U);
     EXPECT_EQ(summary.dropped_frames, 0U);
@@ -344,7 +342,7 @@ TEST_F(SimRig, ReportsItsLatenessWhenItPaces)
 {
     options.device.paced = true;
     start();
-    host->ask(version_request, version_answer);
+    host->ask(version_frame, version_answer);
     ASSERT_TRUE(rig->summary().pace.has_value());
     EXPECT_EQ(rig->summary().pace->lateness.count(), 2);
 }
@@ -354,7 +352,7 @@ TEST_F(SimRig, TracesEachCommandAtOnce)
     const QString trace = folder.filePath(QStringLiteral("trace"));
     start({"lose-response@2"});
     rig->start_trace(trace);
-    host->ask(version_request, version_answer);
+    host->ask(version_frame, version_answer);
     host->send(row_request);
     ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 2; }));
     const QList<QByteArray> lines = file_content(trace).split('\n');
@@ -366,9 +364,9 @@ TEST_F(SimRig, TracesEachCommandAtOnce)
               "sent=0 faults=lose-response payload=0201000800" +
                   row_data.toHex());
     for (const QByteArray& line : {lines[0], lines[1]}) {
-        const QByteArray ms = line.left(line.indexOf(' '));
-        EXPECT_EQ(ms.size() - ms.indexOf('.'), 4) << ms.toStdString();
-        EXPECT_GE(ms.toDouble(), 0.0);
+        const QByteArray stamp = line.left(line.indexOf(' '));
+        EXPECT_EQ(stamp.size() - stamp.indexOf('.'), 4) << stamp.toStdString();
+        EXPECT_GE(stamp.toDouble(), 0.0);
     }
     EXPECT_GE(lines[1].left(lines[1].indexOf(' ')).toDouble(),
               lines[0].left(lines[0].indexOf(' ')).toDouble());
@@ -377,11 +375,11 @@ TEST_F(SimRig, TracesEachCommandAtOnce)
 TEST_F(SimRig, AnswersAsTheLogDoes)
 {
     start();
-    rig->start_replay(write_file("log", "\nTX:" + version_request.toHex() +
-                                            "\nTX:" + version_request.toHex() +
+    rig->start_replay(write_file("log", "\nTX:" + version_frame.toHex() +
+                                            "\nTX:" + version_frame.toHex() +
                                             "\nRX:010203\nTX:" + reset_request.toHex()));
-    host->send(version_request); // recorded without an answer
-    EXPECT_EQ(host->ask(version_request, "\x01\x02\x03"), "\x01\x02\x03");
+    host->send(version_frame); // recorded without an answer
+    EXPECT_EQ(host->ask(version_frame, "\x01\x02\x03"), "\x01\x02\x03");
     host->send(erase_request);
     host->send(reset_request);
     ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 4; }));
@@ -398,20 +396,20 @@ TEST_F(SimRig, AnswersAProbeByItselfWhenItReplays)
 {
     options.device.entry = Entry::Probe;
     rig = std::make_unique<Rig>(*profile, options);
-    rig->start_replay(write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203"));
+    rig->start_replay(write_file("log", "\nTX:" + version_frame.toHex() + "\nRX:010203"));
     host = std::make_unique<HostPort>(rig->device().port_path(), 9600);
     EXPECT_EQ(host->ask(bytes("55"), bytes("51 56 01 23")), bytes("51 56 01 23"));
     host->set_baud(57600);
-    EXPECT_EQ(host->ask(version_request, "\x01\x02\x03"), "\x01\x02\x03");
+    EXPECT_EQ(host->ask(version_frame, "\x01\x02\x03"), "\x01\x02\x03");
 }
 
 TEST_F(SimRig, StaysSilentBesideALogToo)
 {
     options.device.entry = Entry::Silent;
     rig = std::make_unique<Rig>(*profile, options);
-    rig->start_replay(write_file("log", "\nTX:" + version_request.toHex() + "\nRX:010203"));
+    rig->start_replay(write_file("log", "\nTX:" + version_frame.toHex() + "\nRX:010203"));
     host = std::make_unique<HostPort>(rig->device().port_path(), 57600);
-    host->send(version_request);
+    host->send(version_frame);
     ASSERT_TRUE(wait_until([this] { return rig->device().commands().size() == 1; }));
     EXPECT_EQ(rig->device().line().bytes_to_host(), 0);
 }
