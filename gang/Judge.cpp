@@ -287,69 +287,69 @@ std::optional<QString> complaint_about_table(const QByteArray& err)
     return match.hasMatch() ? std::optional<QString>(match.captured(1)) : std::nullopt;
 }
 
-Judgement judge_signal(const ToolEnd& end)
+Judgement judge_signal(const ToolResult& result)
 {
-    const QString signal = QStringLiteral("ended by signal %1").arg(end.code);
-    if (end.code == SIGABRT) {
-        if (const auto complaint = complaint_about_table(end.err)) {
+    const QString signal = QStringLiteral("ended by signal %1").arg(result.code);
+    if (result.code == SIGABRT) {
+        if (const auto complaint = complaint_about_table(result.err)) {
             return {Verdict::Table, *complaint, {}, false};
         }
     }
-    const bool asked = end.code == SIGINT || end.code == SIGTERM || end.code == SIGHUP;
+    const bool asked = result.code == SIGINT || result.code == SIGTERM || result.code == SIGHUP;
     return {asked ? Verdict::Interrupted : Verdict::Crashed, signal, {}, true};
 }
 
-Judgement read_console(const ToolEnd& end, const Settings& settings, bool read_file_lost)
+Judgement read_console(const ToolResult& result, const Settings& settings, bool read_file_lost)
 {
-    ConsoleReader reader(end.out, settings, read_file_lost);
-    if (end.code == EXIT_SUCCESS) {
+    ConsoleReader reader(result.out, settings, read_file_lost);
+    if (result.code == EXIT_SUCCESS) {
         return reader.read_success();
     }
-    return end.code == EXIT_FAILURE ? reader.read_failure() : Judgement();
+    return result.code == EXIT_FAILURE ? reader.read_failure() : Judgement();
 }
 
-QString unexpected_end(const ToolEnd& end)
+QString unexpected_end(const ToolResult& result)
 {
-    const QString status = QString::number(end.code);
-    const QString lines = last_lines(end.out + '\n' + end.err, shown_lines);
+    const QString status = QString::number(result.code);
+    const QString lines = last_lines(result.out + '\n' + result.err, shown_lines);
     return lines.isEmpty()
                ? QStringLiteral("ended with status %1 and printed nothing").arg(status)
                : QStringLiteral("ended with status %1; its last lines: %2").arg(status, lines);
 }
 
-Judgement judge_exit(const ToolEnd& end, const Settings& settings)
+Judgement judge_exit(const ToolResult& result, const Settings& settings)
 {
-    Judgement judgement = read_console(end, settings, false);
+    Judgement judgement = read_console(result, settings, false);
     if (judgement.verdict != Verdict::Failed) {
         return judgement;
     }
-    judgement = read_console(end, settings, true);
+    judgement = read_console(result, settings, true);
     if (judgement.verdict == Verdict::Ok) {
         judgement.verdict = Verdict::Unsaved;
         judgement.message =
             QStringLiteral("%1 could not be opened to save what was read").arg(settings.read_file);
     } else if (judgement.verdict == Verdict::Failed) {
         judgement.touched = true;
-        judgement.message = unexpected_end(end);
+        judgement.message = unexpected_end(result);
     }
     return judgement;
 }
 
 } // namespace
 
-Judgement judge(const ToolEnd& end, const Settings& settings)
+Judgement judge(const ToolResult& result, const Settings& settings)
 {
-    switch (end.how) {
-    case ToolEnd::How::Exited:
-        return judge_exit(end, settings);
-    case ToolEnd::How::Signalled:
-        return judge_signal(end);
-    case ToolEnd::How::NotStarted:
-        return {Verdict::Failed, end.reason, {}, false};
-    case ToolEnd::How::TimedOut:
-        return {Verdict::TimedOut, end.reason, {}, true};
-    case ToolEnd::How::Stopped:
-        return {Verdict::Interrupted, end.reason, {}, true};
+    switch (result.how) {
+    case ToolResult::How::Exited:
+        return judge_exit(result, settings);
+    case ToolResult::How::Signalled:
+        return judge_signal(result);
+    case ToolResult::How::NotStarted:
+        return {Verdict::Failed, result.reason, {}, false};
+    case ToolResult::How::TimedOut:
+        return {Verdict::TimedOut, result.reason, {}, true};
+    case ToolResult::How::Stopped:
+        return {Verdict::Interrupted, result.reason, {}, true};
     }
     return {};
 }

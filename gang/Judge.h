@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Settings.h"
-#include "gang/ToolEnd.h"
+#include "gang/ToolResult.h"
 #include "gang/Verdict.h"
 
 #include <QString>
@@ -20,7 +20,8 @@ struct Judgement {
 
 /// Judges a zserial process that was started with these settings. A run is ok only if its status is
 /// 0 and its output, apart from progress and recovered errors, is byte for byte that of a run in
-/// which every requested operation succeeded. Does not look at the file of a read; see ReadProof.
-Judgement judge(const ToolEnd& end, const Settings& settings);
+/// which every requested operation succeeded. Does not look at the file of a read; see
+/// ReadFileCheck.
+Judgement judge(const ToolResult& result, const Settings& settings);
 
 } // namespace gang

@@ -113,8 +113,8 @@ void PortRun::begin_try()
     }
     try {
         const Arguments& arguments = m_assignment.arguments;
-        if (!arguments.keep.isEmpty() && m_kept.folder().isEmpty()) {
-            m_kept = KeptFiles(arguments.keep, m_state.port.name, m_record.time);
+        if (!arguments.keep.isEmpty() && m_run_folder.folder().isEmpty()) {
+            m_run_folder = RunFolder(arguments.keep, m_state.port.name, m_record.time);
         }
         m_copies = m_assignment.inputs.prepare_folder(m_assignment.inputs.folder_of(m_state.port),
                                                       m_command, m_record.number);
@@ -127,7 +127,7 @@ void PortRun::begin_try()
 
 void PortRun::begin_upload()
 {
-    m_read = ReadProof(m_command.read_file());
+    m_read = ReadFileCheck(m_command.read_file());
     QStringList words = m_assignment.arguments.certify ? m_command.words_without_reset(m_copies)
                                                        : m_command.words(m_copies);
     launch(Step::Upload, words);
@@ -143,7 +143,8 @@ void PortRun::begin_certification()
 void PortRun::launch(Step step, const QStringList& words)
 {
     m_step = step;
-    m_words = (m_command.has_frame_log() ? QStringList() : m_kept.frame_log_arguments()) + words;
+    m_words =
+        (m_command.has_frame_log() ? QStringList() : m_run_folder.frame_log_arguments()) + words;
     m_settings = settings_from(m_words);
     m_state.phase = step == Step::Upload ? RunState::Phase::Running : RunState::Phase::Certifying;
     m_state.percentage = -1;
@@ -176,11 +177,11 @@ void PortRun::show_progress()
     Q_EMIT changed();
 }
 
-void PortRun::on_process_ended(const ToolEnd& end)
+void PortRun::on_process_ended(const ToolResult& result)
 {
     m_process.release()->deleteLater(); // it is still emitting this signal
-    m_kept.add_console(m_words, end);
-    Judgement judgement = judge(end, m_settings);
+    m_run_folder.add_console(m_words, result);
+    Judgement judgement = judge(result, m_settings);
     judgement.message = readable(judgement.message);
     if (m_step == Step::Upload) {
         judge_upload(judgement);
@@ -269,12 +270,12 @@ void PortRun::pause(const Judgement& judgement)
 void PortRun::finish(const Judgement& judgement)
 {
     if (m_assignment.arguments.keep_failures_only && judgement.verdict == Verdict::Ok) {
-        m_kept.discard();
+        m_run_folder.discard();
     }
     m_record.seconds = static_cast<double>(m_state.since.elapsed()) / 1000.0;
     m_record.verdict = judgement.verdict;
     m_record.message = judgement.message;
-    m_record.log = m_kept.folder();
+    m_record.log = m_run_folder.folder();
     Q_EMIT finished(m_record);
 }
 

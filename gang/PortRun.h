@@ -2,8 +2,8 @@
 
 #include "gang/Assignment.h"
 #include "gang/Judge.h"
-#include "gang/KeptFiles.h"
-#include "gang/ReadProof.h"
+#include "gang/ReadFileCheck.h"
+#include "gang/RunFolder.h"
 #include "gang/RunRecord.h"
 #include "gang/RunState.h"
 #include "gang/ToolProcess.h"
@@ -53,7 +53,7 @@ private:
     void begin_upload();
     void begin_certification();
     void launch(Step step, const QStringList& words);
-    void on_process_ended(const ToolEnd& end);
+    void on_process_ended(const ToolResult& result);
     void judge_upload(Judgement judgement);
     void judge_certification(Judgement judgement);
     void end_try(const Judgement& judgement);
@@ -67,10 +67,10 @@ private:
     ToolCommand m_command;
     RunState m_state;
     RunRecord m_record;
-    KeptFiles m_kept;
+    RunFolder m_run_folder;
     std::unique_ptr<ToolProcess> m_process;
     QTimer m_pause;
-    ReadProof m_read;
+    ReadFileCheck m_read;
     QHash<QString, QString> m_copies;
     Step m_step = Step::Upload;
     QStringList m_words;

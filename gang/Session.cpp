@@ -110,26 +110,27 @@ int Session::run()
     // Nothing blocks from here on, so requests to stop can be handled by the event loop.
     m_signals.emplace();
     m_display = display_for(m_arguments);
-    m_crew = std::make_unique<Crew>(*m_assignment, m_record ? &*m_record : nullptr, *m_display);
+    m_queue =
+        std::make_unique<UploadQueue>(*m_assignment, m_record ? &*m_record : nullptr, *m_display);
     connect(&*m_signals, &Platform::SignalEvents::stop_requested, this,
             &Session::on_stop_requested);
     if (auto* table = dynamic_cast<LiveTable*>(m_display.get())) {
         connect(&*m_signals, &Platform::SignalEvents::terminal_resized, table, &LiveTable::resize);
     }
-    connect(m_crew.get(), &Crew::became_idle, this, &Session::end_if_idle);
-    connect(m_crew.get(), &Crew::failed, this,
+    connect(m_queue.get(), &UploadQueue::became_idle, this, &Session::end_if_idle);
+    connect(m_queue.get(), &UploadQueue::failed, this,
             [this](const QString& reason) { m_troubles << reason; });
     for (const QString& port : m_arguments.ports) {
-        m_crew->take(port);
+        m_queue->add(port);
     }
     if (!m_arguments.watch.isEmpty()) {
         m_watch = std::make_unique<PortWatch>(m_arguments.watch);
-        connect(m_watch.get(), &PortWatch::appeared, m_crew.get(), &Crew::take);
-        connect(m_crew.get(), &Crew::ended, m_watch.get(), &PortWatch::release);
+        connect(m_watch.get(), &PortWatch::appeared, m_queue.get(), &UploadQueue::add);
+        connect(m_queue.get(), &UploadQueue::ended, m_watch.get(), &PortWatch::release);
         m_watch->start();
     }
     QCoreApplication::exec();
-    m_display->summed_up(m_crew->states(), m_crew->tally());
+    m_display->summed_up(m_queue->states(), m_queue->tally());
     for (const QString& trouble : m_troubles) {
         print_error(trouble);
     }
@@ -141,16 +142,16 @@ void Session::on_stop_requested()
     ++m_stops;
     if (m_stops == 1) {
         m_watch.reset();
-        m_crew->wind_down();
+        m_queue->wind_down();
     } else {
-        m_crew->stop();
+        m_queue->stop();
     }
 }
 
 /// Queued: a call of quit() before exec() would be lost.
 void Session::end_if_idle()
 {
-    const bool waits_for_ports = m_watch && !m_crew->is_winding_down();
+    const bool waits_for_ports = m_watch && !m_queue->is_winding_down();
     if (!waits_for_ports) {
         QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     }
@@ -160,7 +161,7 @@ void Session::end_if_idle()
 /// an upload.
 int Session::status() const
 {
-    const Tally tally = m_crew->tally();
+    const Tally tally = m_queue->tally();
     const bool watching = !m_arguments.watch.isEmpty();
     const bool cut_short = tally.verdicts.contains(Verdict::Interrupted);
     if (m_stops > 0 && (!watching || cut_short)) {

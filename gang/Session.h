@@ -2,12 +2,12 @@
 
 #include "gang/Arguments.h"
 #include "gang/Assignment.h"
-#include "gang/Crew.h"
 #include "gang/Display.h"
 #include "gang/Inputs.h"
 #include "gang/NumberFile.h"
 #include "gang/PortWatch.h"
 #include "gang/RecordFile.h"
+#include "gang/UploadQueue.h"
 #include "process/SignalEvents.h"
 
 #include <QObject>
@@ -22,10 +22,10 @@ namespace gang
 enum ExitStatus : int { ExitAllOk = 0, ExitSomeNot = 1, ExitNotStarted = 2, ExitInterrupted = 3 };
 
 /// One invocation of zserial-gang, from the arguments to the exit status. It checks everything that
-/// needs no device; then a Crew starts a PortRun for each device, which runs zserial processes.
-/// Table and images are read once, before the first upload, so that all devices get the same data;
-/// a verdict is shown only after it has been recorded on the disk. docs/production.md documents the
-/// formats of events, records, reports and the serial file.
+/// needs no device; then a UploadQueue starts a PortRun for each device, which runs zserial
+/// processes. Table and images are read once, before the first upload, so that all devices get the
+/// same data; a verdict is shown only after it has been recorded on the disk. docs/production.md
+/// documents the formats of events, records, reports and the serial file.
 class Session : public QObject
 {
     Q_OBJECT
@@ -52,7 +52,7 @@ private:
     std::optional<RecordFile> m_record;
     std::unique_ptr<Display> m_display;
     std::optional<Assignment> m_assignment;
-    std::unique_ptr<Crew> m_crew;
+    std::unique_ptr<UploadQueue> m_queue;
     std::unique_ptr<PortWatch> m_watch;
     QStringList m_troubles;
     int m_stops = 0; ///< number of requests to stop

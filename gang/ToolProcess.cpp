@@ -42,7 +42,7 @@ ToolProcess::ToolProcess()
     m_process.setStandardOutputFile(m_pipe.writer());
     m_limit.setSingleShot(true);
     connect(&m_limit, &QTimer::timeout, this, [this] {
-        kill(ToolEnd::How::TimedOut,
+        kill(ToolResult::How::TimedOut,
              QStringLiteral("did not end within %1 s").arg(m_limit.interval() / 1000.0));
     });
     connect(&m_look, &QTimer::timeout, this, &ToolProcess::take_output);
@@ -72,7 +72,7 @@ void ToolProcess::start(const QString& program, const QStringList& arguments, co
 
 void ToolProcess::stop()
 {
-    kill(ToolEnd::How::Stopped, QStringLiteral("ended by the user"));
+    kill(ToolResult::How::Stopped, QStringLiteral("ended by the user"));
 }
 
 /// Kills the whole group, because zserial may be started by a script, and the process itself,
@@ -86,10 +86,10 @@ void ToolProcess::kill_all()
 }
 
 /// A process that ends before the signal reaches it is judged by its own status.
-void ToolProcess::kill(ToolEnd::How how, const QString& reason)
+void ToolProcess::kill(ToolResult::How how, const QString& reason)
 {
-    m_end.how = how;
-    m_end.reason = reason;
+    m_result.how = how;
+    m_result.reason = reason;
     kill_all();
 }
 
@@ -108,15 +108,15 @@ void ToolProcess::report_end(int code, QProcess::ExitStatus status)
     m_limit.stop();
     m_look.stop();
     take_output();
-    m_end.code = code;
-    m_end.out = m_out.text();
-    m_end.err = m_err;
+    m_result.code = code;
+    m_result.out = m_out.text();
+    m_result.err = m_err;
     if (status == QProcess::NormalExit) {
-        m_end.how = ToolEnd::How::Exited;
-    } else if (m_end.how == ToolEnd::How::Exited || code != SIGKILL) {
-        m_end.how = ToolEnd::How::Signalled;
+        m_result.how = ToolResult::How::Exited;
+    } else if (m_result.how == ToolResult::How::Exited || code != SIGKILL) {
+        m_result.how = ToolResult::How::Signalled;
     }
-    Q_EMIT ended(m_end);
+    Q_EMIT ended(m_result);
 }
 
 void ToolProcess::report_error(QProcess::ProcessError error)
@@ -124,10 +124,10 @@ void ToolProcess::report_error(QProcess::ProcessError error)
     if (error == QProcess::FailedToStart) {
         m_limit.stop();
         m_look.stop();
-        m_end.how = ToolEnd::How::NotStarted;
-        m_end.reason =
+        m_result.how = ToolResult::How::NotStarted;
+        m_result.reason =
             QStringLiteral("cannot start %1: %2").arg(m_process.program(), m_process.errorString());
-        Q_EMIT ended(m_end);
+        Q_EMIT ended(m_result);
     }
 }
 

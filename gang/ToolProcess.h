@@ -2,7 +2,7 @@
 
 #include "gang/ConsoleText.h"
 #include "gang/OutputPipe.h"
-#include "gang/ToolEnd.h"
+#include "gang/ToolResult.h"
 
 #include <QObject>
 #include <QProcess>
@@ -35,7 +35,7 @@ public:
 Q_SIGNALS:
     void printed();
     /// The process has ended or could not be started.
-    void ended(const gang::ToolEnd& end);
+    void ended(const gang::ToolResult& result);
 
 private:
     /// Puts the process into a process group of its own, which signals of the terminal do not
@@ -46,7 +46,7 @@ private:
         void setupChildProcess() override;
     };
 
-    void kill(ToolEnd::How how, const QString& reason);
+    void kill(ToolResult::How how, const QString& reason);
     void kill_all();
     void take_output();
     void report_end(int code, QProcess::ExitStatus status);
@@ -58,7 +58,7 @@ private:
     QTimer m_limit;
     ConsoleText m_out;
     QByteArray m_err;
-    ToolEnd m_end;
+    ToolResult m_result;
 };
 
 } // namespace gang

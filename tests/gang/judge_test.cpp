@@ -11,7 +11,7 @@ namespace
 {
 
 using gang::Judgement;
-using gang::ToolEnd;
+using gang::ToolResult;
 
 const QByteArray closing = "\nAll operations completed succesfully!\n";
 
@@ -20,9 +20,9 @@ Settings settings(const char* arguments)
     return gang::settings_from(words(arguments));
 }
 
-ToolEnd exited(int status, const QByteArray& out, const QByteArray& err = {})
+ToolResult exited(int status, const QByteArray& out, const QByteArray& err = {})
 {
-    return {ToolEnd::How::Exited, status, out, err, {}};
+    return {ToolResult::How::Exited, status, out, err, {}};
 }
 
 std::string shown(const Judgement& judgement)
@@ -252,9 +252,9 @@ TEST(JudgeTouch, AnOperationMayHaveChangedTheDevice)
     EXPECT_TRUE(judge(exited(1, "what"), settings("-s p -w f")).touched);
 }
 
-ToolEnd signalled(int signal, const QByteArray& err = {})
+ToolResult signalled(int signal, const QByteArray& err = {})
 {
-    return {ToolEnd::How::Signalled, signal, {}, err, {}};
+    return {ToolResult::How::Signalled, signal, {}, err, {}};
 }
 
 TEST(JudgeSignal, AnAbortIsTheTablesOnlyIfTheToolSaysSo)

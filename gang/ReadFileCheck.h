@@ -9,11 +9,11 @@ namespace gang
 
 /// Checks that a run has saved what it read as a new, complete Intel HEX file. Create it before the
 /// run.
-class ReadProof
+class ReadFileCheck
 {
 public:
-    ReadProof() = default;
-    explicit ReadProof(const QString& file);
+    ReadFileCheck() = default;
+    explicit ReadFileCheck(const QString& file);
 
     /// Returns why the file does not hold what was read; empty if it does, or if nothing was to be
     /// read.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gang/ToolEnd.h"
+#include "gang/ToolResult.h"
 
 #include <QDateTime>
 #include <QString>
@@ -10,13 +10,13 @@ namespace gang
 {
 
 /// The folder that keeps the console (console.txt) and the frame log (frames.log) of a run.
-class KeptFiles
+class RunFolder
 {
 public:
     /// Keeps nothing.
-    KeptFiles() = default;
+    RunFolder() = default;
     /// Creates a new folder for the run in `parent`. Throws FileError.
-    KeptFiles(const QString& parent, const QString& port_name, const QDateTime& time);
+    RunFolder(const QString& parent, const QString& port_name, const QDateTime& time);
 
     /// Empty if nothing is kept.
     const QString& folder() const { return m_folder; }
@@ -26,7 +26,7 @@ public:
     QStringList frame_log_arguments() const;
     /// Appends the output of a process. A write error is ignored, so that it does not change a
     /// verdict.
-    void add_console(const QStringList& words, const ToolEnd& end) const;
+    void add_console(const QStringList& words, const ToolResult& result) const;
     void discard();
 
 private:

@@ -1,4 +1,4 @@
-#include "gang/KeptFiles.h"
+#include "gang/RunFolder.h"
 
 #include "gang/SharedFile.h"
 
@@ -29,14 +29,14 @@ QString make_new_folder(const QString& parent, const QString& name)
 
 } // namespace
 
-KeptFiles::KeptFiles(const QString& parent, const QString& port_name, const QDateTime& time)
+RunFolder::RunFolder(const QString& parent, const QString& port_name, const QDateTime& time)
     : m_folder(
           make_new_folder(parent, time.toUTC().toString(QStringLiteral("yyyyMMdd'T'HHmmsszzz")) +
                                       QLatin1Char('-') + port_name))
 {
 }
 
-QStringList KeptFiles::frame_log_arguments() const
+QStringList RunFolder::frame_log_arguments() const
 {
     if (m_folder.isEmpty()) {
         return {};
@@ -44,19 +44,19 @@ QStringList KeptFiles::frame_log_arguments() const
     return {QStringLiteral("-x"), m_folder + QStringLiteral("/frames.log")};
 }
 
-void KeptFiles::add_console(const QStringList& words, const ToolEnd& end) const
+void RunFolder::add_console(const QStringList& words, const ToolResult& result) const
 {
     QFile file(m_folder + QStringLiteral("/console.txt"));
     if (m_folder.isEmpty() || !file.open(QIODevice::Append)) {
         return;
     }
-    file.write("=== zserial " + words.join(QLatin1Char(' ')).toLocal8Bit() + '\n' + end.out +
-               "\n=== standard error\n" + end.err +
-               "=== " + (end.how == ToolEnd::How::Exited ? "status " : "signal ") +
-               QByteArray::number(end.code) + "\n\n");
+    file.write("=== zserial " + words.join(QLatin1Char(' ')).toLocal8Bit() + '\n' + result.out +
+               "\n=== standard error\n" + result.err +
+               "=== " + (result.how == ToolResult::How::Exited ? "status " : "signal ") +
+               QByteArray::number(result.code) + "\n\n");
 }
 
-void KeptFiles::discard()
+void RunFolder::discard()
 {
     if (!m_folder.isEmpty()) {
         QDir(m_folder).removeRecursively();

@@ -1,4 +1,4 @@
-#include "gang/ReadProof.h"
+#include "gang/ReadFileCheck.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -24,9 +24,9 @@ bool is_whole(const QString& path)
 
 } // namespace
 
-ReadProof::ReadProof(const QString& file) : m_file(file), m_before(identity_of(file)) {}
+ReadFileCheck::ReadFileCheck(const QString& file) : m_file(file), m_before(identity_of(file)) {}
 
-QString ReadProof::problem() const
+QString ReadFileCheck::problem() const
 {
     if (m_file.isEmpty()) {
         return {};

@@ -1,18 +1,18 @@
-#include "gang/Crew.h"
+#include "gang/UploadQueue.h"
 
 #include <algorithm>
 
 namespace gang
 {
 
-Crew::Crew(const Assignment& assignment, RecordFile* record, Display& display)
+UploadQueue::UploadQueue(const Assignment& assignment, RecordFile* record, Display& display)
     : m_assignment(assignment),
       m_record(record),
       m_display(display)
 {
 }
 
-void Crew::take(const QString& port)
+void UploadQueue::add(const QString& port)
 {
     if (m_winding_down) {
         return;
@@ -30,23 +30,23 @@ void Crew::take(const QString& port)
         known->port = names;
     }
     // Queued, so that all ports are known when the first run starts.
-    QMetaObject::invokeMethod(this, &Crew::begin_waiting, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &UploadQueue::begin_waiting, Qt::QueuedConnection);
 }
 
-int Crew::running() const
+int UploadQueue::running() const
 {
     return static_cast<int>(std::count_if(m_states.begin(), m_states.end(),
                                           [](const RunState& s) { return s.is_active(); }));
 }
 
-bool Crew::is_idle() const
+bool UploadQueue::is_idle() const
 {
     return std::none_of(m_states.begin(), m_states.end(), [](const RunState& state) {
         return state.is_active() || state.phase == RunState::Phase::Waiting;
     });
 }
 
-void Crew::begin_waiting()
+void UploadQueue::begin_waiting()
 {
     const int most = m_assignment.arguments.jobs;
     for (std::size_t i = 0; i < m_states.size() && !m_winding_down; ++i) {
@@ -59,7 +59,7 @@ void Crew::begin_waiting()
     }
 }
 
-void Crew::begin(int index)
+void UploadQueue::begin(int index)
 {
     if (!m_since.isValid()) {
         m_since.start();
@@ -71,7 +71,7 @@ void Crew::begin(int index)
     connect(&run, &PortRun::failed_try, this, [this, index] { on_failed_try(index); });
     connect(&run, &PortRun::finished, this,
             [this, index](const RunRecord& record) { on_finished(index, record); });
-    connect(&run, &PortRun::number_missing, this, &Crew::give_up);
+    connect(&run, &PortRun::number_missing, this, &UploadQueue::give_up);
     connect(&run, &PortRun::not_started, this,
             [this, index](const QString& reason) { skip(index, reason); });
     m_states[i].phase = RunState::Phase::Running;
@@ -79,21 +79,21 @@ void Crew::begin(int index)
     run.start();
 }
 
-void Crew::on_changed(int index)
+void UploadQueue::on_changed(int index)
 {
     const auto i = static_cast<std::size_t>(index);
     m_states[i] = m_runs[i]->state();
     m_display.changed(m_states, index);
 }
 
-void Crew::on_failed_try(int index)
+void UploadQueue::on_failed_try(int index)
 {
     on_changed(index);
     m_display.failed_try(m_states, index);
 }
 
 /// A run that cannot be recorded has failed, whatever its own verdict.
-void Crew::on_finished(int index, RunRecord record)
+void UploadQueue::on_finished(int index, RunRecord record)
 {
     try {
         if (m_record != nullptr) {
@@ -115,7 +115,7 @@ void Crew::on_finished(int index, RunRecord record)
     release(index);
 }
 
-void Crew::skip(int index, const QString& reason)
+void UploadQueue::skip(int index, const QString& reason)
 {
     RunState& state = m_states[static_cast<std::size_t>(index)];
     state.phase = RunState::Phase::Skipped;
@@ -123,14 +123,14 @@ void Crew::skip(int index, const QString& reason)
     release(index);
 }
 
-void Crew::give_up(const QString& reason)
+void UploadQueue::give_up(const QString& reason)
 {
     Q_EMIT failed(reason);
     wind_down();
 }
 
 /// Starts waiting ports. The run is still emitting its signal, so it is deleted later.
-void Crew::release(int index)
+void UploadQueue::release(int index)
 {
     m_runs[static_cast<std::size_t>(index)].release()->deleteLater();
     Q_EMIT ended(m_states[static_cast<std::size_t>(index)].port.path);
@@ -140,7 +140,7 @@ void Crew::release(int index)
     }
 }
 
-void Crew::wind_down()
+void UploadQueue::wind_down()
 {
     m_winding_down = true;
     for (RunState& state : m_states) {
@@ -159,7 +159,7 @@ void Crew::wind_down()
     }
 }
 
-void Crew::stop()
+void UploadQueue::stop()
 {
     for (const auto& run : m_runs) {
         if (run) {
@@ -168,7 +168,7 @@ void Crew::stop()
     }
 }
 
-Tally Crew::tally() const
+Tally UploadQueue::tally() const
 {
     Tally tally = m_tally;
     tally.not_started =

@@ -15,17 +15,17 @@ namespace gang
 {
 
 /// Runs the uploads, at most --jobs at a time; the other ports wait in list order.
-class Crew : public QObject
+class UploadQueue : public QObject
 {
     Q_OBJECT
 
 public:
     /// `record` may be null.
-    Crew(const Assignment& assignment, RecordFile* record, Display& display);
+    UploadQueue(const Assignment& assignment, RecordFile* record, Display& display);
 
     /// Adds a port that is neither waiting nor running. Adding a port again programs its next
     /// device; the port keeps its number. Ignored after wind_down().
-    void take(const QString& port);
+    void add(const QString& port);
 
     /// Starts no further run or try; running uploads finish.
     void wind_down();

@@ -7,7 +7,7 @@ namespace gang
 {
 
 /// How a zserial process ended, and what it printed.
-struct ToolEnd {
+struct ToolResult {
     enum class How {
         Exited,     ///< with status `code`
         Signalled,  ///< by signal `code`, which the gang did not send
