@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <iterator>
 
 namespace inspect
 {
@@ -60,7 +61,7 @@ void lint_numbers(const GivenWord& word, std::vector<Problem>& problems)
         return;
     }
     for (const QString& text : word.following.mid(0, 2)) {
-        if (octal.match(text).hasMatch()) {
+        if (octal.match(text).hasMatch() && number_in(text) != text.toUInt(nullptr, 10)) {
             problems.push_back(problem(
                 Code::OctalNumber,
                 QStringLiteral("%1 after %2 is %3.").arg(text, word.text).arg(number_in(text))));
@@ -150,7 +151,15 @@ void lint_version_request(const Settings& settings, std::vector<Problem>& proble
             : problem(Code::VersionRequestIdle, QStringLiteral("-B names the version already.")));
 }
 
-void lint_erase(const Settings& settings, std::vector<Problem>& problems)
+/// Without a profile, any range may have flash in it.
+bool has_flash(const TypedRange& range, const Profile* profile)
+{
+    return profile == nullptr || (profile->has_memory_type(MEMORY_FLASH) &&
+                                  range.lower < profile->get_max_address(MEMORY_FLASH) &&
+                                  range.upper > profile->get_min_address(MEMORY_FLASH));
+}
+
+void lint_erase(const Settings& settings, const Profile* profile, std::vector<Problem>& problems)
 {
     if (settings.erase_range_wanted && is_carried_out(settings, Operation::Erase)) {
         problems.push_back(problem(
@@ -162,7 +171,7 @@ void lint_erase(const Settings& settings, std::vector<Problem>& problems)
                      first_of(settings.erase_range.upper != 0, "with", "without"))));
     }
     if (settings.write_range_wanted && !settings.erase_all_wanted &&
-        is_carried_out(settings, Operation::Write)) {
+        is_carried_out(settings, Operation::Write) && has_flash(settings.write_range, profile)) {
         problems.push_back(problem(
             Code::RangeNotErased,
             QStringLiteral("Nothing is erased before %1 is written.").arg(settings.write_file)));
@@ -227,13 +236,10 @@ bool is_read_before(const FileUse& image, const std::vector<FileUse>& files)
            });
 }
 
-void lint_images(const std::vector<FileUse>& files, std::vector<Problem>& problems)
+void lint_images(const std::vector<FileUse>& images, std::vector<Problem>& problems)
 {
-    for (const FileUse& file : files) {
+    for (const FileUse& file : images) {
         const QFileInfo info(file.name);
-        if (file.is_written || file.purpose == table_purpose() || is_read_before(file, files)) {
-            continue;
-        }
         if (!info.exists()) {
             problems.push_back(
                 problem(Code::ImageMissing, QStringLiteral("There is no %1.").arg(file.name)));
@@ -291,6 +297,16 @@ std::vector<FileUse> files_used(const Settings& settings, const QString& table)
     return files;
 }
 
+std::vector<FileUse> images_used(const Settings& settings)
+{
+    const std::vector<FileUse> files = files_used(settings, {});
+    std::vector<FileUse> images;
+    std::copy_if(files.begin(), files.end(), std::back_inserter(images), [&](const FileUse& file) {
+        return !file.is_written && file.purpose != table_purpose() && !is_read_before(file, files);
+    });
+    return images;
+}
+
 std::vector<Problem> lint_settings(const Settings& settings, const Profile* profile,
                                    const QString& table)
 {
@@ -299,14 +315,14 @@ std::vector<Problem> lint_settings(const Settings& settings, const Profile* prof
     if (settings.port_name.isEmpty()) {
         problems.push_back(problem(Code::PortMissing, QStringLiteral("-s is missing.")));
     }
-    lint_erase(settings, problems);
+    lint_erase(settings, profile, problems);
     if (profile != nullptr) {
         lint_ranges(settings, *profile, problems);
     }
     lint_operations(settings, problems);
     const std::vector<FileUse> files = files_used(settings, table);
     lint_files(files, problems);
-    lint_images(files, problems);
+    lint_images(images_used(settings), problems);
     return problems;
 }
 

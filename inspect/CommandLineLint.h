@@ -25,6 +25,10 @@ struct FileUse {
 /// The files that the run opens after its command line has been taken, in their order.
 std::vector<FileUse> files_used(const Settings& settings, const QString& table);
 
+/// Those of them that are images and are there when the run begins: not what is verified after it
+/// has been read back.
+std::vector<FileUse> images_used(const Settings& settings);
+
 /// The same for what is asked for on the whole. `profile` may be null: no device.
 std::vector<Problem> lint_settings(const Settings& settings, const Profile* profile,
                                    const QString& table);

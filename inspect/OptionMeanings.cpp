@@ -25,7 +25,7 @@ QString erase_meaning(const GivenWord& word)
     const auto choice = [&word](int index) {
         return QLatin1String(number_in(word.following.value(index)) == 0 ? "without" : "with");
     };
-    return QStringLiteral("erase addresses 1 to 1, %1 encrypted and %2 unencrypted flash")
+    return QStringLiteral("erase, but not this range (P012); %1 encrypted and %2 unencrypted flash")
         .arg(choice(0), choice(1));
 }
 

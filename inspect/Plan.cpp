@@ -58,7 +58,11 @@ PlannedStep step_of(Operation operation, const Settings& settings)
     case Operation::Erase:
         return settings.erase_all_wanted
                    ? PlannedStep{QStringLiteral("erase"), {}, QStringLiteral("all flash") + areas}
-                   : PlannedStep{QStringLiteral("erase"), {}, QStringLiteral("addresses 1 to 1")};
+                   : PlannedStep{QStringLiteral("erase"),
+                                 {},
+                                 QStringLiteral("addresses %1 to %2")
+                                     .arg(settings.include_encrypted ? 1 : 0)
+                                     .arg(settings.include_unencrypted ? 1 : 0)};
     case Operation::Write:
         return {QStringLiteral("write"), settings.write_file,
                 QStringLiteral("rows of the image") +
@@ -265,24 +269,16 @@ private:
                 .arg(hex4(shown).toLower()));
     }
 
-    /// A file that is read back is not there yet when its verification is looked at.
     void inspect_images()
     {
-        const std::vector<FileUse> files = files_used(m_settings, m_request.table);
         QStringList seen;
-        for (const PlannedStep& step : m_plan.steps) {
-            const bool is_image = !step.file.isEmpty() && step.name != QLatin1String("read");
-            const bool is_written =
-                std::any_of(files.begin(), files.end(), [&step](const FileUse& file) {
-                    return file.is_written && are_one_file(file.name, step.file);
-                });
-            if (!is_image || is_written || seen.contains(step.file) ||
-                !InputFile(step.file).is_open()) {
+        for (const FileUse& file : images_used(m_settings)) {
+            if (seen.contains(file.name) || !InputFile(file.name).is_open()) {
                 continue;
             }
-            seen << step.file;
+            seen << file.name;
             Report report;
-            add_problems(report, *inspect_image(step.file, profile()));
+            add_problems(report, *inspect_image(file.name, profile()));
             append(report.problems);
         }
     }
@@ -305,6 +301,7 @@ private:
                 throw UsageError(QStringLiteral("cannot read %1: %2")
                                      .arg(m_request.present_content, file.reason()));
             }
+            check_present_content();
         }
         Rehearsed result = rehearse({*m_plan.device->profile, *profile()}, m_settings,
                                     {m_request.present_content, m_request.keeps_commands});
@@ -313,6 +310,21 @@ private:
         judge(result);
         if (m_plan.succeeds()) {
             m_plan.time.closing = closing_ms / 1000.0;
+        }
+    }
+
+    void check_present_content() const
+    {
+        const ImageFile content = read_image(m_request.present_content, {});
+        const auto error = std::find_if(
+            content.problems.begin(), content.problems.end(), [](const Problem& problem) {
+                return kind_of(problem.code).severity == Severity::Error;
+            });
+        if (!content.loads && error != content.problems.end()) {
+            throw UsageError(QStringLiteral("cannot load %1, line %2: %3")
+                                 .arg(content.path)
+                                 .arg(error->place.line)
+                                 .arg(QLatin1String(kind_of(error->code).title)));
         }
     }
 
@@ -329,8 +341,26 @@ private:
             if (rehearsed.fails) {
                 add_failure(*step);
             }
+            judge_selection(*step);
             ++step;
         }
+    }
+
+    /// An image that is missing or that has no byte in the device is reported as such.
+    void judge_selection(const PlannedStep& step)
+    {
+        const bool uses_image = !step.file.isEmpty() && step.name != QLatin1String("read");
+        const bool ends_normally = step.outcome == Outcome::Done || has_failed_to_match(step);
+        if (uses_image && ends_normally && step.traffic.commands.empty() &&
+            !has(Code::ImageMissing) && !has(Code::NothingInDevice)) {
+            add(Code::NothingSelected, QStringLiteral("Step \"%1\": no byte of %2 is selected.")
+                                           .arg(step.name, step.file));
+        }
+    }
+
+    static bool has_failed_to_match(const PlannedStep& step)
+    {
+        return step.messages.contains(QStringLiteral("Verification failure!"));
     }
 
     /// Of a message of many lines, one for each attempt, the first says enough.

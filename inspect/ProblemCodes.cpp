@@ -458,6 +458,9 @@ const std::vector<ProblemKind>& problem_kinds()
          "there with the filler. It succeeds, and -v does not look at these bytes.",
          "To change a few bytes, put the change into a file that -r has read from the device, and "
          "write that file with -wv. Where the rest is to go, this is no problem."},
+        {Code::NothingSelected, "P028", error, "A step that does nothing with its image",
+         "Sends no command. -w, -W and -wv succeed all the same, even after -e; -v fails.",
+         "Correct the range of -W, or leave out -xe or -xu."},
     };
     return kinds;
 }

@@ -146,6 +146,7 @@ enum class Code {
     AnswerTooLate,
     ContentOutside,
     ContentLost,
+    NothingSelected,
 };
 
 /// One row of the table of codes.

@@ -19,9 +19,12 @@ constexpr int most_rehearsals = 5;
 
 Settings with_stand_ins(Settings settings, StandIns& files)
 {
-    for (QString* name : {&settings.write_file, &settings.read_file, &settings.verify_file,
-                          &settings.write_and_verify_file, &settings.log_file}) {
-        *name = files.stand_in_for(*name);
+    for (QString* name :
+         {&settings.write_file, &settings.verify_file, &settings.write_and_verify_file}) {
+        *name = files.copy_of(*name);
+    }
+    for (QString* name : {&settings.read_file, &settings.log_file}) {
+        *name = files.empty_for(*name); // which may have grown for months
     }
     return settings;
 }

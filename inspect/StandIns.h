@@ -9,15 +9,19 @@
 namespace inspect
 {
 
-/// Files in memory in place of those that a command line names. A stand-in begins with what the
-/// file holds, and with nothing when there is none; what is written to it never gets to the file.
-/// Two names of one file have one stand-in.
+/// Files in memory in place of those that a command line names; what is written to one never gets
+/// to the file. Two names of one file have one stand-in.
 class StandIns
 {
 public:
-    /// The name of the stand-in; nothing for nothing. Throws UsageError when the system gives none
-    /// or the file cannot be read.
-    QString stand_in_for(const QString& name);
+    /// The name of a stand-in that begins with what the file holds, and with nothing when there is
+    /// none; nothing for nothing. Throws UsageError when the system gives none or the file cannot
+    /// be read.
+    QString copy_of(const QString& name);
+
+    /// The same for a file whose contents do not matter: it begins with nothing, unless the file
+    /// has a stand-in already.
+    QString empty_for(const QString& name);
 
     /// A text in which stand-ins have the names of their files again.
     QString with_files(QString text) const;
@@ -30,7 +34,9 @@ private:
         QString name() const;
     };
 
-    void fill(const StandIn& stand_in) const;
+    const StandIn* find(const QString& name) const;
+    const StandIn& add(const QString& name);
+    static void fill(const StandIn& stand_in);
 
     std::vector<StandIn> m_stand_ins;
 };

@@ -47,6 +47,11 @@ const std::vector<PlanTrigger>& plan_triggers()
         {"P025", "-- -s port -B 0130 -w @image.hex"},
         {"P026", "--before @outside.hex -- -s port -B 0110 -R"},
         {"P027", "--before @full.hex -- -s port -B 0110 -wv @other.hex"},
+        {"P028", "-- -s port -B 0110 -e -W 0x4000 0x5000 @image.hex"},
+        {"P028", "-- -s port -B 0110 -w @image.hex -xe -xu"},
+        {"P028", "-- -s port -B 0110 -wv @image.hex -xe -xu"},
+        {"P028", "-- -s port -B 0110 -v @image.hex -xe -xu"},
+        {"I023", "-- -s port -B 0110 -w @outside.hex -r @outside.hex"},
     };
     return all;
 }

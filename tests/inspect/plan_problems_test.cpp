@@ -84,7 +84,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Harmless{"P013", "-- -s port -B 0110 -e -W 0x800 0x900 @image.hex"},
                     Harmless{"P014", "-- -s port -B 0110 -l 0x800 0x900 @back.hex"},
                     Harmless{"P014", "-- -s port -B 0120 -r @back.hex"},
+                    Harmless{"P013", "-- -s port -B 0110 -W 0x10000 0x10010 @eeprom.hex"},
                     Harmless{"P015", "-- -s port -B 0110 -W 0 0x900 @image.hex"},
+                    Harmless{"P015", "-- -s port -B 0110 -l 00 07 @back.hex"},
                     Harmless{"P018", "-- -s port -B 0110 -e -wv @image.hex"},
                     Harmless{"P019", "-- -s port -B 0110 -w @image.hex -v @./image.hex"},
                     Harmless{"P020", "-- -s port -B 0110 -w @image.hex -v @image.hex"},
@@ -99,7 +101,13 @@ INSTANTIATE_TEST_SUITE_P(
                     Harmless{"P027", "--before @full.hex -- -s port -B 0110 -w @other.hex"},
                     Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e"},
                     Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e -w @other.hex"},
-                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e -wv @other.hex"}));
+                    Harmless{"P027", "--before @full.hex -- -s port -B 0110 -e -wv @other.hex"},
+                    Harmless{"P028", "--before @image.hex -- -s port -B 0110 -wv @image.hex"},
+                    Harmless{"P028", "-- -s port -B 0110 -W 0x10000 0x10010 @eeprom.hex"},
+                    Harmless{"P028", "-- -s port -B 0110 -v @image.hex"},
+                    Harmless{"P028", "-- -s port -B 0110 -v @missing.hex"},
+                    Harmless{"P028", "-- -s port -B 0110 -w @outside.hex"},
+                    Harmless{"I023", "-- -s port -B 0110 -r @outside.hex -v @outside.hex"}));
 
 namespace
 {

@@ -244,6 +244,11 @@ TEST_F(PlannedRun, CannotDoWithoutADeviceWhereNoVersionIsGiven)
 TEST_F(PlannedRun, CannotDoWithAMissingFile)
 {
     EXPECT_EQ(run_plan("--before @missing.hex -- -s port -B 0110 -e").status, 2);
+    put_file(QStringLiteral("bad.hex"), "\n:0408000001020304E7\n");
+    const inspect::Outcome damaged = run_plan("--before @bad.hex -- -s port -B 0110 -e");
+    EXPECT_EQ(damaged.status, 2);
+    EXPECT_TRUE(damaged.err.contains("bad.hex, line 2: A checksum that"))
+        << damaged.err.constData();
     EXPECT_EQ(run_plan("--table @missing.txt -- -s port -B 0110 -e").status, 2);
 }
 

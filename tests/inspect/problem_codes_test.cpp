@@ -52,7 +52,7 @@ TEST(ProblemCodes, StandInTheOrderOfTheirTable)
     for (std::size_t i = 0; i < inspect::problem_kinds().size(); ++i) {
         EXPECT_EQ(static_cast<std::size_t>(inspect::problem_kinds().at(i).code), i);
     }
-    EXPECT_EQ(inspect::problem_kinds().back().code, inspect::Code::ContentLost);
+    EXPECT_EQ(inspect::problem_kinds().back().code, inspect::Code::NothingSelected);
 }
 
 TEST(ProblemCodes, AreNumberedWithoutGaps)

@@ -16,14 +16,14 @@ class StandInFor : public InspectTest
 protected:
     QByteArray content_of(const QString& name)
     {
-        QFile stand_in(m_files.stand_in_for(name));
+        QFile stand_in(m_files.copy_of(name));
         EXPECT_TRUE(stand_in.open(QIODevice::ReadOnly));
         return stand_in.readAll();
     }
 
     void write_to_stand_in_of(const QString& name, const QByteArray& text)
     {
-        QFile stand_in(m_files.stand_in_for(name));
+        QFile stand_in(m_files.copy_of(name));
         EXPECT_TRUE(stand_in.open(QIODevice::WriteOnly));
         EXPECT_EQ(stand_in.write(text), text.size());
     }
@@ -45,6 +45,23 @@ TEST_F(StandInFor, AMissingFileIsEmptyAndLeavesItMissing)
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("missing.hex"))));
 }
 
+TEST_F(StandInFor, AFileThatIsOnlyWrittenToIsEmpty)
+{
+    const QString log = put_file(QStringLiteral("frames.log"), "before");
+    QFile stand_in(m_files.empty_for(log));
+    ASSERT_TRUE(stand_in.open(QIODevice::ReadOnly));
+    EXPECT_EQ(stand_in.readAll(), QByteArray());
+    EXPECT_EQ(m_files.empty_for(QString()), QString());
+}
+
+TEST_F(StandInFor, AFileThatIsReadFirstHasItsContentForAWriterToo)
+{
+    const QString image = put_file(QStringLiteral("image.hex"), "before");
+    EXPECT_EQ(content_of(image), QByteArray("before"));
+    EXPECT_EQ(m_files.empty_for(image), m_files.copy_of(image));
+    EXPECT_EQ(content_of(image), QByteArray("before"));
+}
+
 TEST_F(StandInFor, AFileTakesWhatIsWrittenInItsPlace)
 {
     const QString image = put_file(QStringLiteral("image.hex"), "before");
@@ -58,28 +75,28 @@ TEST_F(StandInFor, TwoNamesOfOneFileIsTheSame)
     const QString image = put_file(QStringLiteral("image.hex"), "text");
     const QString link = path(QStringLiteral("link.hex"));
     ASSERT_TRUE(QFile::link(QStringLiteral("image.hex"), link));
-    EXPECT_EQ(m_files.stand_in_for(image), m_files.stand_in_for(link));
-    EXPECT_EQ(m_files.stand_in_for(path(QStringLiteral("new.hex"))),
-              m_files.stand_in_for(path(QStringLiteral("./new.hex"))));
-    EXPECT_NE(m_files.stand_in_for(image), m_files.stand_in_for(path(QStringLiteral("new.hex"))));
+    EXPECT_EQ(m_files.copy_of(image), m_files.copy_of(link));
+    EXPECT_EQ(m_files.copy_of(path(QStringLiteral("new.hex"))),
+              m_files.copy_of(path(QStringLiteral("./new.hex"))));
+    EXPECT_NE(m_files.copy_of(image), m_files.copy_of(path(QStringLiteral("new.hex"))));
 }
 
 TEST_F(StandInFor, AFileThatMemoryDoesNotHoldCannotBeMade)
 {
     const QString image = put_file(QStringLiteral("image.hex"), QByteArray(5000, 'x'));
     const SmallDisk disk(4096);
-    EXPECT_THROW(m_files.stand_in_for(image), inspect::UsageError);
+    EXPECT_THROW(m_files.copy_of(image), inspect::UsageError);
 }
 
 TEST_F(StandInFor, NothingIsNothing)
 {
-    EXPECT_EQ(m_files.stand_in_for(QString()), QString());
+    EXPECT_EQ(m_files.copy_of(QString()), QString());
 }
 
 TEST_F(StandInFor, AFileIsNamedByTheFileInAText)
 {
     const QString image = path(QStringLiteral("image.hex"));
-    const QString text = QStringLiteral("cannot load ") + m_files.stand_in_for(image);
+    const QString text = QStringLiteral("cannot load ") + m_files.copy_of(image);
     EXPECT_EQ(m_files.with_files(text), QStringLiteral("cannot load ") + image);
 }
 
