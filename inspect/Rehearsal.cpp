@@ -7,6 +7,8 @@
 
 #include <QTextStream>
 
+#include <utility>
+
 namespace inspect
 {
 
@@ -56,16 +58,13 @@ std::optional<Rehearsed> rehearse_once(const RehearsedProfiles& profiles, const 
     const Settings harmless = with_stand_ins(settings, files);
     RehearsalStage stage(profiles, harmless, options);
     take_steps(stage, harmless);
-    if (stage.was_disturbed()) {
-        return std::nullopt;
-    }
     Rehearsed result = stage.take_result();
     for (RehearsedStep& step : result.steps) {
         for (QString& message : step.messages) {
             message = files.with_files(message);
         }
     }
-    return result;
+    return stage.was_disturbed() ? std::nullopt : std::optional(std::move(result));
 }
 
 } // namespace
